@@ -1,0 +1,107 @@
+/* kolvex: the public routines of the plotting library.
+ *
+ * Generated from the routine table by tools/gen_binding.py; do not edit.
+ * Routines take arrays as a pointer with a count given by the caller,
+ * strings as zero-terminated UTF-8, and report failures as numbered
+ * warnings on the console or in the error file, never by return codes.
+ * Every routine may be called from C or C++; none throws. */
+#ifndef KOLVEX_H
+#define KOLVEX_H
+
+#if defined(KOLVEX_EXPORTS)
+#define KOLVEX_API __attribute__((visibility("default")))
+#else
+#define KOLVEX_API
+#endif
+
+#ifdef __cplusplus
+#define KOLVEX_NOEXCEPT noexcept
+extern "C" {
+#else
+#define KOLVEX_NOEXCEPT
+#endif
+
+/* Global state and call frame */
+KOLVEX_API void delglb(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int getlev(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int getuni(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void pagorg(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void thrfin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void thrini(int nmax) KOLVEX_NOEXCEPT;
+KOLVEX_API void units(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void upstr(char *cstr) KOLVEX_NOEXCEPT;
+
+/* Diagnostics and protocol */
+KOLVEX_API void errdev(const char *cdev) KOLVEX_NOEXCEPT;
+KOLVEX_API void errfil(const char *cfil) KOLVEX_NOEXCEPT;
+KOLVEX_API void errmod(const char *cstr, const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void nancrv(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void nochek(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void unit(int nu) KOLVEX_NOEXCEPT;
+
+/* Session */
+KOLVEX_API void bmpmod(int n, const char *cval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void bufmod(const char *cmod, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API void cgmver(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void clrmod(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void erase(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void filmod(const char *cmod) KOLVEX_NOEXCEPT;
+KOLVEX_API void filopt(const char *copt, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API const char *getdsp(void) KOLVEX_NOEXCEPT;
+KOLVEX_API const char *getfil(void) KOLVEX_NOEXCEPT;
+KOLVEX_API const char *getmfl(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void getpag(int *nxpag, int *nypag) KOLVEX_NOEXCEPT;
+KOLVEX_API double getver(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void gifmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void hpgmog(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void hworig(int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void hwpage(int nxp, int nyp) KOLVEX_NOEXCEPT;
+KOLVEX_API void hwscal(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgfmt(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void kolfin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void kolini(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void metafl(const char *cdev) KOLVEX_NOEXCEPT;
+KOLVEX_API void newpag(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void page(int nxp, int nyp) KOLVEX_NOEXCEPT;
+KOLVEX_API void pagera(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void pagmod(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void pdfmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void pngmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void psmeta(const char *cstr, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void sclfac(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void sclmod(const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void scrmod(const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void sendbf(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void setfil(const char *cfil) KOLVEX_NOEXCEPT;
+KOLVEX_API void setpag(const char *cpag) KOLVEX_NOEXCEPT;
+KOLVEX_API void tifmod(int n, const char *cval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void winapp(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void window(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void winjus(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void winkey(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void winmod(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void winopt(int iopt, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void winsiz(int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void wintyp(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void winupd(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void wmfmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void x11mod(const char *copt) KOLVEX_NOEXCEPT;
+
+/* Device layer */
+KOLVEX_API void clpbor(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void clpmod(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void clpwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void hwmode(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API void linmod(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API void linwid(int nwidth) KOLVEX_NOEXCEPT;
+KOLVEX_API void lncap(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void lnjoin(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void lnmlt(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void noclip(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* KOLVEX_H */

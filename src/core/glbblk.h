@@ -1,0 +1,24 @@
+// glbblk: the whole state of the library for one thread.
+//
+// The record is composed of one plain struct per subsystem; each struct is
+// declared in its subsystem's own state header and given its values by that
+// subsystem's share of the block's first values and of qqinit (see
+// core/subsystems.h).  The block is allocated zero-filled, so every member
+// must be a plain type: no constructors, no owning C++ containers.  Working
+// arrays are raw pointers that their subsystem frees in its release step.
+#pragma once
+
+#include "core/core_state.h"
+#include "core/diag_state.h"
+#include "core/session_state.h"
+#include "devices/device_state.h"
+#include "raster/colour_state.h"
+
+struct glbblk {
+    CoreState core;       // call frame, level, page
+    DiagState diag;       // warnings, protocol, error file
+    SessionState sess;    // device choice, file, window, page options
+    OutputOptions opt;    // level-0 settings of the output formats
+    DeviceState dev;      // polyline buffer, clipping, line style
+    ColourState clr;      // colour table and current colour
+};

@@ -1,0 +1,45 @@
+#include "core/keywords.h"
+
+#include "core/glbblk.h"
+#include "core/warnings.h"
+
+void qqkeyword(const char *word, char *out) noexcept {
+    int i = 0;
+    if (word)
+        for (; i < 4 && word[i]; ++i) {
+            char c = word[i];
+            out[i] = (c >= 'a' && c <= 'z') ? (char)(c - 'a' + 'A') : c;
+        }
+    for (; i < 4; ++i) out[i] = ' ';
+    out[4] = '\0';
+}
+
+int qqkeyq(const char *list, int count, const char *word) noexcept {
+    char key[5];
+    qqkeyword(word, key);
+    for (int i = 0; i < count; ++i) {
+        const char *k = list + 5 * i;
+        bool same = true;
+        for (int j = 0; j < 4 && same; ++j) {
+            char c = k[j];
+            if (c >= 'a' && c <= 'z') c = (char)(c - 'a' + 'A');
+            same = c == key[j];
+        }
+        if (same) return i + 1;
+    }
+    return 0;
+}
+
+int qqkey(glbblk *b, const char *list, int count, const char *word) noexcept {
+    int k = qqkeyq(list, count, word);
+    if (k == 0) qqwarc(b, 2, word ? word : "");
+    return k;
+}
+
+int qqchki(glbblk *b, int value, int low, int high) noexcept {
+    if (value < low || (low <= high && value > high)) {
+        qqwarn(b, 2, value);
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,30 @@
+// Helpers of the session shared with the drivers and the other subsystems.
+#pragma once
+
+struct glbblk;
+
+// The name rule: 0 when the file may be written (name may have changed to
+// a new version), else a warning number whose text stands in wrntxt.
+int qqvers(glbblk *b, char *name) noexcept;
+// Opens the plot file of the session as kolini does; 0 on success, else the
+// warning has been reported and level is 0.  Drivers that open their file
+// themselves call qqopenf for the name rule and the open under the lock.
+int qqopenplot(glbblk *b) noexcept;
+int qqopenf(glbblk *b, const char *mode) noexcept;
+// Turns the Y of the interface round when the page origin is at the bottom.
+double qqyflp(glbblk *b, double y) noexcept;
+int qqyflpi(glbblk *b, int y) noexcept;
+// A length in 1/100 cm in the current unit.
+int qqpxu(glbblk *b, double length) noexcept;
+// The file extension of a device code, without the point; null for none.
+const char *qqdevext(int devcod) noexcept;
+// The installation directory, resolved into buf (257 bytes).
+void qqdatadir(glbblk *b, char *buf) noexcept;
+// Fails a session that is being opened: level 0 and nothing left open.
+void qqkolfail(glbblk *b) noexcept;
+// The end-of-session banner, in its console form.
+int qqbanner(glbblk *b, int flag, char *out, int size) noexcept;
+
+// Device classes by code.
+inline bool qqscreen(int dev) { return dev > 0 && dev < 101; }
+inline bool qqraster(int dev) { return dev >= 601 && dev <= 700; }

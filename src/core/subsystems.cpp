@@ -1,0 +1,55 @@
+#include "core/subsystems.h"
+
+#include <cstring>
+
+// Declared by each subsystem in its own source.
+extern const Subsystem kxsub_core;
+extern const Subsystem kxsub_diagnostics;
+extern const Subsystem kxsub_session;
+extern const Subsystem kxsub_colour;
+extern const Subsystem kxsub_devices;
+
+namespace {
+
+// In the order of their shares: the session's page comes first, the colour
+// table before the device layer, which sends the first colour to the driver.
+const Subsystem *const kSubsystems[] = {
+    &kxsub_core,
+    &kxsub_diagnostics,
+    &kxsub_session,
+    &kxsub_colour,
+    &kxsub_devices,
+};
+
+}  // namespace
+
+void qqfirst(glbblk *b) noexcept {
+    for (const Subsystem *s : kSubsystems)
+        if (s->first) s->first(b);
+}
+
+void qqinit(glbblk *b) noexcept {
+    for (const Subsystem *s : kSubsystems)
+        if (s->init) s->init(b);
+}
+
+void qqrelease(glbblk *b) noexcept {
+    for (const Subsystem *s : kSubsystems)
+        if (s->release) s->release(b);
+}
+
+void qqend(glbblk *b) noexcept {
+    for (const Subsystem *s : kSubsystems)
+        if (s->end) s->end(b);
+}
+
+int qqresetrow(glbblk *b, const char *name) noexcept {
+    int n = 0;
+    for (const Subsystem *s : kSubsystems)
+        for (const ResetEntry *r = s->resets; r && r->name; ++r)
+            if (std::strcmp(r->name, name) == 0) {
+                r->run(b);
+                ++n;
+            }
+    return n;
+}

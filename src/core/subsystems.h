@@ -1,0 +1,37 @@
+// The subsystems that own a share of glbblk.
+//
+// Each subsystem describes itself once, in its own source, by a Subsystem
+// record: the first values of its fields in a new block, its share of
+// qqinit (the defaults of every session, also run by reset("ALL")), what it
+// frees when a block goes away, and the rows of reset() that it answers.
+// core/subsystems.cpp lists the records in the order in which their shares
+// run; a subsystem that is added later adds one line there.
+#pragma once
+
+struct glbblk;
+
+struct ResetEntry {
+    const char *name;          // one of the reset() names, upper case
+    void (*run)(glbblk *b);    // puts that setting back to its session default
+};
+
+struct Subsystem {
+    const char *name;
+    void (*first)(glbblk *b);     // first values of a new block, or null
+    void (*init)(glbblk *b);      // share of qqinit, or null
+    void (*release)(glbblk *b);   // frees what the block holds, or null
+    const ResetEntry *resets;     // rows ended by {nullptr, nullptr}, or null
+    void (*end)(glbblk *b);       // ends open work at kolfin, before the output closes
+};
+
+// Runs every subsystem's first values on a new block.
+void qqfirst(glbblk *b) noexcept;
+// The defaults of a session, subsystem by subsystem.
+void qqinit(glbblk *b) noexcept;
+// Frees everything the subsystems hang on a block that goes away.
+void qqrelease(glbblk *b) noexcept;
+// Ends the subsystems' open work at kolfin (buffers, image and
+// transparency modes, PLY output), in the order of the list.
+void qqend(glbblk *b) noexcept;
+// Runs the reset rows of the given name; returns the number of rows run.
+int qqresetrow(glbblk *b, const char *name) noexcept;

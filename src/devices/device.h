@@ -1,0 +1,105 @@
+// The device layer: the line interface that all drawing ends in, and the
+// operations that a driver supplies.
+//
+// Drawing routines call qqmove and qqdraw with double plot coordinates (the
+// page-origin flip already applied).  Points collect in a buffer of 100;
+// qqflsh clips them and hands them to the driver through qqplot.  Every
+// change of state that a driver must see in order (colour, width, clip,
+// fill, image, text) flushes first, so a driver sees one ordered stream.
+#pragma once
+
+struct glbblk;
+
+// Operation codes of qqplot and a driver's line operation.
+enum { QQ_DRAW = 2, QQ_MOVE = 3, QQ_ENDPATH = 9 };
+
+// What a driver does itself; the layer emulates the rest.
+enum {
+    QQ_CAP_WIDTH = 1,     // draws line widths itself (with hwmode LINE on)
+    QQ_CAP_FILL = 2,      // fills polygons itself (with hwmode SHAD on)
+    QQ_CAP_CLIP = 4,      // clips to a rectangle itself
+    QQ_CAP_TEXT = 8,      // draws hardware fonts
+    QQ_CAP_IMAGE = 16,    // takes image rows
+    QQ_CAP_DEEP = 32,     // takes colours as red, green, blue (colbits above 8)
+};
+
+// A driver: one set of operations of the same shape for each device family.
+// Positions arrive in double plot coordinates; each driver maps them to its
+// own device units (see qqmapdown and qqmapup).  Null operations are not
+// offered by the family.
+struct DriverOps {
+    const char *family;
+    unsigned caps;
+    // Computes devscl, sets colbits and writes the header.  The plot file
+    // is open unless the family opens its own.  Returns 0, or non-zero after
+    // it has reported a warning: kolini then fails.
+    int (*open)(glbblk *b);
+    // One position: QQ_MOVE starts a path, QQ_DRAW extends it (nvec has
+    // been raised), QQ_ENDPATH writes what the driver buffers.
+    void (*line)(glbblk *b, double x, double y, int op);
+    // The colour: the value as the caller gave it (raster and screen take
+    // it as it stands), and its red, green, blue 0 to 255 and index as the
+    // layer decoded them for the device's colour depth.
+    void (*colour)(glbblk *b, int value, int r, int g, int bl, int index);
+    // The colour table changed (screen and raster).
+    void (*colour_table)(glbblk *b);
+    // Line width of n plot coordinates (penwid gives fractions); n = 0
+    // asks for the device's thinnest line.  Returns 1 when the device
+    // draws the width itself, so that the layer does not emulate it (lnwid
+    // becomes -n); 0 or 2 leave lnwid at n (2: the device took the width
+    // but the setting stays as given).
+    int (*width)(glbblk *b, double n, int fractional);
+    // Line cap, join or miter limit changed.
+    void (*linestyle)(glbblk *b);
+    // Clip rectangle in plot coordinates; reset 1 means the whole page.
+    void (*clip)(glbblk *b, int x1, int y1, int x2, int y2, int reset);
+    // Filled polygon in plot coordinates; returns 0 when the layer must
+    // fall back to hatching.
+    int (*fill_polygon)(glbblk *b, const double *x, const double *y, int n);
+    // Filled rectangle, corners in plot coordinates, with a colour value.
+    void (*fill_rect)(glbblk *b, int x1, int y1, int x2, int y2, int colour);
+    void (*new_page)(glbblk *b);
+    void (*clear)(glbblk *b);
+    void (*update)(glbblk *b);
+    // Writes the trailer and frees the driver's buffers.  Returns 1 when a
+    // file was written, 0 when not (screen, memory output).
+    int (*close)(glbblk *b);
+};
+
+// The driver of a device code; a family without a driver in this build
+// answers null.
+const DriverOps *qqdriver(int devcod) noexcept;
+
+void qqmove(glbblk *b, double x, double y) noexcept;
+void qqdraw(glbblk *b, double x, double y) noexcept;
+void qqrmov(glbblk *b, double x, double y) noexcept;
+void qqrdrw(glbblk *b, double x, double y) noexcept;
+void qqflsh(glbblk *b) noexcept;
+void qqplot(glbblk *b, double x, double y, int op) noexcept;
+void qqsetc(glbblk *b, int value) noexcept;
+// The entry of the colour table nearest to a colour (sum of the absolute
+// differences; the first minimum wins).
+int qqnearest(const glbblk *b, int r, int g, int bl) noexcept;
+void qqclip(glbblk *b, int back) noexcept;
+int qqin(glbblk *b, double x, double y) noexcept;
+// Sends the clip window to a driver that clips itself.
+void qqclipdev(glbblk *b, int narrowing) noexcept;
+// Resets the dash pattern to its first element (lintyp, myline, solid).
+void qqdshres(glbblk *b) noexcept;
+
+// Text output of the line-oriented formats: qqsbuf adds n bytes to the
+// line buffer, writing the line first when it would pass lnlen; qqlbuf is
+// the word-wrapping form (n = -1 writes the line out).
+void qqsbuf(glbblk *b, const char *text, int n) noexcept;
+void qqlbuf(glbblk *b, const char *text, int n) noexcept;
+// Writes the pending line with a line feed.
+void qqsbufend(glbblk *b) noexcept;
+
+// The common mappings to device coordinates with s = devscl.  "Down":
+// Y grows downward, (sX, sY), rotated (sY, s(nxp - X)).  "Up": Y grows
+// upward, (sX, s(nyp - Y)), rotated (sY, sX).
+void qqmapdown(glbblk *b, double x, double y, double *dx, double *dy) noexcept;
+void qqmapup(glbblk *b, double x, double y, double *dx, double *dy) noexcept;
+// The fit rule of screen, raster, Java, SVG and EMF for a picture of
+// pw by ph pixels.
+double qqfitscale(glbblk *b, int pw, int ph) noexcept;

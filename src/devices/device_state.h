@@ -1,0 +1,55 @@
+// State of the device layer: the polyline buffer, the dash walker, the
+// clip window, the line style and the driver of the session.
+#pragma once
+
+struct glbblk;
+struct DriverOps;
+
+enum { QQ_NPOL = 100 };  // points the polyline buffer holds
+
+struct DeviceState {
+    const DriverOps *drv;      // driver of the session's device family
+    double polx[QQ_NPOL];      // polyline buffer, absolute plot positions
+    double poly[QQ_NPOL];
+    int npol;                  // points in the buffer
+    unsigned char inflsh;      // 1 while qqflsh runs
+    double curx, cury;         // pen position with the origin shift
+    int nxsh, nysh;            // origin shift (origin)
+    int clpx1, clpy1, clpx2, clpy2;  // clip window, inclusive
+    int savclp[4];             // clip window saved by qqclip(0)
+    unsigned char clpflg;      // 0 none, 1 clpwin, 2 clpbor("AXIS")
+    unsigned char clpmd;       // clpmod: 0 AUTO, 1 NONE, 2 CIRC, 3 RECT
+    int clpcir;                // 1 while the clip region is a circle
+    double ccx, ccy, ccr;      // the clip circle
+    int axrect[4];             // the axis system's rectangle, set by graf
+    double axcirc[3];          // the axis system's clip circle
+    int axpolar;               // 1 in a polar axis system
+    int grace;                 // margin of the axis rectangle (grace)
+    int mapprj;                // map projection code, 0 without a map
+    int mapcirc;               // 1 when the map has a circular frame
+    int mapshade;              // 1 while map shading is at work
+    int lnwid;                 // line width; negative when the device draws it
+    int lnjn;                  // lnjoin: 0 SHAR, 1 ROUN, 2 TRUN
+    int lncp;                  // lncap: 0 CUT, 1 ROUN, 2 LONG
+    double lnml;               // miter limit
+    unsigned char hwlin, hwshd;  // hardware line width and fill
+    double lnoff;              // parallel offset of a line
+    int offfirst;              // 1 until the first offset segment starts the line
+    int dshn;                  // elements of the dash pattern, 1 is solid
+    int dshl[10];              // their lengths in plot coordinates
+    double dsrem;              // rest of the current element
+    int dspen;                 // 0 drawing, 1 in a gap
+    int dsidx;                 // current element, from 1
+    int clridx, clrn;          // colour pattern of linclr: index from 1, count
+    int clrtab[10];
+    int curclr;                // current colour value
+    int pl3on;                 // a 3-D plane of grfini is the drawing surface
+    int trfon;                 // the user transformation is on
+    double trf[6];             // a, b, c for X and d, e, f for Y
+    int lnsmooth;              // linmod SMOO
+    int lastop;                // last operation a metafile driver wrote, 0 none
+    // Hooks of later stages: a position mapped into the 3-D plane, and a
+    // segment test of hidden lines or shields.  Null when not in use.
+    void (*plane)(glbblk *b, double *x, double *y);
+    int (*segtest)(glbblk *b, double x0, double y0, double x1, double y1);
+};

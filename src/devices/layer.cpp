@@ -1,0 +1,128 @@
+// The device layer's share of the block, the coordinate mappings and the
+// device scale rule shared by several families.
+#include <algorithm>
+#include <cmath>
+
+#include "core/glbblk.h"
+#include "core/session.h"
+#include "core/subsystems.h"
+#include "devices/device.h"
+
+namespace {
+
+void devices_first(glbblk *b) {
+    DeviceState &d = b->dev;
+    d.lnwid = 1;
+    d.hwlin = d.hwshd = 1;
+}
+
+void devices_init(glbblk *b) {
+    DeviceState &d = b->dev;
+    d.npol = 0;
+    d.inflsh = 0;
+    d.nxsh = d.nysh = 0;
+    d.clpx1 = d.clpy1 = 0;
+    d.clpx2 = b->core.nxp;
+    d.clpy2 = b->core.nyp;
+    d.clpflg = 0;
+    d.clpmd = 0;
+    d.clpcir = 0;
+    d.grace = -1;
+    d.axpolar = 0;
+    d.mapprj = d.mapcirc = d.mapshade = 0;
+    d.lnjn = 2;
+    d.lncp = 2;
+    d.lnml = 2.0;
+    d.hwlin = d.hwshd = 1;
+    d.lnoff = 0.0;
+    d.offfirst = 0;
+    d.dshn = 1;
+    d.dspen = 0;
+    d.dsidx = 1;
+    d.dsrem = 0;
+    d.clrn = 0;
+    d.clridx = 1;
+    d.pl3on = 0;
+    d.trfon = 0;
+    d.lnsmooth = 0;
+    d.plane = nullptr;
+    d.segtest = nullptr;
+    // The session starts with a thin line and colour index 0 on the device.
+    d.lnwid = 1;
+    if (d.drv && d.drv->clip) d.drv->clip(b, 0, 0, b->core.nxp, b->core.nyp, 1);
+    qqsetc(b, 0);
+}
+
+void reset_origin(glbblk *b) {
+    qqflsh(b);
+    b->dev.nxsh = b->dev.nysh = 0;
+}
+
+void reset_clip_window(glbblk *b) {
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    d.clpflg = 0;
+    d.clpcir = 0;
+    d.clpx1 = d.clpy1 = 0;
+    d.clpx2 = b->core.nxp;
+    d.clpy2 = b->core.nyp;
+    qqclipdev(b, 0);
+}
+
+void reset_clip_mode(glbblk *b) {
+    DeviceState &d = b->dev;
+    d.clpmd = 0;
+    if (d.clpflg == 2) {
+        // Apply the clip border again under the mode that now holds.
+        qqclip(b, 1);
+        d.clpflg = 0;
+        qqclip(b, 0);
+        d.clpflg = 2;
+    }
+}
+
+const ResetEntry kResets[] = {
+    {"ORIG", reset_origin},    {"CLPB", reset_clip_window}, {"CLPW", reset_clip_window},
+    {"CLPM", reset_clip_mode}, {"NOCL", reset_clip_mode},   {nullptr, nullptr},
+};
+
+}  // namespace
+
+extern const Subsystem kxsub_devices = {"devices", devices_first, devices_init, nullptr,
+                                        kResets,   nullptr};
+
+void qqmapdown(glbblk *b, double x, double y, double *dx, double *dy) noexcept {
+    double s = b->sess.devscl;
+    if (b->sess.pagrot == 1) {
+        *dx = s * y;
+        *dy = s * (b->core.nxp - x);
+    } else {
+        *dx = s * x;
+        *dy = s * y;
+    }
+}
+
+void qqmapup(glbblk *b, double x, double y, double *dx, double *dy) noexcept {
+    double s = b->sess.devscl;
+    if (b->sess.pagrot == 1) {
+        *dx = s * y;
+        *dy = s * x;
+    } else {
+        *dx = s * x;
+        *dy = s * (b->core.nyp - y);
+    }
+}
+
+double qqfitscale(glbblk *b, int pw, int ph) noexcept {
+    double w = b->core.nxp, h = b->core.nyp;
+    if (b->sess.pagrot == 1) std::swap(w, h);
+    if (w < 1) w = 1;
+    if (h < 1) h = 1;
+    double s = std::min((pw - 1) / w, (ph - 1) / h);
+    if (b->sess.sclm == 0) {
+        double a = b->core.unitf * b->sess.sclf;
+        double t = w <= h ? (ph - 1) * a / 2969.0 : (pw - 1) * a / 2969.0;
+        s = std::min(s, t);
+    }
+    return s;
+}

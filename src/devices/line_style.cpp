@@ -1,0 +1,121 @@
+// Line width, caps, joins and the hardware modes.
+#include <cmath>
+
+#include "core/guard.h"
+#include "core/keywords.h"
+#include "core/text.h"
+#include "core/warnings.h"
+#include "devices/device.h"
+#include "kolvex.h"
+
+namespace {
+
+// Gives the device its width, or its thinnest line when the layer must
+// emulate.  Returns the lnwid to store.
+int apply_width(glbblk *b, int n, double exact, int fractional) {
+    const DriverOps *drv = b->dev.drv;
+    if (!drv || !drv->width) return n;
+    if (b->dev.hwlin) {
+        return drv->width(b, fractional ? exact : n, fractional) == 1 ? -n : n;
+    }
+    drv->width(b, 0, 0);
+    return n;
+}
+
+}  // namespace
+
+void linwid(int nwidth) noexcept {
+    glbblk *b = KX_ENTRY("linwid");
+    if (!b) return;
+    if (qqchki(b, nwidth, 1, 32000)) return;
+    qqflsh(b);
+    b->dev.lnwid = nwidth;
+    b->dev.lnwid = apply_width(b, nwidth, nwidth, 0);
+}
+
+void penwid(double xwidth) noexcept {
+    glbblk *b = KX_ENTRY("penwid");
+    if (!b) return;
+    if (!(xwidth > 0 && xwidth <= 32000)) {
+        qqwarn(b, 2, std::isfinite(xwidth) ? qqround(xwidth) : 0);
+        return;
+    }
+    qqflsh(b);
+    int n = qqnint(xwidth);
+    if (n < 1) n = 1;
+    b->dev.lnwid = n;
+    b->dev.lnwid = apply_width(b, n, xwidth, 1);
+}
+
+namespace {
+void style_changed(glbblk *b) {
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->linestyle) drv->linestyle(b);
+    // A pen with the new style comes into use at the current width.
+    if (b->dev.lnwid < 0 && drv && drv->width) drv->width(b, -b->dev.lnwid, 0);
+}
+}  // namespace
+
+void lncap(const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("lncap");
+    if (!b) return;
+    int k = qqkey(b, "CUT +ROUN+LONG", 3, copt);
+    if (k == 0) return;
+    qqflsh(b);
+    b->dev.lncp = k - 1;
+    style_changed(b);
+}
+
+void lnjoin(const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("lnjoin");
+    if (!b) return;
+    int k = qqkey(b, "SHAR+ROUN+TRUN", 3, copt);
+    if (k == 0) return;
+    qqflsh(b);
+    b->dev.lnjn = k - 1;
+    style_changed(b);
+}
+
+void lnmlt(double xfac) noexcept {
+    glbblk *b = KX_ENTRY("lnmlt");
+    if (!b) return;
+    if (!(xfac >= 1.0) || !std::isfinite(xfac)) {
+        qqwarn(b, 2, std::isfinite(xfac) ? qqround(xfac) : 0);
+        return;
+    }
+    qqflsh(b);
+    b->dev.lnml = xfac;
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->linestyle) drv->linestyle(b);
+}
+
+void hwmode(const char *cmode, const char *ckey) noexcept {
+    glbblk *b = KX_ENTRY("hwmode");
+    if (!b) return;
+    int what = qqkey(b, "LINE+SHAD", 2, ckey);
+    if (what == 0) return;
+    int k = qqkey(b, "OFF +ON  ", 2, cmode);
+    if (k == 0) return;
+    if (what == 2) {
+        b->dev.hwshd = (unsigned char)(k - 1);
+        return;
+    }
+    b->dev.hwlin = (unsigned char)(k - 1);
+    if (b->dev.lnwid < 0 && b->core.level > 0) {
+        int n = -b->dev.lnwid;
+        qqflsh(b);
+        b->dev.lnwid = apply_width(b, n, n, 0);
+    }
+}
+
+void linmod(const char *cmode, const char *ckey) noexcept {
+    glbblk *b = KX_ENTRY("linmod");
+    if (!b) return;
+    if (qqkey(b, "SMOO", 1, ckey) == 0) return;
+    int k = qqkey(b, "OFF +ON  ", 2, cmode);
+    if (k == 0) return;
+    qqflsh(b);
+    b->dev.lnsmooth = k - 1;
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->linestyle) drv->linestyle(b);
+}

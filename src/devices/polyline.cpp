@@ -1,0 +1,203 @@
+// The polyline buffer and the dash and parallel-offset walker.
+//
+// Points enter the buffer as absolute plot positions after the origin
+// shift, the 3-D plane and the user transformation.  When the buffer holds
+// 100 points it is flushed and its last point carried over as the first of
+// the next piece, so a long line reaches the driver in pieces that each
+// start with a move and join without a gap.
+#include <cmath>
+
+#include "core/glbblk.h"
+#include "core/text.h"
+#include "devices/device.h"
+#include "devices/stroke.h"
+
+namespace {
+
+void transform(glbblk *b, double &x, double &y) {
+    DeviceState &d = b->dev;
+    if (d.pl3on == 1 && d.plane) d.plane(b, &x, &y);
+    if (d.trfon == 1) {
+        double tx = d.trf[0] * x + d.trf[1] * y + d.trf[2];
+        double ty = d.trf[3] * x + d.trf[4] * y + d.trf[5];
+        x = tx;
+        y = ty;
+    }
+}
+
+// Starts a new piece at an absolute position.
+void buf_move(glbblk *b, double x, double y) {
+    qqflsh(b);
+    transform(b, x, y);
+    DeviceState &d = b->dev;
+    d.polx[0] = x;
+    d.poly[0] = y;
+    d.npol = 1;
+}
+
+// Appends a transformed position; a full buffer goes out and its last
+// point starts the next piece.
+void buf_append(glbblk *b, double x, double y) {
+    DeviceState &d = b->dev;
+    if (d.npol == 0) {  // nothing pending: the line starts here
+        d.polx[0] = x;
+        d.poly[0] = y;
+        d.npol = 1;
+        return;
+    }
+    d.polx[d.npol] = x;
+    d.poly[d.npol] = y;
+    if (++d.npol == QQ_NPOL) {
+        double lx = d.polx[QQ_NPOL - 1], ly = d.poly[QQ_NPOL - 1];
+        qqflsh(b);
+        d.polx[0] = lx;
+        d.poly[0] = ly;
+        d.npol = 1;
+    }
+}
+
+void buf_draw(glbblk *b, double x, double y) {
+    transform(b, x, y);
+    buf_append(b, x, y);
+}
+
+void pattern_colour(glbblk *b) {
+    DeviceState &d = b->dev;
+    if (d.clrn >= 1) {
+        int i = d.clridx >= 1 && d.clridx <= d.clrn ? d.clridx : 1;
+        qqsetc(b, d.clrtab[i - 1]);
+    }
+}
+
+void next_element(DeviceState &d) {
+    d.dsidx = d.dsidx >= d.dshn ? 1 : d.dsidx + 1;
+    d.dspen = 1 - d.dspen;
+    if (d.dspen == 1 && d.clrn > 0) d.clridx = d.clridx >= d.clrn ? 1 : d.clridx + 1;
+    d.dsrem = d.dshl[d.dsidx - 1];
+}
+
+}  // namespace
+
+void qqdshres(glbblk *b) noexcept {
+    DeviceState &d = b->dev;
+    d.dsidx = 1;
+    d.dspen = 0;
+    d.clridx = 1;
+    d.dsrem = d.dshn > 1 ? d.dshl[0] : 0;
+}
+
+void qqmove(glbblk *b, double x, double y) noexcept {
+    DeviceState &d = b->dev;
+    x += d.nxsh;
+    y += d.nysh;
+    d.curx = x;
+    d.cury = y;
+    if (d.lnoff != 0) {
+        d.offfirst = 1;
+        return;
+    }
+    if (d.dshn > 1 && d.clrn >= 1) pattern_colour(b);
+    buf_move(b, x, y);
+}
+
+void qqdraw(glbblk *b, double x, double y) noexcept {
+    DeviceState &d = b->dev;
+    x += d.nxsh;
+    y += d.nysh;
+    if (d.dshn <= 1 && d.lnoff == 0) {
+        d.curx = x;
+        d.cury = y;
+        buf_draw(b, x, y);
+        return;
+    }
+    double dx = x - d.curx, dy = d.cury - y;
+    double a = std::fabs(dx) <= 1e-6 ? (dy >= 0 ? 1.570796 : -1.570796) : std::atan2(dy, dx);
+    double len = d.cury == y ? std::fabs(dx) : std::fabs(dy / std::sin(a));
+    double ca = std::cos(a), sa = std::sin(a);
+    double px = d.curx, py = d.cury;  // walker position
+    double ex = x, ey = y;            // end of the segment
+    if (d.lnoff != 0) {
+        double ox = -d.lnoff * sa, oy = -d.lnoff * ca;
+        px += ox;
+        py += oy;
+        ex += ox;
+        ey += oy;
+        if (d.offfirst) {
+            d.offfirst = 0;
+            if (d.dshn > 1 && d.clrn >= 1) pattern_colour(b);
+            buf_move(b, px, py);
+        } else if (d.dshn > 1 && d.dspen == 1) {
+            buf_move(b, px, py);
+        } else {
+            buf_draw(b, px, py);
+        }
+        if (d.dshn <= 1) {
+            buf_draw(b, ex, ey);
+            d.curx = x;
+            d.cury = y;
+            return;
+        }
+    }
+    if (!(len < 1e300)) len = 0;  // a NaN or infinite length walks nowhere
+    if (d.dsrem <= 0) d.dsrem = d.dshl[d.dsidx - 1] > 0 ? d.dshl[d.dsidx - 1] : 1;
+    // Step through the pattern; every element boundary is a point.
+    int guard = 0;
+    while (len >= d.dsrem && guard++ < 10000000) {
+        px += d.dsrem * ca;
+        py -= d.dsrem * sa;
+        if (d.dspen == 0) {
+            buf_draw(b, px, py);
+        } else {
+            if (d.clrn >= 1) pattern_colour(b);
+            buf_move(b, px, py);
+        }
+        len -= d.dsrem;
+        next_element(d);
+        if (d.dsrem <= 0) d.dsrem = 1;
+    }
+    if (d.dspen == 0)
+        buf_draw(b, ex, ey);
+    else
+        buf_move(b, ex, ey);
+    d.dsrem -= len;
+    d.curx = x;
+    d.cury = y;
+}
+
+void qqrmov(glbblk *b, double x, double y) noexcept {
+    DeviceState &d = b->dev;
+    d.curx = x;
+    d.cury = y;
+    buf_move(b, x, y);
+}
+
+void qqrdrw(glbblk *b, double x, double y) noexcept {
+    DeviceState &d = b->dev;
+    d.curx = x;
+    d.cury = y;
+    transform(b, x, y);
+    // A repeated point is overwritten rather than doubled.
+    if (d.npol >= 2 && d.polx[d.npol - 1] == x && d.poly[d.npol - 1] == y) return;
+    buf_append(b, x, y);
+}
+
+void qqplot(glbblk *b, double x, double y, int op) noexcept {
+    if (op == QQ_DRAW) b->sess.nvec++;
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->line) drv->line(b, x, y, op);
+}
+
+void qqflsh(glbblk *b) noexcept {
+    DeviceState &d = b->dev;
+    if (d.npol == 0) return;
+    d.inflsh = 1;
+    int n = d.npol;
+    // The buffer is free again before anything is drawn, so that a driver
+    // or a hook that flushes cannot see the same points twice.
+    d.npol = 0;
+    ClipPen pen{b, 0, 0, false};
+    pen_move(pen, d.polx[0], d.poly[0]);
+    for (int i = 1; i < n; ++i) pen_draw(pen, d.polx[i], d.poly[i]);
+    if (d.lnwid > 1 && qqnint(d.lnwid * b->core.unitf) > 1) qqthick(b, d.polx, d.poly, n);
+    d.inflsh = 0;
+}

@@ -1,0 +1,14 @@
+// The colour model: the 256-entry colour table, its kind and the named
+// colours.  The colour value itself is described in raster/colour.h.
+#pragma once
+
+struct ColourState {
+    int colmap[256];        // table entries 0x00RRGGBB
+    int vltkind;            // table kind, 0 to 8 in the order of setvlt
+    unsigned char vltkeep;  // myvlt before kolini: the next setvlt keeps the entries
+    int bckclr, forclr;     // index of background and foreground
+    int blkidx, whtidx;     // darkest and brightest end of the table
+    int minidx, maxidx;     // index range of colour scales
+    int named[9];           // values of WHIT RED GREE YELL BLUE ORAN CYAN MAGE BLAC
+    int clrcycl[30];        // colour cycle of clrcyc
+};

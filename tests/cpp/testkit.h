@@ -1,0 +1,72 @@
+// A small test harness for the core's internals.
+//
+// TEST(name) { ... } registers a test; CHECK(cond) and CHECK_EQ(a, b)
+// record failures and go on.  RecordingDriver stands in for a device so
+// that a test sees exactly what reaches a driver.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+struct glbblk;
+
+namespace testkit {
+
+struct Test {
+    const char *name;
+    void (*fn)();
+};
+std::vector<Test> &registry();
+struct Register {
+    Register(const char *name, void (*fn)()) { registry().push_back({name, fn}); }
+};
+void fail(const char *file, int line, const std::string &what);
+
+// One operation as a driver received it.
+struct Op {
+    char kind;   // 'm' move, 'd' draw, 'e' end path, 'c' colour, 'w' width, 'x' clip
+    double x, y;
+    int value;
+};
+
+// Installs itself as the driver of the calling thread's session and
+// records every operation.
+struct RecordingDriver {
+    std::vector<Op> ops;
+    int hwwidth = 0;  // answer of the width operation
+    void install(glbblk *b);
+    int count(char kind) const;
+    // The pieces of line: each starts with a move and holds its draws.
+    std::vector<std::vector<Op>> pieces() const;
+};
+
+// Runs a session in a fresh temporary directory.
+std::string temp_dir();
+
+}  // namespace testkit
+
+#define TEST(name)                                              \
+    static void test_##name();                                  \
+    static testkit::Register reg_##name(#name, test_##name);    \
+    static void test_##name()
+
+#define CHECK(cond) \
+    ((cond) ? (void)0 : testkit::fail(__FILE__, __LINE__, "CHECK(" #cond ")"))
+#define CHECK_EQ(a, b)                                                                    \
+    do {                                                                                  \
+        auto va_ = (a);                                                                   \
+        auto vb_ = (b);                                                                   \
+        if (!(va_ == vb_))                                                                \
+            testkit::fail(__FILE__, __LINE__,                                             \
+                          std::string("CHECK_EQ(" #a ", " #b "): ") + std::to_string(va_) + \
+                              " != " + std::to_string(vb_));                              \
+    } while (0)
+#define CHECK_NEAR(a, b, tol)                                                            \
+    do {                                                                                 \
+        double va_ = (a), vb_ = (b);                                                     \
+        if (!(va_ - vb_ <= (tol) && vb_ - va_ <= (tol)))                                 \
+            testkit::fail(__FILE__, __LINE__,                                            \
+                          std::string("CHECK_NEAR(" #a ", " #b "): ") + std::to_string(va_) + \
+                              " != " + std::to_string(vb_));                             \
+    } while (0)

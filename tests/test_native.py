@@ -1,0 +1,42 @@
+"""The C++ tests of the core's internals and the C interface check.
+
+They are built with CMake into build/native-tests beside the sources (an
+incremental build after the first run) and run from here, so that one
+pytest command runs the whole suite.
+"""
+import os
+import shutil
+import subprocess
+
+import pytest
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+BUILD = os.environ.get("KOLVEX_NATIVE_BUILD_DIR", os.path.join(ROOT, "build", "native-tests"))
+
+pytestmark = pytest.mark.skipif(shutil.which("cmake") is None, reason="cmake is not installed")
+
+
+@pytest.fixture(scope="module")
+def native_build():
+    os.makedirs(BUILD, exist_ok=True)
+    gen = ["-G", "Ninja"] if shutil.which("ninja") else []
+    if not os.path.exists(os.path.join(BUILD, "CMakeCache.txt")):
+        subprocess.run(["cmake", *gen, ROOT, "-DKOLVEX_TESTS=ON", "-DCMAKE_BUILD_TYPE=RelWithDebInfo"],
+                       cwd=BUILD, check=True, capture_output=True)
+    r = subprocess.run(["cmake", "--build", ".", "--parallel", "2", "--target", "kolvex_cpptest", "kolvex_ctest"],
+                       cwd=BUILD, capture_output=True, text=True)
+    assert r.returncode == 0, r.stdout[-4000:] + r.stderr[-4000:]
+    return BUILD
+
+
+def test_cpp_internals(native_build, tmp_path):
+    r = subprocess.run([os.path.join(native_build, "kolvex_cpptest")], cwd=tmp_path,
+                       capture_output=True, text=True, timeout=600)
+    assert r.returncode == 0, r.stderr[-6000:]
+
+
+def test_c_program_uses_the_header_alone(native_build, tmp_path):
+    r = subprocess.run([os.path.join(native_build, "kolvex_ctest")], cwd=tmp_path,
+                       capture_output=True, text=True, timeout=60)
+    assert r.returncode == 0, r.stdout + r.stderr
+    assert (tmp_path / "c_api_check.met").exists()
