@@ -100,6 +100,26 @@ KOLVEX_API void lnmlt(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void noclip(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
 
+/* Colours */
+KOLVEX_API void clrcyc(int index, int iclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void color(const char *col) KOLVEX_NOEXCEPT;
+KOLVEX_API int getclr(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void getind(int i, double *xr, double *xg, double *xb) KOLVEX_NOEXCEPT;
+KOLVEX_API void getrgb(double *xr, double *xg, double *xb) KOLVEX_NOEXCEPT;
+KOLVEX_API const char *getvlt(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void hsvrgb(double xh, double xs, double xv, double *xr, double *xg, double *xb) KOLVEX_NOEXCEPT;
+KOLVEX_API int indrgb(double xr, double xg, double xb) KOLVEX_NOEXCEPT;
+KOLVEX_API int intrgb(double xr, double xg, double xb) KOLVEX_NOEXCEPT;
+KOLVEX_API void lincyc(int index, int ityp) KOLVEX_NOEXCEPT;
+KOLVEX_API void myvlt(const double *xr, const double *xg, const double *xb, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void revscr(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rgbhsv(double xr, double xg, double xb, double *xh, double *xs, double *xv) KOLVEX_NOEXCEPT;
+KOLVEX_API void setclr(int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void setind(int i, double xr, double xg, double xb) KOLVEX_NOEXCEPT;
+KOLVEX_API void setrgb(double xr, double xg, double xb) KOLVEX_NOEXCEPT;
+KOLVEX_API void setvlt(const char *ctab) KOLVEX_NOEXCEPT;
+KOLVEX_API void vltfil(const char *cfl, const char *copt) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

@@ -136,7 +136,7 @@ class Method:
         self.decl = None
         if rest:
             self.parse_decl(rest.rstrip(";"))
-        elif not self.own:
+        elif not self.special:
             raise TableError(f"{where}: {self.name} needs a declaration")
 
     def parse_decl(self, text):

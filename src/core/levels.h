@@ -23,6 +23,8 @@ struct LevelRule {
 };
 
 inline constexpr LevelRule kLevelRules[] = {
+    // vltfil and vscl3d share one routine that reports under this name.
+    {"VLTFIL", GuardKind::Hard, 1, 3},
     {"abs3pt", GuardKind::Free, 0, 3},
     {"addlab", GuardKind::Hard, 2, 3},
     {"angle", GuardKind::Soft, 1, 3},

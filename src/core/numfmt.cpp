@@ -59,3 +59,17 @@ int qqfmti(char *dst, int size, long long v, int width) noexcept {
     auto r = std::to_chars(tmp, tmp + sizeof tmp, v);
     return justify(dst, size, tmp, (int)(r.ptr - tmp), width, true);
 }
+
+double qqatof(const char *text, char **end) noexcept {
+    const char *p = text;
+    bool plus = *p == '+';
+    if (plus) ++p;
+    double v = 0;
+    auto r = std::from_chars(p, p + std::strlen(p), v, std::chars_format::general);
+    if (r.ec == std::errc::invalid_argument || (plus && (*p == '-'))) {
+        *end = const_cast<char *>(text);
+        return 0;
+    }
+    *end = const_cast<char *>(r.ptr);
+    return v;
+}

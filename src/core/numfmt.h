@@ -8,5 +8,8 @@
 
 int qqfmtf(char *dst, int size, double v, int width, int prec) noexcept;
 int qqfmte(char *dst, int size, double v, int width, int prec) noexcept;
+// Reads a decimal number in the C locale's form (strtod without the
+// locale); end points behind it, or at text when there is none.
+double qqatof(const char *text, char **end) noexcept;
 // Left-justified "%-Ws" of a decimal integer.
 int qqfmti(char *dst, int size, long long v, int width) noexcept;

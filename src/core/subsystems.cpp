@@ -11,14 +11,15 @@ extern const Subsystem kxsub_devices;
 
 namespace {
 
-// In the order of their shares: the session's page comes first, the colour
-// table before the device layer, which sends the first colour to the driver.
+// In the order of their shares: the session's page comes first; the device
+// layer sets up clipping and line style before the colour table is loaded
+// and the foreground colour reaches the driver.
 const Subsystem *const kSubsystems[] = {
     &kxsub_core,
     &kxsub_diagnostics,
     &kxsub_session,
-    &kxsub_colour,
     &kxsub_devices,
+    &kxsub_colour,
 };
 
 }  // namespace

@@ -47,6 +47,7 @@ struct DeviceState {
     int trfon;                 // the user transformation is on
     double trf[6];             // a, b, c for X and d, e, f for Y
     int lnsmooth;              // linmod SMOO
+    int lincycl[30];           // line style cycle of lincyc
     int lastop;                // last operation a metafile driver wrote, 0 none
     // Hooks of later stages: a position mapped into the 3-D plane, and a
     // segment test of hidden lines or shields.  Null when not in use.

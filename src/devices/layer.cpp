@@ -47,10 +47,12 @@ void devices_init(glbblk *b) {
     d.lnsmooth = 0;
     d.plane = nullptr;
     d.segtest = nullptr;
-    // The session starts with a thin line and colour index 0 on the device.
+    // The session starts with a thin line and the whole page as clip
+    // window; the colour table's share then sets the foreground colour.
     d.lnwid = 1;
+    d.curclr = 0;
+    for (int k = 0; k < 30; ++k) d.lincycl[k] = k % 8;
     if (d.drv && d.drv->clip) d.drv->clip(b, 0, 0, b->core.nxp, b->core.nyp, 1);
-    qqsetc(b, 0);
 }
 
 void reset_origin(glbblk *b) {
