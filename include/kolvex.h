@@ -120,6 +120,33 @@ KOLVEX_API void setrgb(double xr, double xg, double xb) KOLVEX_NOEXCEPT;
 KOLVEX_API void setvlt(const char *ctab) KOLVEX_NOEXCEPT;
 KOLVEX_API void vltfil(const char *cfl, const char *copt) KOLVEX_NOEXCEPT;
 
+/* Raster canvas, image mode and transparency */
+KOLVEX_API void imgbox(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgclp(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgfin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgini(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgmod(const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgsiz(int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgtpr(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void rimage(const char *cfl) KOLVEX_NOEXCEPT;
+KOLVEX_API void rpixel(int ix, int iy, int *iclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void rpixls(unsigned char *iray, int ix, int iy, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void rpxrow(unsigned char *iray, int ix, int iy, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void tprfin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void tprini(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void tprmod(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API void tprval(double xalph) KOLVEX_NOEXCEPT;
+KOLVEX_API void wimage(const char *cfl) KOLVEX_NOEXCEPT;
+KOLVEX_API void wpixel(int ix, int iy, int iclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void wpixls(const unsigned char *iray, int ix, int iy, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void wpxrow(const unsigned char *iray, int ix, int iy, int n) KOLVEX_NOEXCEPT;
+
+/* Raster file writers */
+KOLVEX_API int rbfpng(unsigned char *cbuf, int nmax) KOLVEX_NOEXCEPT;
+KOLVEX_API void tiforg(int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void tifwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void wtiff(const char *cfl) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

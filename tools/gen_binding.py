@@ -22,6 +22,8 @@ declaration
                                     named count (an out-parameter or 'return')
           int *nx                   out-parameter, part of the result
           char *s                   text the routine changes (gets a copy)
+          const unsigned char *b    bytes given as "s#" (hand-written wrappers)
+          unsigned char *b          bytes the routine fills (hand-written wrappers)
         'special:' in front means that the wrapper is hand-written (kxs_name
         in src/binding/*.cpp); the declaration still goes to the header.
         An 'own' line may end in 'stub: (args) -> result' for the stub.
@@ -77,6 +79,11 @@ class Param:
             self.role, self.letter = "arg", "s"
         elif self.type == "char *":
             self.role, self.letter = "text", "s"
+        elif self.type in ("const unsigned char *", "unsigned char *"):
+            # Byte buffers: their sizes follow the library's state, so
+            # only a hand-written wrapper can marshal them.
+            self.role = "bytes" if const else "bytesout"
+            self.letter = "s#"
         elif pointer and base in ("int", "double", "float") and not const:
             self.role, self.letter = "out", SCALARS[base]
         elif self.type in SCALARS:
@@ -155,6 +162,8 @@ class Method:
     def check(self):
         fmt = ""
         for p in self.params:
+            if p.role in ("bytes", "bytesout"):
+                raise TableError(f"{self.where}: {self.name}: byte buffers need a 'special:' wrapper")
             if p.role in ("in", "inout"):
                 fmt += "O"
             elif p.role in ("arg", "text"):
@@ -313,7 +322,7 @@ class Method:
                     else:
                         t = f"Sequence[Any]"
                     args.append(f"{p.name}: {t}")
-                elif p.role in ("arg", "text"):
+                elif p.role in ("arg", "text", "bytes"):
                     args.append(f"{p.name}: {PYTYPES[p.letter]}")
         else:
             args = [f"arg{i}: Any" for i, _ in enumerate(self.format)]
