@@ -88,7 +88,8 @@ int main(int argc, char **argv) {
     std::fclose(b->sess.fhnd);
     b->sess.fhnd = nullptr;
     kolfin();
-    std::printf("{\"points\": %zu, \"lines\": %.6f, \"png\": %.6f, \"zlib\": %.6f, \"result\": %d}\n", n,
-                t_lines, t_png, t_zlib, r);
+    std::printf(
+        "{\"points\": %zu, \"lines\": %.6f, \"png\": %.6f, \"zlib\": %.6f, \"result\": %d}\n", n,
+        t_lines, t_png, t_zlib, r);
     return r == 0 ? 0 : 1;
 }

@@ -401,3 +401,13 @@ def test_demo_writes_a_png_to_look_at(tmp_path):
     assert im.getpixel((3, 300)) == (255, 128, 0)    # orange inside it
     assert im.getpixel((426, 301)) != (0, 0, 0)      # the band of colours
     assert len(np.unique(np.asarray(im).reshape(-1, 3), axis=0)) > 100
+
+
+def test_imgfmt_reads_three_characters(capfd):
+    kolvex.imgfmt("RGBA")
+    kolvex.imgfmt("RG")
+    kolvex.metafl("PNG")
+    kolvex.kolini()
+    kolvex.kolfin()
+    assert Image.open("kolvex.png").mode == "RGB"
+    assert "Warning 2: Incorrect parameter in imgfmt!   (RG)" in capfd.readouterr().out

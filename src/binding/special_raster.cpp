@@ -46,7 +46,8 @@ PyObject *kxs_rpixls(PyObject *, PyObject *args) {
     if (!PyArg_ParseTuple(args, "iiii:rpixls", &ix, &iy, &nw, &nh)) return kxpy_argfail();
     if (nw < 1 || nh < 1) return PyBytes_FromStringAndSize("", 0);
     Py_ssize_t size = pixel_bytes((long long)nw * nh);
-    unsigned char *buf = size < 0 ? nullptr : static_cast<unsigned char *>(std::calloc((size_t)size, 1));
+    unsigned char *buf =
+        size < 0 ? nullptr : static_cast<unsigned char *>(std::calloc((size_t)size, 1));
     if (!buf) return no_memory("rpixls");
     rpixls(buf, ix, iy, nw, nh);
     PyObject *r = Py_BuildValue("y#", reinterpret_cast<const char *>(buf), size);
@@ -59,7 +60,8 @@ PyObject *kxs_rpxrow(PyObject *, PyObject *args) {
     if (!PyArg_ParseTuple(args, "iii:rpxrow", &ix, &iy, &n)) return kxpy_argfail();
     if (n < 1) return PyBytes_FromStringAndSize("", 0);
     Py_ssize_t size = pixel_bytes(n);
-    unsigned char *buf = size < 0 ? nullptr : static_cast<unsigned char *>(std::calloc((size_t)size, 1));
+    unsigned char *buf =
+        size < 0 ? nullptr : static_cast<unsigned char *>(std::calloc((size_t)size, 1));
     if (!buf) return no_memory("rpxrow");
     rpxrow(buf, ix, iy, n);
     PyObject *r = Py_BuildValue("y#i", reinterpret_cast<const char *>(buf), size, n);
@@ -71,7 +73,8 @@ PyObject *kxs_wpixls(PyObject *, PyObject *args) {
     const char *data = nullptr;
     Py_ssize_t len = 0;
     int ix = 0, iy = 0, nw = 0, nh = 0;
-    if (!PyArg_ParseTuple(args, "s#iiii:wpixls", &data, &len, &ix, &iy, &nw, &nh)) return kxpy_argfail();
+    if (!PyArg_ParseTuple(args, "s#iiii:wpixls", &data, &len, &ix, &iy, &nw, &nh))
+        return kxpy_argfail();
     if (nw < 1 || nh < 1) Py_RETURN_NONE;
     Py_ssize_t need = pixel_bytes((long long)nw * nh);
     if (need < 0 || len < need) return too_short();
@@ -101,12 +104,12 @@ PyObject *kxs_rbfpng(PyObject *, PyObject *args) {
         if (!buf) return no_memory("rbfpng");
     }
     int len = 0;
-    Py_BEGIN_ALLOW_THREADS
-    len = rbfpng(buf, nmax);
+    Py_BEGIN_ALLOW_THREADS len = rbfpng(buf, nmax);
     Py_END_ALLOW_THREADS
-    // With no buffer the routine only counts: the length comes alone.
-    PyObject *r = Py_BuildValue("y#i", reinterpret_cast<const char *>(buf ? buf : (unsigned char *)""),
-                                (Py_ssize_t)(buf ? len : 0), len);
+        // With no buffer the routine only counts: the length comes alone.
+        PyObject *r =
+            Py_BuildValue("y#i", reinterpret_cast<const char *>(buf ? buf : (unsigned char *)""),
+                          (Py_ssize_t)(buf ? len : 0), len);
     std::free(buf);
     return r;
 }

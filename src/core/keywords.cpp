@@ -36,6 +36,15 @@ int qqkey(glbblk *b, const char *list, int count, const char *word) noexcept {
     return k;
 }
 
+int qqkey3(glbblk *b, const char *list, int count, const char *word) noexcept {
+    char key[5];
+    qqkeyword(word, key);
+    key[3] = ' ';
+    int k = qqkeyq(list, count, key);
+    if (k == 0) qqwarc(b, 2, word ? word : "");
+    return k;
+}
+
 int qqchki(glbblk *b, int value, int low, int high) noexcept {
     if (value < low || (low <= high && value > high)) {
         qqwarn(b, 2, value);

@@ -9,6 +9,9 @@ struct glbblk;
 int qqkey(glbblk *b, const char *list, int count, const char *word) noexcept;
 // The same without a warning: 0 when nothing matches.
 int qqkeyq(const char *list, int count, const char *word) noexcept;
+// qqkey for lists of three-letter keywords ("IND +RGB "), where only the
+// first three characters of the word count: "RGBA" is "RGB".
+int qqkey3(glbblk *b, const char *list, int count, const char *word) noexcept;
 // Returns 1 after warning 2 when value < low, or when low <= high and
 // value > high; else 0.  A high below low means no upper limit.
 int qqchki(glbblk *b, int value, int low, int high) noexcept;

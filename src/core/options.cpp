@@ -54,7 +54,7 @@ void clrmod(const char *copt) noexcept {
 void imgfmt(const char *copt) noexcept {
     glbblk *b = KX_ENTRY("imgfmt");
     if (!b) return;
-    int k = qqkey(b, "IND +RGB +BIL ", 3, copt);
+    int k = qqkey3(b, "IND +RGB +BIL ", 3, copt);
     if (k > 0) b->opt.rasfmt = k - 1;
 }
 

@@ -114,7 +114,9 @@ int raster_width(glbblk *b, double n, int) {
     return 1;
 }
 
-void raster_style(glbblk *b) { qqcnvpen(b); }
+void raster_style(glbblk *b) {
+    qqcnvpen(b);
+}
 
 void raster_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
     qqcanvas *cv = qqcanvasof(b);
@@ -189,21 +191,15 @@ int raster_marker(glbblk *b, int kind, double x, double y, double size) {
 }  // namespace
 
 extern const DriverOps kxdrv_raster = {
-    "raster",
-    QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_CLIP | QQ_CAP_IMAGE,
-    raster_open,
-    raster_line,
-    raster_colour,
-    raster_table,
-    raster_width,
-    raster_style,
-    raster_clip,
-    raster_fill,
+    "raster",      QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_CLIP | QQ_CAP_IMAGE,
+    raster_open,   raster_line,
+    raster_colour, raster_table,
+    raster_width,  raster_style,
+    raster_clip,   raster_fill,
     raster_rect,
     nullptr,  // new page: the page counter is all that changes
     raster_clear,
     nullptr,  // update: nothing is shown
-    raster_close,
-    raster_marker,
+    raster_close,  raster_marker,
     nullptr,  // image: the canvas is the picture itself
 };

@@ -14,7 +14,8 @@ int write_bmp(Sink &s, const Picture &p, const WriteOptions &o) {
     const uint32_t entries = palette ? 256 : 0;
     const uint64_t image = rowlen * (uint64_t)p.h;
     if (image + 4ull * entries + 54 > 0xffffffffull) return -1;  // beyond the 32-bit file size
-    unsigned char *row = static_cast<unsigned char *>(std::calloc((size_t)(rowlen + 3ull * p.w), 1));
+    unsigned char *row =
+        static_cast<unsigned char *>(std::calloc((size_t)(rowlen + 3ull * p.w), 1));
     if (!row) return -2;
     unsigned char *rgb = row + rowlen;
     s.put("BM", 2);

@@ -16,14 +16,19 @@
 
 namespace {
 
-int clampi(int v, int lo, int hi) { return v < lo ? lo : (v > hi ? hi : v); }
+int clampi(int v, int lo, int hi) {
+    return v < lo ? lo : (v > hi ? hi : v);
+}
 
 // The last index that the nearest-colour search looks at.
 int last_index(const qqcanvas *cv) {
     switch (cv->tabkind) {
-    case 0: return 8;   // the small table
-    case 7: return 15;  // the VGA table
-    default: return 255;
+        case 0:
+            return 8;  // the small table
+        case 7:
+            return 15;  // the VGA table
+        default:
+            return 255;
     }
 }
 
@@ -47,8 +52,8 @@ int qqcnvnew(qqcanvas *cv, int w, int h, int rgb, int rev) noexcept {
     if (w > INT_MAX / bpp) return 53;
     uint64_t bytes = (uint64_t)w * (uint64_t)bpp * (uint64_t)h;
     if (bytes > (uint64_t)SIZE_MAX / 2) return 53;
-    unsigned char *p = static_cast<unsigned char *>(
-        rgb && rev ? std::malloc((size_t)bytes) : std::calloc((size_t)bytes, 1));
+    unsigned char *p = static_cast<unsigned char *>(rgb && rev ? std::malloc((size_t)bytes)
+                                                               : std::calloc((size_t)bytes, 1));
     if (!p) return 53;
     cv->pix = cv->pixbase = p;
     cv->pixtpr = nullptr;
@@ -92,7 +97,9 @@ void qqcerase(qqcanvas *cv) noexcept {
 
 int qqnearc(const qqcanvas *cv, int r, int g, int b) noexcept {
     int n = last_index(cv);
-    auto is = [&](int i, int v) { return cv->tabr[i] == v && cv->tabg[i] == v && cv->tabb[i] == v; };
+    auto is = [&](int i, int v) {
+        return cv->tabr[i] == v && cv->tabg[i] == v && cv->tabb[i] == v;
+    };
     if (r == 0 && g == 0 && b == 0) {
         if (is(0, 0)) return 0;
         if (is(n, 0)) return n;
@@ -239,38 +246,63 @@ void qqcoption(qqcanvas *cv, int code, int value) noexcept {
     // after it: the points collected so far go out first.
     if (cv->pix && code != 21 && code != 32) qqcflush(cv);
     switch (code) {
-    case 11: cv->clipx0 = clampi(value, 0, cv->cw - 1); break;
-    case 12: cv->clipy0 = clampi(value, 0, cv->ch - 1); break;
-    case 13: cv->clipx1 = clampi(value, 0, cv->cw - 1); break;
-    case 14: cv->clipy1 = clampi(value, 0, cv->ch - 1); break;
-    case 19: cv->alpha = (unsigned char)clampi(value, 0, 255); break;
-    case 21: cv->tpropaq = (unsigned char)(value == 0 ? 1 : 0); break;
-    case 26: cv->lw = value < 1 ? 1 : value; break;
-    case 27: cv->lcap = clampi(value, 0, 2); break;
-    case 28: cv->ljoin = clampi(value, 0, 2); break;
-    case 32:
-        if (value == -1) {
-            cv->tcol = -1;
-        } else if (qqexplicit(value)) {
-            cv->tr = (unsigned char)(value & 255);
-            cv->tg = (unsigned char)((value >> 8) & 255);
-            cv->tb = (unsigned char)((value >> 16) & 255);
-            cv->tcol = qqnearc(cv, cv->tr, cv->tg, cv->tb);
-        } else {
-            int idx = ((value % 256) + 256) % 256;
-            cv->tcol = idx;
-            cv->tr = cv->tabr[idx];
-            cv->tg = cv->tabg[idx];
-            cv->tb = cv->tabb[idx];
-        }
-        break;
-    case 33: cv->clipon = (unsigned char)(value == 1 ? 0 : 1); break;
-    case 34: cv->smooth = (unsigned char)(value == 2 ? 1 : 0); break;
-    default: break;
+        case 11:
+            cv->clipx0 = clampi(value, 0, cv->cw - 1);
+            break;
+        case 12:
+            cv->clipy0 = clampi(value, 0, cv->ch - 1);
+            break;
+        case 13:
+            cv->clipx1 = clampi(value, 0, cv->cw - 1);
+            break;
+        case 14:
+            cv->clipy1 = clampi(value, 0, cv->ch - 1);
+            break;
+        case 19:
+            cv->alpha = (unsigned char)clampi(value, 0, 255);
+            break;
+        case 21:
+            cv->tpropaq = (unsigned char)(value == 0 ? 1 : 0);
+            break;
+        case 26:
+            cv->lw = value < 1 ? 1 : value;
+            break;
+        case 27:
+            cv->lcap = clampi(value, 0, 2);
+            break;
+        case 28:
+            cv->ljoin = clampi(value, 0, 2);
+            break;
+        case 32:
+            if (value == -1) {
+                cv->tcol = -1;
+            } else if (qqexplicit(value)) {
+                cv->tr = (unsigned char)(value & 255);
+                cv->tg = (unsigned char)((value >> 8) & 255);
+                cv->tb = (unsigned char)((value >> 16) & 255);
+                cv->tcol = qqnearc(cv, cv->tr, cv->tg, cv->tb);
+            } else {
+                int idx = ((value % 256) + 256) % 256;
+                cv->tcol = idx;
+                cv->tr = cv->tabr[idx];
+                cv->tg = cv->tabg[idx];
+                cv->tb = cv->tabb[idx];
+            }
+            break;
+        case 33:
+            cv->clipon = (unsigned char)(value == 1 ? 0 : 1);
+            break;
+        case 34:
+            cv->smooth = (unsigned char)(value == 2 ? 1 : 0);
+            break;
+        default:
+            break;
     }
 }
 
-qqcanvas *qqcanvasof(glbblk *b) noexcept { return b->cnv.cv.pix ? &b->cnv.cv : nullptr; }
+qqcanvas *qqcanvasof(glbblk *b) noexcept {
+    return b->cnv.cv.pix ? &b->cnv.cv : nullptr;
+}
 
 void qqcnvpen(glbblk *b) noexcept {
     qqcanvas *cv = qqcanvasof(b);
@@ -332,11 +364,13 @@ void canvas_end(glbblk *b) {
     qqtprend(b);
 }
 
-void reset_imgclp(glbblk *b) { b->cnv.imgcflg = 0; }
+void reset_imgclp(glbblk *b) {
+    b->cnv.imgcflg = 0;
+}
 
 const ResetEntry kResets[] = {{"IMGC", reset_imgclp}, {nullptr, nullptr}};
 
 }  // namespace
 
-extern const Subsystem kxsub_canvas = {"canvas",       canvas_first, canvas_init, canvas_release,
-                                       kResets,        canvas_end};
+extern const Subsystem kxsub_canvas = {"canvas",       canvas_first, canvas_init,
+                                       canvas_release, kResets,      canvas_end};

@@ -83,7 +83,9 @@ void tiforg(int nx, int ny) noexcept {
 
 namespace {
 
-unsigned get16(const unsigned char *p) { return p[0] | (p[1] << 8); }
+unsigned get16(const unsigned char *p) {
+    return p[0] | (p[1] << 8);
+}
 uint32_t get32(const unsigned char *p) {
     return p[0] | (p[1] << 8) | (p[2] << 16) | ((uint32_t)p[3] << 24);
 }
@@ -117,7 +119,9 @@ int read_directory(FILE *fp, TiffInfo &t) {
     return 0;
 }
 
-bool skip(FILE *fp, long n) { return std::fseek(fp, n, SEEK_CUR) == 0; }
+bool skip(FILE *fp, long n) {
+    return std::fseek(fp, n, SEEK_CUR) == 0;
+}
 
 // Loads the ColorMap into the colour table; 0 or a warning number.
 int read_colormap(glbblk *b, FILE *fp) {

@@ -44,7 +44,8 @@ struct Vertices {
 };
 
 template <class Pen>
-int paint_polygon(const Painter<Pen> &p, const double *xs, const double *ys, int n, const double *m) {
+int paint_polygon(const Painter<Pen> &p, const double *xs, const double *ys, int n,
+                  const double *m) {
     if (n < 2) return 0;
     Vertices v{xs, ys, m};
     double ymin = v.py(0), ymax = ymin;
@@ -67,7 +68,8 @@ int paint_polygon(const Painter<Pen> &p, const double *xs, const double *ys, int
             double yi = v.py(i), yj = v.py(j);
             if (!((yy > yi && yj >= yy) || (yi >= yy && yy > yj))) continue;
             double xi = v.px(i), xj = v.px(j);
-            double xc = std::fabs(yi - yj) < 0.01 ? xi + 0.5 : xi + (xj - xi) * (yy - yi) / (yj - yi) + 0.5;
+            double xc =
+                std::fabs(yi - yj) < 0.01 ? xi + 0.5 : xi + (xj - xi) * (yy - yi) / (yj - yi) + 0.5;
             if (nc == MAXCROSS) {
                 overflow = 1;
                 continue;

@@ -61,7 +61,7 @@ struct Table {
 };
 
 class Lzw {
-  public:
+public:
     Lzw(Sink &s, Table &t) : out(s), tab(t) {}
     void start(int pixel) {
         tab.clear();
@@ -106,7 +106,7 @@ class Lzw {
         out.finish();
     }
 
-  private:
+private:
     void restart_sizes() {
         size = 9;
         limit = 512;

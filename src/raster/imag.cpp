@@ -73,7 +73,8 @@ int read_pixels(FILE *fp, qqcanvas *cv, const int num[9]) {
     unsigned char *rgb = row + rowlen;
     int cols = w < cv->cw ? w : cv->cw;
     for (int y = 0; y < h; ++y) {
-        if (std::fread(row, 1, (size_t)rowlen, fp) != (size_t)rowlen) break;  // a short file ends here
+        if (std::fread(row, 1, (size_t)rowlen, fp) != (size_t)rowlen)
+            break;  // a short file ends here
         if (y >= cv->ch) continue;
         if (bits == 8) {
             if (cls == 0) {

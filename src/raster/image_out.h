@@ -18,8 +18,8 @@ namespace raster {
 struct Sink {
     FILE *fp = nullptr;
     unsigned char *mem = nullptr;
-    size_t cap = 0;       // size of mem; 0 with no memory counts only
-    size_t pos = 0;       // bytes written or counted
+    size_t cap = 0;  // size of mem; 0 with no memory counts only
+    size_t pos = 0;  // bytes written or counted
     bool toosmall = false;
 
     void put(const void *data, size_t n);
@@ -46,11 +46,11 @@ int octree_palette(Octree *t, unsigned char *pal);
 void octree_map(const Octree *t, const unsigned char *rgb, int n, unsigned char *idx);
 
 struct Picture {
-    const qqcanvas *cv = nullptr;  // the canvas, read from its base plane
+    const qqcanvas *cv = nullptr;      // the canvas, read from its base plane
     int x0 = 0, y0 = 0, w = 0, h = 0;  // the file rectangle
-    bool indexed = false;  // rows of indices into pal, else red, green, blue
+    bool indexed = false;              // rows of indices into pal, else red, green, blue
     unsigned char pal[768] = {};
-    Octree *oct = nullptr;  // the quantiser that gives the indices, if any
+    Octree *oct = nullptr;             // the quantiser that gives the indices, if any
     unsigned char *scratch = nullptr;  // 3·w bytes for quantised rows
 
     // Row y of the rectangle (0 on top) as 3·w bytes of colour or w
@@ -63,9 +63,9 @@ struct Picture {
 struct WriteOptions {
     int pngtran, giftran;
     int bmpres, tifres, tifunit;
-    int bil;          // imgfmt BIL: one bit a pixel in TIFF
-    int whitebg;      // bgmode 2
-    int bckclr;       // background index for GIF
+    int bil;      // imgfmt BIL: one bit a pixel in TIFF
+    int whitebg;  // bgmode 2
+    int bckclr;   // background index for GIF
 };
 
 // Each writer returns 0, -1 for a file error or -2 without memory; PNG

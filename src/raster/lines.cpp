@@ -181,7 +181,9 @@ void smooth_segment(const Painter<RgbPen> &p, int xa, int ya, int xb, int yb) {
 
 // Anti-aliasing exists on the RGB canvas only; an index canvas draws the
 // plain line.
-bool smooth_polyline(const Painter<IndexPen> &, const int *, const int *, int) { return false; }
+bool smooth_polyline(const Painter<IndexPen> &, const int *, const int *, int) {
+    return false;
+}
 bool smooth_polyline(const Painter<RgbPen> &p, const int *x, const int *y, int n) {
     for (int i = 1; i < n; ++i) smooth_segment(p, x[i - 1], y[i - 1], x[i], y[i]);
     return true;

@@ -23,30 +23,30 @@ enum Shape {
 
 // The shapes of marker kinds 0 to 23.
 const int kMarkers[24] = {
-    SQUARE,                   // 0
-    OCTAGON,                  // 1
-    TRI_UP,                   // 2
-    PLUS,                     // 3
-    CROSS,                    // 4
-    DIAMOND,                  // 5
-    TRI_DOWN,                 // 6
-    SQUARE | CROSS,           // 7
-    PLUS | CROSS,             // 8
-    PLUS | DIAMOND,           // 9
-    PLUS | OCTAGON,           // 10
-    TRI_UP | TRI_DOWN,        // 11
-    PLUS | SQUARE,            // 12
-    CROSS | OCTAGON,          // 13
-    SQUARE | TRI_UP,          // 14
-    CIRCLE,                   // 15
-    SQUARE | FILLED,          // 16
-    OCTAGON | FILLED,         // 17
-    TRI_UP | FILLED,          // 18
-    DIAMOND | FILLED,         // 19
-    TRI_DOWN | FILLED,        // 20
-    DISC,                     // 21
-    HALF_CIRCLE,              // 22
-    HALF_DISC,                // 23
+    SQUARE,             // 0
+    OCTAGON,            // 1
+    TRI_UP,             // 2
+    PLUS,               // 3
+    CROSS,              // 4
+    DIAMOND,            // 5
+    TRI_DOWN,           // 6
+    SQUARE | CROSS,     // 7
+    PLUS | CROSS,       // 8
+    PLUS | DIAMOND,     // 9
+    PLUS | OCTAGON,     // 10
+    TRI_UP | TRI_DOWN,  // 11
+    PLUS | SQUARE,      // 12
+    CROSS | OCTAGON,    // 13
+    SQUARE | TRI_UP,    // 14
+    CIRCLE,             // 15
+    SQUARE | FILLED,    // 16
+    OCTAGON | FILLED,   // 17
+    TRI_UP | FILLED,    // 18
+    DIAMOND | FILLED,   // 19
+    TRI_DOWN | FILLED,  // 20
+    DISC,               // 21
+    HALF_CIRCLE,        // 22
+    HALF_DISC,          // 23
 };
 
 void line(qqcanvas *cv, int xa, int ya, int xb, int yb) {

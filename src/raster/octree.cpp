@@ -22,9 +22,9 @@ struct Node {
     uint64_t r, g, b;
     int level;
     int leaf;
-    int index;      // palette index of a leaf
+    int index;  // palette index of a leaf
     int child[8];
-    int next;       // next node of the same level in the reducible list, or free list
+    int next;  // next node of the same level in the reducible list, or free list
 };
 
 }  // namespace
@@ -121,7 +121,9 @@ Octree *octree_new() {
     return t;
 }
 
-void octree_free(Octree *t) { std::free(t); }
+void octree_free(Octree *t) {
+    std::free(t);
+}
 
 void octree_add(Octree *t, const unsigned char *rgb, int n) {
     for (int i = 0; i < n; ++i, rgb += 3) {

@@ -49,7 +49,13 @@ struct Painter {
     int x0, y0, x1, y1;
 
     Painter(qqcanvas &cv, Pen p)
-        : c(cv), pen(p), pix(cv.pix), rowb(cv.rowb), x0(cv.clipx0), y0(cv.clipy0), x1(cv.clipx1),
+        : c(cv),
+          pen(p),
+          pix(cv.pix),
+          rowb(cv.rowb),
+          x0(cv.clipx0),
+          y0(cv.clipy0),
+          x1(cv.clipx1),
           y1(cv.clipy1) {}
 
     unsigned char *at(int x, int y) const {
@@ -96,7 +102,9 @@ struct Painter {
 
 // The offset of the k-th extra row or column of a wide thin line: +1, -1,
 // +2, -2, ... as k runs from 1.
-inline int side_offset(int k) { return (k & 1) ? (k + 1) / 2 : -((k + 1) / 2); }
+inline int side_offset(int k) {
+    return (k & 1) ? (k + 1) / 2 : -((k + 1) / 2);
+}
 
 // Disc of radius r at (x, y); mode 0 the whole disc, 1 the upper half.
 template <class Pen>

@@ -29,7 +29,9 @@ qqcanvas *image_canvas(glbblk *b) {
     return cv;
 }
 
-int bytes_per_pixel(const glbblk *b) { return b->cnv.imgrgb ? 3 : 1; }
+int bytes_per_pixel(const glbblk *b) {
+    return b->cnv.imgrgb ? 3 : 1;
+}
 
 // The smallest of the offending values: corners below 0, sizes below 1.
 int worst(int x, int y, int w, int h) {
@@ -54,7 +56,9 @@ void put_row(qqcanvas *cv, const unsigned char *data, int x, int y, int n, int b
     qqcputrow(cv, x, y, n, bpp == 3, data);
 }
 
-bool inside(const qqcanvas *cv, int x, int y) { return x >= 0 && y >= 0 && x < cv->cw && y < cv->ch; }
+bool inside(const qqcanvas *cv, int x, int y) {
+    return x >= 0 && y >= 0 && x < cv->cw && y < cv->ch;
+}
 
 }  // namespace
 
@@ -66,15 +70,8 @@ int qqpixbytes() noexcept {
 void imgmod(const char *cmode) noexcept {
     glbblk *b = KX_ENTRY("imgmod");
     if (!b) return;
-    // Only the first three characters count: "RGBA" is "RGB".
-    char word[5];
-    qqkeyword(cmode, word);
-    word[3] = ' ';
-    int k = qqkeyq("IND +RGB +TOP +BOT ", 4, word);
-    if (k == 0) {
-        qqwarc(b, 2, cmode ? cmode : "");
-        return;
-    }
+    int k = qqkey3(b, "IND +RGB +TOP +BOT ", 4, cmode);
+    if (k == 0) return;
     if (k <= 2)
         b->cnv.imgrgb = k - 1;
     else
@@ -118,12 +115,10 @@ void imgclp(int nx, int ny, int nw, int nh) noexcept {
     // The image is known only while a canvas exists; a rectangle given
     // before the session is tested again when the file is written.
     if (const qqcanvas *cv = qqcanvasof(b)) {
-        if ((long long)nx + nw > cv->cw) {
-            qqwarn(b, 2, nx + nw > nx ? nx + nw : nw);
-            return;
-        }
-        if ((long long)ny + nh > cv->ch) {
-            qqwarn(b, 2, ny + nh > ny ? ny + nh : nh);
+        long long right = (long long)nx + nw, bottom = (long long)ny + nh;
+        if (right > cv->cw || bottom > cv->ch) {
+            long long bad = right > cv->cw ? right : bottom;
+            qqwarn(b, 2, bad > 0x7fffffff ? 0x7fffffff : (int)bad);
             return;
         }
     }

@@ -13,8 +13,8 @@ namespace raster {
 namespace {
 
 struct Side {
-    double s, c;   // sin(a)·h and cos(a)·h: the offset of the right-hand side is (s, c)
-    double ux, uy; // unit direction on the canvas (y down)
+    double s, c;    // sin(a)·h and cos(a)·h: the offset of the right-hand side is (s, c)
+    double ux, uy;  // unit direction on the canvas (y down)
 };
 
 Side side_of(int xa, int ya, int xb, int yb, double h) {
@@ -34,7 +34,8 @@ void fill4(const Painter<Pen> &p, double x0, double y0, double x1, double y1, do
 }
 
 template <class Pen>
-void fill3(const Painter<Pen> &p, double x0, double y0, double x1, double y1, double x2, double y2) {
+void fill3(const Painter<Pen> &p, double x0, double y0, double x1, double y1, double x2,
+           double y2) {
     const double x[3] = {x0, x1, x2}, y[3] = {y0, y1, y2};
     paint_polygon(p, x, y, 3);
 }
@@ -105,7 +106,7 @@ void paint_thick(const Painter<Pen> &p, const int *x, const int *y, int n) {
     const qqcanvas &c = p.c;
     double h = c.lw / 2.0;
     bool closed = n >= 3 && x[0] == x[n - 1] && y[0] == y[n - 1];
-    int last = 0;  // the point that ends the segment drawn last
+    int last = 0;    // the point that ends the segment drawn last
     int first = -1;  // the point that ends the first segment
     Side prev{}, head{};
     for (int i = 1; i < n; ++i) {
@@ -123,8 +124,11 @@ void paint_thick(const Painter<Pen> &p, const int *x, const int *y, int n) {
         last = i;
     }
     if (first < 0) {  // every point the same
-        if (c.lcap == 1) paint_disc(p, x[0], y[0], (int)std::trunc(h), 0);
-        else if (c.lcap == 2) p.rect(x[0] - c.lw / 2, y[0] - c.lw / 2, x[0] - c.lw / 2 + c.lw - 1, y[0] - c.lw / 2 + c.lw - 1);
+        if (c.lcap == 1)
+            paint_disc(p, x[0], y[0], (int)std::trunc(h), 0);
+        else if (c.lcap == 2)
+            p.rect(x[0] - c.lw / 2, y[0] - c.lw / 2, x[0] - c.lw / 2 + c.lw - 1,
+                   y[0] - c.lw / 2 + c.lw - 1);
         return;
     }
     if (closed) {

@@ -20,7 +20,9 @@ namespace {
 
 // A right shift by 8 that rounds toward minus infinity for negative values
 // too, whatever the compiler does with signed shifts.
-int shift8(int v) { return v >= 0 ? v >> 8 : -((-v + 255) >> 8); }
+int shift8(int v) {
+    return v >= 0 ? v >> 8 : -((-v + 255) >> 8);
+}
 
 // The box of layer pixels with an alpha above 0; false when there is none.
 bool layer_box(const qqcanvas *cv, int *x0, int *y0, int *x1, int *y1) {
@@ -55,7 +57,8 @@ void composite(qqcanvas *cv) {
             if (a == 256 || (!cv->tpropaq && b[0] == bg && b[1] == bg && b[2] == bg)) {
                 std::memcpy(b, l, 3);
             } else {
-                for (int k = 0; k < 3; ++k) b[k] = (unsigned char)(shift8(a * (l[k] - b[k])) + b[k]);
+                for (int k = 0; k < 3; ++k)
+                    b[k] = (unsigned char)(shift8(a * (l[k] - b[k])) + b[k]);
             }
             b[3] = l[3];
             l[3] = 0;

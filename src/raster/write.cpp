@@ -42,12 +42,14 @@ void Sink::le32(uint32_t v) {
 }
 
 void Sink::be32(uint32_t v) {
-    unsigned char b[4] = {(unsigned char)(v >> 24), (unsigned char)(v >> 16), (unsigned char)(v >> 8),
-                          (unsigned char)v};
+    unsigned char b[4] = {(unsigned char)(v >> 24), (unsigned char)(v >> 16),
+                          (unsigned char)(v >> 8), (unsigned char)v};
     put(b, 4);
 }
 
-void Sink::text(const char *s) { put(s, std::strlen(s)); }
+void Sink::text(const char *s) {
+    put(s, std::strlen(s));
+}
 
 void Picture::rgb_row(int y, unsigned char *out) const {
     if (indexed && oct) {
@@ -87,10 +89,14 @@ Data data_for(const glbblk *b, int format) {
     bool rgbout = b->opt.rasfmt == 1;
     bool deep = b->sess.colbits > 8 || b->cnv.cv.rgbcnv;
     switch (format) {
-    case QQ_WPPM: return TRUE_COLOUR;
-    case QQ_WIMAG: return b->cnv.cv.rgbcnv ? TRUE_COLOUR : TABLE;
-    case QQ_WGIF: return rgbout || deep ? OWN_PALETTE : TABLE;
-    default: return rgbout ? TRUE_COLOUR : (deep ? OWN_PALETTE : TABLE);
+        case QQ_WPPM:
+            return TRUE_COLOUR;
+        case QQ_WIMAG:
+            return b->cnv.cv.rgbcnv ? TRUE_COLOUR : TABLE;
+        case QQ_WGIF:
+            return rgbout || deep ? OWN_PALETTE : TABLE;
+        default:
+            return rgbout ? TRUE_COLOUR : (deep ? OWN_PALETTE : TABLE);
     }
 }
 
@@ -147,13 +153,20 @@ raster::WriteOptions options_of(const glbblk *b) {
 
 int run_writer(raster::Sink &s, const Picture &p, const raster::WriteOptions &o, int format) {
     switch (format) {
-    case QQ_WTIFF: return raster::write_tiff(s, p, o);
-    case QQ_WIMAG: return raster::write_imag(s, p);
-    case QQ_WPNG: return raster::write_png(s, p, o);
-    case QQ_WPPM: return raster::write_ppm(s, p);
-    case QQ_WBMP: return raster::write_bmp(s, p, o);
-    case QQ_WGIF: return raster::write_gif(s, p, o);
-    default: return -1;
+        case QQ_WTIFF:
+            return raster::write_tiff(s, p, o);
+        case QQ_WIMAG:
+            return raster::write_imag(s, p);
+        case QQ_WPNG:
+            return raster::write_png(s, p, o);
+        case QQ_WPPM:
+            return raster::write_ppm(s, p);
+        case QQ_WBMP:
+            return raster::write_bmp(s, p, o);
+        case QQ_WGIF:
+            return raster::write_gif(s, p, o);
+        default:
+            return -1;
     }
 }
 
@@ -169,7 +182,8 @@ int qqwrite(glbblk *b, FILE *fp, const char *name, int format) noexcept {
         const CanvasState &s = b->cnv;
         int x = 0, y = 0, w = cv->cw, h = cv->ch;
         if (s.imgcflg && s.imgcx[0] >= 0 && s.imgcx[1] >= 0 && s.imgcx[2] >= 1 && s.imgcx[3] >= 1 &&
-            (long long)s.imgcx[0] + s.imgcx[2] <= cv->cw && (long long)s.imgcx[1] + s.imgcx[3] <= cv->ch) {
+            (long long)s.imgcx[0] + s.imgcx[2] <= cv->cw &&
+            (long long)s.imgcx[1] + s.imgcx[3] <= cv->ch) {
             x = s.imgcx[0];
             y = s.imgcx[1];
             w = s.imgcx[2];

@@ -47,7 +47,9 @@ struct Canvas {
                 if (on(x, y)) s.insert({x, y});
         return s;
     }
-    const unsigned char *rgba(int x, int y) const { return cv.pixbase + (size_t)y * cv.rowb + 4 * x; }
+    const unsigned char *rgba(int x, int y) const {
+        return cv.pixbase + (size_t)y * cv.rowb + 4 * x;
+    }
     void line(int x0, int y0, int x1, int y1) {
         qqcline(&cv, x0, y0, 3);
         qqcline(&cv, x1, y1, 2);
@@ -105,7 +107,7 @@ TEST(points_are_collected_and_repeats_dropped) {
     Canvas c;
     qqcline(&c.cv, 5, 5, 3);
     qqcline(&c.cv, 5, 5, 2);  // a draw to the pen's own place
-    CHECK_EQ(c.count(), 0);    // still collected
+    CHECK_EQ(c.count(), 0);   // still collected
     qqcflush(&c.cv);
     CHECK_EQ(c.count(), 1);
     Canvas d;
@@ -304,7 +306,8 @@ TEST(raster_test_page) {
     // The page goes where the Python test asks for it (earlier tests may
     // have changed the directory).
     const char *dir = std::getenv("KOLVEX_PAGE_DIR");
-    std::string name = std::string(dir ? dir : testkit::temp_dir().c_str()) + "/raster_test_page.png";
+    std::string name =
+        std::string(dir ? dir : testkit::temp_dir().c_str()) + "/raster_test_page.png";
     setfil(name.c_str());
     filmod("DELE");
     scrmod("REVE");  // white sheet
