@@ -1,5 +1,7 @@
 #include "core/keywords.h"
 
+#include <initializer_list>
+
 #include "core/glbblk.h"
 #include "core/warnings.h"
 
@@ -51,4 +53,15 @@ int qqchki(glbblk *b, int value, int low, int high) noexcept {
         return 1;
     }
     return 0;
+}
+
+int qqchkrect(glbblk *b, int nx, int ny, int nw, int nh) noexcept {
+    if (nx >= 0 && ny >= 0 && nw >= 1 && nh >= 1) return 0;
+    int bad = 0x7fffffff;
+    for (int v : {nx, ny})
+        if (v < 0 && v < bad) bad = v;
+    for (int v : {nw, nh})
+        if (v < 1 && v < bad) bad = v;
+    qqwarn(b, 2, bad);
+    return 1;
 }

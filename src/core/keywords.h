@@ -15,6 +15,10 @@ int qqkey3(glbblk *b, const char *list, int count, const char *word) noexcept;
 // Returns 1 after warning 2 when value < low, or when low <= high and
 // value > high; else 0.  A high below low means no upper limit.
 int qqchki(glbblk *b, int value, int low, int high) noexcept;
+// The test of a rectangle by corner and size: returns 1 after warning 2
+// with the smallest offending value when a corner is below 0 or a size
+// below 1; else 0.
+int qqchkrect(glbblk *b, int nx, int ny, int nw, int nh) noexcept;
 // The keyword in a canonical form: first four characters, upper case,
 // blank padded, terminated (out must hold 5 bytes).
 void qqkeyword(const char *word, char *out) noexcept;

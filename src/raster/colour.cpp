@@ -404,18 +404,8 @@ void vltfil(const char *cfl, const char *copt) noexcept {
     if (k == 1) {
         char name[257];
         qqscpy(name, cfl ? cfl : "", 256);
-        qqlock(0);
-        int w = qqvers(b, name);
-        FILE *fp = w == 0 ? std::fopen(name, "w") : nullptr;
-        qqlock(1);
-        if (w != 0) {
-            qqwar0(b, w);
-            return;
-        }
-        if (!fp) {
-            qqwar0(b, 36);
-            return;
-        }
+        FILE *fp = qqopenw(b, name, "w");
+        if (!fp) return;
         for (int i = 0; i < 256; ++i) {
             int r, g, bl;
             qqclrrgb(b, i, &r, &g, &bl);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "core/guard.h"
+#include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
@@ -54,14 +55,7 @@ int rbfpng(unsigned char *cbuf, int nmax) noexcept {
 void tifwin(int nx, int ny, int nw, int nh) noexcept {
     glbblk *b = KX_ENTRY("tifwin");
     if (!b) return;
-    if (nx < 0 || ny < 0) {
-        qqwarn(b, 2, nx < ny ? nx : ny);
-        return;
-    }
-    if (nw < 1 || nh < 1) {
-        qqwarn(b, 2, nw < nh ? nw : nh);
-        return;
-    }
+    if (qqchkrect(b, nx, ny, nw, nh)) return;
     CanvasState &s = b->cnv;
     s.tifwflg = 1;
     s.tifwin[0] = nx;

@@ -33,16 +33,6 @@ int bytes_per_pixel(const glbblk *b) {
     return b->cnv.imgrgb ? 3 : 1;
 }
 
-// The smallest of the offending values: corners below 0, sizes below 1.
-int worst(int x, int y, int w, int h) {
-    int bad = 0x7fffffff;
-    if (x < 0 && x < bad) bad = x;
-    if (y < 0 && y < bad) bad = y;
-    if (w < 1 && w < bad) bad = w;
-    if (h < 1 && h < bad) bad = h;
-    return bad;
-}
-
 // Writes one row of data at (x, y), cut to the canvas.
 void put_row(qqcanvas *cv, const unsigned char *data, int x, int y, int n, int bpp) {
     if (y < 0 || y >= cv->ch || x >= cv->cw || n < 1) return;
@@ -93,10 +83,7 @@ void imgsiz(int nw, int nh) noexcept {
 void imgbox(int nx, int ny, int nw, int nh) noexcept {
     glbblk *b = KX_ENTRY("imgbox");
     if (!b) return;
-    if (nx < 0 || ny < 0 || nw < 1 || nh < 1) {
-        qqwarn(b, 2, worst(nx, ny, nw, nh));
-        return;
-    }
+    if (qqchkrect(b, nx, ny, nw, nh)) return;
     CanvasState &s = b->cnv;
     s.imgbflg = 1;
     s.imgbx[0] = nx;
@@ -108,10 +95,7 @@ void imgbox(int nx, int ny, int nw, int nh) noexcept {
 void imgclp(int nx, int ny, int nw, int nh) noexcept {
     glbblk *b = KX_ENTRY("imgclp");
     if (!b) return;
-    if (nx < 0 || ny < 0 || nw < 1 || nh < 1) {
-        qqwarn(b, 2, worst(nx, ny, nw, nh));
-        return;
-    }
+    if (qqchkrect(b, nx, ny, nw, nh)) return;
     // The image is known only while a canvas exists; a rectangle given
     // before the session is tested again when the file is written.
     if (const qqcanvas *cv = qqcanvasof(b)) {

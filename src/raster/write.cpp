@@ -8,7 +8,6 @@
 #include <cstring>
 
 #include "core/glbblk.h"
-#include "core/guard.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
@@ -230,18 +229,8 @@ long qqpngmem(glbblk *b, unsigned char *buffer, size_t size) noexcept {
 int qqwritefile(glbblk *b, const char *file, int format) noexcept {
     char name[257];
     qqscpy(name, file ? file : "", 256);
-    qqlock(0);
-    int w = qqvers(b, name);
-    FILE *fp = w == 0 ? std::fopen(name, "wb") : nullptr;
-    qqlock(1);
-    if (w != 0) {
-        qqwar0(b, w);
-        return w;
-    }
-    if (!fp) {
-        qqwar0(b, 36);
-        return 36;
-    }
+    FILE *fp = qqopenw(b, name, "wb");
+    if (!fp) return -1;
     int r = qqwrite(b, fp, name, format);
     if (std::fclose(fp) != 0 && r == 0) {
         qqwar0(b, 36);

@@ -18,8 +18,8 @@ int qqwrite(glbblk *b, FILE *fp, const char *name, int format) noexcept;
 
 // Writes the canvas into a named file as rimage, rtiff and their kin do:
 // the name rule of the session, a binary stream, qqwrite, and no file left
-// behind when the writer failed.  Returns qqwrite's result, or the warning
-// number of the name rule or of the open after reporting it.
+// behind when the writer failed.  Returns qqwrite's result, or -1 when
+// the file could not be opened (the warning is reported).
 int qqwritefile(glbblk *b, const char *file, int format) noexcept;
 
 // The PNG of the whole canvas into memory: with size 0 nothing is stored
