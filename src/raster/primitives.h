@@ -34,6 +34,9 @@ void qqcpixel(qqcanvas *cv, int x, int y, int colour) noexcept;
 void qqcmark(qqcanvas *cv, int kind, int x, int y, int size) noexcept;
 // Disc of radius r; mode 0 whole, 1 the upper half.
 void qqcdisc(qqcanvas *cv, int x, int y, int r, int mode) noexcept;
+// The box of the pixels of the transparency layer whose alpha is above 0;
+// returns 0 when there are none (or no layer).
+int qqcbbox(const qqcanvas *cv, int *x0, int *y0, int *x1, int *y1) noexcept;
 // Device options: 11 to 14 clip rectangle, 19 alpha, 21 opaque
 // compositing, 26 line width, 27 cap, 28 join, 32 transparent colour,
 // 33 clipping (1 off), 34 smooth lines (2 on).

@@ -24,8 +24,10 @@ int shift8(int v) {
     return v >= 0 ? v >> 8 : -((-v + 255) >> 8);
 }
 
-// The box of layer pixels with an alpha above 0; false when there is none.
-bool layer_box(const qqcanvas *cv, int *x0, int *y0, int *x1, int *y1) {
+}  // namespace
+
+int qqcbbox(const qqcanvas *cv, int *x0, int *y0, int *x1, int *y1) noexcept {
+    if (!cv->pixtpr) return 0;
     int bx0 = cv->cw, by0 = cv->ch, bx1 = -1, by1 = -1;
     for (int y = 0; y < cv->ch; ++y) {
         const unsigned char *p = cv->pixtpr + (size_t)y * cv->rowb + 3;
@@ -44,9 +46,11 @@ bool layer_box(const qqcanvas *cv, int *x0, int *y0, int *x1, int *y1) {
     return bx1 >= 0;
 }
 
+namespace {
+
 void composite(qqcanvas *cv) {
     int x0, y0, x1, y1;
-    if (!layer_box(cv, &x0, &y0, &x1, &y1)) return;
+    if (!qqcbbox(cv, &x0, &y0, &x1, &y1)) return;
     const int bg = cv->revcnv ? 255 : 0;
     for (int y = y0; y <= y1; ++y) {
         unsigned char *l = cv->pixtpr + (size_t)y * cv->rowb + (size_t)x0 * 4;

@@ -217,6 +217,26 @@ TEST(polygon_rows_and_overflow) {
     CHECK_EQ(qqcfill(&wide.cv, cx, cy, n), 1);
 }
 
+TEST(too_many_crossings_warn_once_through_the_driver) {
+    setfil("comb.png");
+    filmod("DELE");
+    metafl("PNG");
+    kolini();
+    glbblk *b = qqcur();
+    b->diag.outu = 0;
+    double x[202], y[202];
+    for (int k = 0; k < 101; ++k) {
+        x[2 * k] = 10 + 25 * k;
+        y[2 * k] = 1000;
+        x[2 * k + 1] = 20 + 25 * k;
+        y[2 * k + 1] = 100;
+    }
+    int before = b->diag.nwarn;
+    CHECK_EQ(b->dev.drv->fill_polygon(b, x, y, 202), 1);
+    CHECK_EQ(b->diag.nwarn - before, 1);
+    kolfin();
+}
+
 TEST(antialiasing_only_on_rgb_thin_lines) {
     Canvas c(40, 30, true);
     qqcoption(&c.cv, 34, 2);
