@@ -111,9 +111,8 @@ void wmfmod(const char *cval, const char *copt) noexcept {
     if (k > 0) b->opt.wmfplac = k - 1;
 }
 
-// The method is called hpgmog; its setting has always reported as hpgmod.
 void hpgmog(const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("hpgmod");
+    glbblk *b = KX_ENTRY("hpgmog");
     if (!b) return;
     int k = option_value(b, "PLOT", copt, "STAN+ARIS", 2, cval);
     if (k > 0) b->opt.hpgaris = k - 1;

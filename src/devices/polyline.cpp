@@ -176,8 +176,17 @@ void qqrdrw(glbblk *b, double x, double y) noexcept {
     d.curx = x;
     d.cury = y;
     transform(b, x, y);
-    // A repeated point is overwritten rather than doubled.
-    if (d.npol >= 2 && d.polx[d.npol - 1] == x && d.poly[d.npol - 1] == y) return;
+    // A point is overwritten rather than doubled.  With two points stored
+    // the pair itself is compared, so a first draw that went nowhere gives
+    // way to the next one; above that the new point is compared with the
+    // last one.
+    int n = d.npol;
+    if (n == 2 && d.polx[0] == d.polx[1] && d.poly[0] == d.poly[1]) {
+        d.polx[1] = x;
+        d.poly[1] = y;
+        return;
+    }
+    if (n > 2 && d.polx[n - 1] == x && d.poly[n - 1] == y) return;
     buf_append(b, x, y);
 }
 
