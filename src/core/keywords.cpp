@@ -19,11 +19,14 @@ int qqkeyq(const char *list, int count, const char *word) noexcept {
     qqkeyword(word, key);
     for (int i = 0; i < count; ++i) {
         const char *k = list + 5 * i;
+        // The blanks that pad a short keyword take any character, so that
+        // "Offset" is OFF as "LANDSCAPE" is LAND; no list has a keyword
+        // that would shadow a later one this way.
         bool same = true;
         for (int j = 0; j < 4 && same; ++j) {
             char c = k[j];
             if (c >= 'a' && c <= 'z') c = (char)(c - 'a' + 'A');
-            same = c == key[j];
+            same = c == ' ' || c == key[j];
         }
         if (same) return i + 1;
     }

@@ -5,7 +5,9 @@ struct glbblk;
 
 // Matches the first four characters of word, case-blind and blank padded,
 // against a list of count keywords of four characters joined by '+'
-// ("OFF +ON  ").  Returns 1 to count, or 0 after warning 2 with the word.
+// ("OFF +ON  ").  The blanks that pad a short keyword match any character:
+// "off", "OFF" and "Offset" all give OFF, while "OF" does not.  Returns 1
+// to count, or 0 after warning 2 with the word.
 int qqkey(glbblk *b, const char *list, int count, const char *word) noexcept;
 // The same without a warning: 0 when nothing matches.
 int qqkeyq(const char *list, int count, const char *word) noexcept;

@@ -203,7 +203,9 @@ void kolini() noexcept {
     }
 
     DiagState &d = b->diag;
-    if (s.wapp == 0 && d.errdv == 0) d.errfp = nullptr;
+    // Warnings of a console program with errdev("CONS") go to the console;
+    // an error file that an earlier errdev opened is closed, not leaked.
+    if (s.wapp == 0 && d.errdv == 0) qqerrc(b);
     d.outu = d.erropn ? 17 : 6;
 
     qqinit(b);

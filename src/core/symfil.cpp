@@ -46,9 +46,12 @@ int qqsymcmd(glbblk *b, const char *device, const char *status, char *cmd) noexc
     qqscat(cmd, " ", CMDMAX);
     qqscat(cmd, table_name(b->clr.vltkind), CMDMAX);
     if (b->sess.bgmode == 2) qqscat(cmd, " REVERS", CMDMAX);
-    if (dev < 601) qqscat(cmd, " -Q", CMDMAX);
-    if (b->opt.x11md == 0) qqscat(cmd, " -BS", CMDMAX);
-    if (b->opt.x11md == 1) qqscat(cmd, " -NB", CMDMAX);
+    // The options of koldrv, which shows the vector formats on the screen.
+    if (dev < 601) {
+        qqscat(cmd, " -Q", CMDMAX);
+        if (b->opt.x11md == 0) qqscat(cmd, " -BS", CMDMAX);
+        if (b->opt.x11md == 1) qqscat(cmd, " -NB", CMDMAX);
+    }
     if (b->clr.vltfnm[0]) {
         qqscat(cmd, " V=\"", CMDMAX);
         qqscat(cmd, b->clr.vltfnm, CMDMAX);
