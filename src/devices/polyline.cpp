@@ -176,17 +176,16 @@ void qqrdrw(glbblk *b, double x, double y) noexcept {
     d.curx = x;
     d.cury = y;
     transform(b, x, y);
-    // A point is overwritten rather than doubled.  With two points stored
-    // the pair itself is compared, so a first draw that went nowhere gives
-    // way to the next one; above that the new point is compared with the
-    // last one.
+    // A point that repeats the last one is not stored twice.  With two
+    // points stored the pair itself is compared too: a first draw that went
+    // nowhere gives way to the next point.
     int n = d.npol;
     if (n == 2 && d.polx[0] == d.polx[1] && d.poly[0] == d.poly[1]) {
         d.polx[1] = x;
         d.poly[1] = y;
         return;
     }
-    if (n > 2 && d.polx[n - 1] == x && d.poly[n - 1] == y) return;
+    if (n >= 2 && d.polx[n - 1] == x && d.poly[n - 1] == y) return;
     buf_append(b, x, y);
 }
 

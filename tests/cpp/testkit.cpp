@@ -2,12 +2,15 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <map>
 #include <mutex>
 #include <unistd.h>
 
 #include "core/glbblk.h"
+#include "core/guard.h"
 #include "devices/device.h"
+#include "kolvex.h"
 
 namespace testkit {
 
@@ -38,7 +41,7 @@ static void rec_line(glbblk *b, double x, double y, int op) {
     of(b)->ops.push_back({op == QQ_MOVE ? 'm' : op == QQ_DRAW ? 'd' : 'e', x, y, op});
 }
 static void rec_colour(glbblk *b, int value, int r, int g, int bl, int index) {
-    of(b)->ops.push_back({'c', 0, 0, value});
+    of(b)->ops.push_back({'c', 0, 0, value, r, g, bl, index});
 }
 static int rec_width(glbblk *b, double n, int fractional) {
     of(b)->ops.push_back({'w', n, 0, fractional});
@@ -81,6 +84,53 @@ std::string temp_dir() {
     char tmpl[] = "/tmp/kolvex_cpptest_XXXXXX";
     const char *d = mkdtemp(tmpl);
     return d ? d : "/tmp";
+}
+
+glbblk *recording_session(RecordingDriver &rec) {
+    static std::string dir = temp_dir();
+    if (chdir(dir.c_str()) != 0) return nullptr;
+    filmod("DELE");
+    setfil("recorded.met");
+    metafl("PLOG");
+    kolini();
+    glbblk *b = qqcur();
+    b->diag.outu = 0;
+    rec.install(b);
+    return b;
+}
+
+void end_session(glbblk *b) {
+    b->dev.drv = nullptr;
+    kolfin();
+}
+
+StdoutCapture::StdoutCapture() {
+    std::fflush(stdout);
+    path_ = temp_dir() + "/stdout.txt";
+    int fd = open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (fd < 0) return;
+    saved_ = dup(1);
+    dup2(fd, 1);
+    close(fd);
+}
+
+StdoutCapture::~StdoutCapture() { text(); }
+
+std::string StdoutCapture::text() {
+    if (saved_ >= 0) {
+        std::fflush(stdout);
+        dup2(saved_, 1);
+        close(saved_);
+        saved_ = -1;
+    }
+    std::string out;
+    if (FILE *f = std::fopen(path_.c_str(), "rb")) {
+        char buf[4096];
+        size_t n;
+        while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) out.append(buf, n);
+        std::fclose(f);
+    }
+    return out;
 }
 
 }  // namespace testkit
