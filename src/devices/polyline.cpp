@@ -207,5 +207,8 @@ void qqflsh(glbblk *b) noexcept {
     pen_move(pen, d.polx[0], d.poly[0]);
     for (int i = 1; i < n; ++i) pen_draw(pen, d.polx[i], d.poly[i]);
     if (d.lnwid > 1 && qqnint(d.lnwid * b->core.unitf) > 1) qqthick(b, d.polx, d.poly, n);
+    // The piece is complete: a driver that buffers paths writes it now,
+    // before whatever state change made the layer flush.
+    qqplot(b, d.polx[n - 1], d.poly[n - 1], QQ_ENDPATH);
     d.inflsh = 0;
 }

@@ -34,6 +34,9 @@ TEST(long_line_reaches_driver_in_pieces_of_100) {
         CHECK_EQ(pieces[2][0].y, pieces[1].back().y);
     }
     CHECK_EQ(b->sess.nvec - nvec0, 249);
+    // Each piece ends its path, after its last draw.
+    CHECK_EQ(rec.count('e'), 3);
+    CHECK_EQ(rec.ops.back().kind, 'e');
     end(b);
 }
 
