@@ -157,6 +157,19 @@ void check_seg(const Seg &s, double x0, double y0, double x1, double y1, double 
     CHECK_NEAR(s.y1, y1, tol);
 }
 
+// The strokes that reached the driver are exactly these.
+void expect_strokes(const testkit::RecordingDriver &rec, const std::vector<Seg> &want, double tol = 1e-4) {
+    auto got = strokes(rec);
+    CHECK_EQ(got.size(), want.size());
+    for (size_t i = 0; i < got.size() && i < want.size(); ++i)
+        check_seg(got[i], want[i].x0, want[i].y0, want[i].x1, want[i].y1, tol);
+}
+
+void segment(glbblk *b, double x0, double y0, double x1, double y1) {
+    qqmove(b, x0, y0);
+    qqdraw(b, x1, y1);
+}
+
 // Points of a piece as (x, y) pairs.
 std::vector<std::pair<double, double>> points(const std::vector<testkit::Op> &piece) {
     std::vector<std::pair<double, double>> out;
@@ -174,23 +187,14 @@ TEST(circle_clipping_inside_crossing_and_outside) {
     d.ccx = 500;
     d.ccy = 500;
     d.ccr = 100;
-    // From the centre outwards: drawn to the circle line, within 0.1.
-    qqmove(b, 500, 500);
-    qqdraw(b, 800, 500);
-    // Through the circle with both ends outside: the chord, with a move.
-    qqmove(b, 300, 500);
-    qqdraw(b, 700, 500);
-    // From outside inwards: a move onto the circle line first.
-    qqmove(b, 500, 200);
-    qqdraw(b, 500, 550);
+    segment(b, 500, 500, 800, 500);  // from the centre outwards: to the circle line, within 0.1
+    segment(b, 300, 500, 700, 500);  // through the circle, both ends outside: the chord, with a move
+    segment(b, 500, 200, 500, 550);  // from outside inwards: a move onto the circle line first
     // Missing the circle, a piece too short to count, and a segment whose
     // line crosses the circle beyond its ends: nothing.
-    qqmove(b, 300, 300);
-    qqdraw(b, 300, 700);
-    qqmove(b, 0, 0);
-    qqdraw(b, 0.05, 0);
-    qqmove(b, 300, 500);
-    qqdraw(b, 350, 500);
+    segment(b, 300, 300, 300, 700);
+    segment(b, 0, 0, 0.05, 0);
+    segment(b, 300, 500, 350, 500);
     qqflsh(b);
     auto s = strokes(rec);
     CHECK_EQ(s.size(), 3u);
@@ -222,13 +226,7 @@ TEST(dash_pattern_walks_across_segments_and_lines) {
     qqdraw(b, 12, 0);   // dash 0-10, gap runs on
     qqdraw(b, 12, 20);  // gap ends at 3, dash 3-13, gap, dash from 18
     qqflsh(b);
-    auto s = strokes(rec);
-    CHECK_EQ(s.size(), 3u);
-    if (s.size() == 3) {
-        check_seg(s[0], 0, 0, 10, 0);
-        check_seg(s[1], 12, 3, 12, 13);
-        check_seg(s[2], 12, 18, 12, 20);
-    }
+    expect_strokes(rec, {{0, 0, 10, 0}, {12, 3, 12, 13}, {12, 18, 12, 20}});
     // A new line goes on with the pattern where the last one stopped:
     // 8 of the dash are left.
     CHECK_NEAR(d.dsrem, 8, 1e-4);
@@ -236,12 +234,7 @@ TEST(dash_pattern_walks_across_segments_and_lines) {
     qqmove(b, 0, 50);
     qqdraw(b, 25, 50);
     qqflsh(b);
-    s = strokes(rec);
-    CHECK_EQ(s.size(), 2u);
-    if (s.size() == 2) {
-        check_seg(s[0], 0, 50, 8, 50);
-        check_seg(s[1], 13, 50, 23, 50);
-    }
+    expect_strokes(rec, {{0, 50, 8, 50}, {13, 50, 23, 50}});
     // Resetting the pattern starts it anew.
     qqdshres(b);
     CHECK_EQ(d.dsidx, 1);
@@ -259,13 +252,7 @@ TEST(parallel_offset_shifts_each_segment_and_joins_them) {
     qqdraw(b, 200, 100);  // shifted up the page by 3
     qqdraw(b, 200, 200);  // shifted right by 3, joined by a draw
     qqflsh(b);
-    auto s = strokes(rec);
-    CHECK_EQ(s.size(), 3u);
-    if (s.size() == 3) {
-        check_seg(s[0], 100, 97, 200, 97);
-        check_seg(s[1], 200, 97, 203, 100);
-        check_seg(s[2], 203, 100, 203, 200);
-    }
+    expect_strokes(rec, {{100, 97, 200, 97}, {200, 97, 203, 100}, {203, 100, 203, 200}});
     CHECK_EQ(rec.count('m'), 1);
     // The pen stays on the line itself.
     CHECK_NEAR(b->dev.curx, 200, 0);
@@ -290,12 +277,7 @@ TEST(absolute_draws_do_not_double_points) {
     qqrdrw(b, 20, 30);
     CHECK_EQ(d.npol, 3);
     qqflsh(b);
-    auto s = strokes(rec);
-    CHECK_EQ(s.size(), 2u);
-    if (s.size() == 2) {
-        check_seg(s[0], 10, 10, 20, 10, 0);
-        check_seg(s[1], 20, 10, 20, 30, 0);
-    }
+    expect_strokes(rec, {{10, 10, 20, 10}, {20, 10, 20, 30}}, 0);
     // qqdraw keeps every point, repeated or not.
     d.nxsh = 0;
     qqmove(b, 0, 0);
@@ -452,17 +434,16 @@ TEST(colour_of_an_explicit_value_on_an_8_bit_device_is_the_nearest_entry) {
     testkit::RecordingDriver rec;
     glbblk *b = session(rec);
     CHECK_EQ(b->sess.colbits, 8);
-    auto nearest = [&](int r, int g, int bl, int entries) {
-        int best = 0, bestd = 1 << 30;
-        for (int i = 0; i < entries; ++i) {
-            int e = b->clr.colmap[i];
-            int dd = std::abs(((e >> 16) & 255) - r) + std::abs(((e >> 8) & 255) - g) + std::abs((e & 255) - bl);
-            if (dd < bestd) {
-                bestd = dd;
-                best = i;
-            }
-        }
-        return best;
+    auto distance = [&](int i, int r, int g, int bl) {
+        int e = b->clr.colmap[i];
+        return std::abs(((e >> 16) & 255) - r) + std::abs(((e >> 8) & 255) - g) + std::abs((e & 255) - bl);
+    };
+    // The chosen entry is as near as any, and nearer than every one before it.
+    auto is_nearest = [&](int chosen, int r, int g, int bl, int entries) {
+        int dc = distance(chosen, r, g, bl);
+        for (int i = 0; i < entries; ++i)
+            if (distance(i, r, g, bl) < dc || (i < chosen && distance(i, r, g, bl) == dc)) return false;
+        return true;
     };
     const int tests[][3] = {{250, 5, 5}, {0, 0, 0}, {255, 255, 255}, {10, 200, 90}, {128, 128, 128}};
     for (const auto &t : tests) {
@@ -470,7 +451,7 @@ TEST(colour_of_an_explicit_value_on_an_8_bit_device_is_the_nearest_entry) {
         qqsetc(b, 0x01000000 | (t[2] << 16) | (t[1] << 8) | t[0]);
         CHECK_EQ(rec.count('c'), 1);
         const auto &o = rec.ops.back();
-        CHECK_EQ(o.index, nearest(t[0], t[1], t[2], 256));
+        CHECK(is_nearest(o.index, t[0], t[1], t[2], 256));
         int e = b->clr.colmap[o.index];
         CHECK_EQ(o.r, (e >> 16) & 255);
         CHECK_EQ(o.bl, e & 255);
@@ -480,7 +461,7 @@ TEST(colour_of_an_explicit_value_on_an_8_bit_device_is_the_nearest_entry) {
     rec.ops.clear();
     qqsetc(b, 0x01000000 | (90 << 16) | (200 << 8) | 10);
     CHECK(rec.ops.back().index < 9);
-    CHECK_EQ(rec.ops.back().index, nearest(10, 200, 90, 9));
+    CHECK(is_nearest(rec.ops.back().index, 10, 200, 90, 9));
     // An index is taken modulo 256.
     qqsetc(b, 258);
     CHECK_EQ(rec.ops.back().index, 2);

@@ -15,17 +15,6 @@
 
 namespace {
 
-std::string read_file(const std::string &name) {
-    std::string out;
-    if (FILE *f = std::fopen(name.c_str(), "rb")) {
-        char buf[4096];
-        size_t n;
-        while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) out.append(buf, n);
-        std::fclose(f);
-    }
-    return out;
-}
-
 std::vector<std::string> split(const std::string &text) {
     std::vector<std::string> lines;
     size_t start = 0, nl;
@@ -67,7 +56,7 @@ TEST(two_threads_run_two_sessions_at_once) {
     waitpid(pid, &status, 0);
     CHECK(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     for (int n = 0; n < 2; ++n) {
-        auto lines = split(read_file(dir + "/thread" + std::to_string(n) + ".met"));
+        auto lines = split(testkit::read_file(dir + "/thread" + std::to_string(n) + ".met"));
         CHECK(lines.size() > 2);
         if (lines.size() < 2) continue;
         char head[32];
@@ -84,7 +73,7 @@ TEST(two_threads_run_two_sessions_at_once) {
         CHECK(lines.back().size() >= 10 && lines.back().substr(lines.back().size() - 10) == " 9.0000000");
     }
     // Each banner is whole: no line of the other thread falls between.
-    auto out = split(read_file(dir + "/out.txt"));
+    auto out = split(testkit::read_file(dir + "/out.txt"));
     int banners = 0;
     for (size_t i = 0; i < out.size(); ++i) {
         if (out[i].find("END OF KOLVEX") == std::string::npos) continue;

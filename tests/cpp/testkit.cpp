@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <map>
 #include <mutex>
 #include <unistd.h>
@@ -104,27 +103,9 @@ void end_session(glbblk *b) {
     kolfin();
 }
 
-StdoutCapture::StdoutCapture() {
-    std::fflush(stdout);
-    path_ = temp_dir() + "/stdout.txt";
-    int fd = open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (fd < 0) return;
-    saved_ = dup(1);
-    dup2(fd, 1);
-    close(fd);
-}
-
-StdoutCapture::~StdoutCapture() { text(); }
-
-std::string StdoutCapture::text() {
-    if (saved_ >= 0) {
-        std::fflush(stdout);
-        dup2(saved_, 1);
-        close(saved_);
-        saved_ = -1;
-    }
+std::string read_file(const std::string &name) {
     std::string out;
-    if (FILE *f = std::fopen(path_.c_str(), "rb")) {
+    if (FILE *f = std::fopen(name.c_str(), "rb")) {
         char buf[4096];
         size_t n;
         while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) out.append(buf, n);

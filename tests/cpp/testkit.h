@@ -51,15 +51,8 @@ glbblk *recording_session(RecordingDriver &rec);
 // Ends it: the recorder goes, the session closes.
 void end_session(glbblk *b);
 
-// Everything a call writes on the process's standard output.
-struct StdoutCapture {
-    StdoutCapture();
-    ~StdoutCapture();
-    std::string text();  // stops the capture and gives what was written
-private:
-    int saved_ = -1;
-    std::string path_;
-};
+// The whole contents of a file, empty when it cannot be read.
+std::string read_file(const std::string &name);
 
 }  // namespace testkit
 
