@@ -33,10 +33,18 @@ enum Kind {
 
 enum { HEAD = 512 };  // bytes read for the tests; a TIFF directory may lie further
 
-uint32_t le16(const unsigned char *p) { return p[0] | (p[1] << 8); }
-uint32_t le32(const unsigned char *p) { return le16(p) | (le16(p + 2) << 16); }
-uint32_t be16(const unsigned char *p) { return (p[0] << 8) | p[1]; }
-uint32_t be32(const unsigned char *p) { return (be16(p) << 16) | be16(p + 2); }
+uint32_t le16(const unsigned char *p) {
+    return p[0] | (p[1] << 8);
+}
+uint32_t le32(const unsigned char *p) {
+    return le16(p) | (le16(p + 2) << 16);
+}
+uint32_t be16(const unsigned char *p) {
+    return (p[0] << 8) | p[1];
+}
+uint32_t be32(const unsigned char *p) {
+    return (be16(p) << 16) | be16(p + 2);
+}
 
 int clamp_size(int64_t v) {
     if (v < 0) v = -v;  // a BMP stored top to bottom has a negative height

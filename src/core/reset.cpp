@@ -39,7 +39,9 @@ bool qqresetname(const char *name) noexcept {
     return false;
 }
 
-int qqresetcount() noexcept { return (int)(sizeof kResetNames / sizeof kResetNames[0]); }
+int qqresetcount() noexcept {
+    return (int)(sizeof kResetNames / sizeof kResetNames[0]);
+}
 
 void reset(const char *cname) noexcept {
     glbblk *b = KX_ENTRY("reset");

@@ -86,7 +86,7 @@ TEST(doubles_as_text) {
     CHECK_EQ(big.size(), 32u);
     CHECK(big.compare(0, 10, "1000000000") == 0 && big.back() == '.');
     CHECK_EQ(fcha(1e300, 2, 0, 128).size(), 100u + 1);  // at most 100 digits
-    CHECK(fcha(123.456, 2, 0, 4) == "123");  // cut at size - 1
+    CHECK(fcha(123.456, 2, 0, 4) == "123");             // cut at size - 1
     CHECK(fcha(NAN, 2, 0).size() > 0);
 }
 
@@ -116,7 +116,7 @@ TEST(keyword_matcher) {
     CHECK_EQ(qqkey(b, "OFF +ON  ", 2, "OF"), 0);
     CHECK_EQ(b->diag.nwarn, before + 2);
     CHECK_EQ(qqkey(b, "A   +    ", 2, ""), 2);  // four blanks take the empty word
-    CHECK_EQ(qqchki(b, 0, 1, 0), 1);    // 1 or more, no upper limit
+    CHECK_EQ(qqchki(b, 0, 1, 0), 1);            // 1 or more, no upper limit
     CHECK_EQ(qqchki(b, 99999, 1, 0), 0);
     CHECK_EQ(qqchki(b, 6, 2, 5), 1);
     CHECK_EQ(qqchki(b, 5, 2, 5), 0);
@@ -128,9 +128,10 @@ TEST(device_keywords_and_codes) {
         const char *word;
         int code;
         const char *key;
-    } rows[] = {{"png", 604, "PNG "}, {"xwi3", 74, "XWI3"}, {"XWIN", 72, "XWIN"}, {"cons", 80, "CONS"},
-                {"MET1", 80, "MET1"}, {"met9", 80, "MET9"}, {"PS", 504, "PS  "}, {"PSCL", 502, "PSCL"},
-                {"java", 701, "JAVA"}, {"gl", 80, "GL  "}, {"Plogfile", 201, "PLOG"}};
+    } rows[] = {{"png", 604, "PNG "}, {"xwi3", 74, "XWI3"},     {"XWIN", 72, "XWIN"},
+                {"cons", 80, "CONS"}, {"MET1", 80, "MET1"},     {"met9", 80, "MET9"},
+                {"PS", 504, "PS  "},  {"PSCL", 502, "PSCL"},    {"java", 701, "JAVA"},
+                {"gl", 80, "GL  "},   {"Plogfile", 201, "PLOG"}};
     for (const auto &r : rows) {
         metafl(r.word);
         CHECK_EQ(b->core.devcod, r.code);
@@ -215,7 +216,8 @@ TEST(reset_rows_use_only_reset_names) {
     int rows = 0;
     for (int i = 0; i < n; ++i)
         for (const ResetEntry *r = subs[i]->resets; r && r->name; ++r, ++rows)
-            if (!qqresetname(r->name)) testkit::fail(__FILE__, __LINE__, std::string("unknown row ") + r->name);
+            if (!qqresetname(r->name))
+                testkit::fail(__FILE__, __LINE__, std::string("unknown row ") + r->name);
     CHECK(rows >= 10);
     CHECK(qqresetname("ALL"));
     CHECK(!qqresetname("ALL "));
@@ -281,11 +283,13 @@ TEST(coordinate_check_counts_and_reports) {
     text[n] = '\0';
     std::fclose(log);
     d.errfp = nullptr;
-    const char *first = " <<<< (  1.1000e+01 /  0.0000e+00) out of axis scaling in curve!\n"
-                        " <<<< ( -1.0000e+00 /  2.0000e+00) out of axis scaling in curve!\n"
-                        " <<<< (  5.0000e+00 /  1.0000e+10) out of axis scaling in curve!\n";
+    const char *first =
+        " <<<< (  1.1000e+01 /  0.0000e+00) out of axis scaling in curve!\n"
+        " <<<< ( -1.0000e+00 /  2.0000e+00) out of axis scaling in curve!\n"
+        " <<<< (  5.0000e+00 /  1.0000e+10) out of axis scaling in curve!\n";
     CHECK(std::strncmp(text, first, std::strlen(first)) == 0);
-    CHECK(std::strstr(text, " <<<< (  1.0000e+00 /  1.0000e+00 /  2.0000e+00) out of axis scaling in curve3!\n"));
+    CHECK(std::strstr(
+        text, " <<<< (  1.0000e+00 /  1.0000e+00 /  2.0000e+00) out of axis scaling in curve3!\n"));
     // A polar system is not checked; grafr only for x below 0.
     nochek();
     d.chkon = 1;
@@ -328,7 +332,8 @@ TEST(banner_lines_by_flag) {
     CHECK(!std::strstr(text, "NaN"));
     qqbanner(b, 10, text, sizeof text);  // no file, an error file
     CHECK(!std::strstr(text, "Metafile"));
-    CHECK(std::strstr(text, ("\n <<  Err-file: errors.log" + std::string(38, ' ') + "  <<\n").c_str()));
+    CHECK(std::strstr(text,
+                      ("\n <<  Err-file: errors.log" + std::string(38, ' ') + "  <<\n").c_str()));
     qqbanner(b, 11, text, sizeof text);
     CHECK(std::strstr(text, "Metafile: kolvex.met"));
     CHECK(std::strstr(text, "Err-file: errors.log"));

@@ -45,13 +45,15 @@ TEST(metafile_bytes_of_a_small_session) {
         " 0.0000000 1.0000000 0.7069720 0.0000000 0.7069720 0.0000000 0.7069720 3.0000000\n"
         " 1.0000000 0.7069720 1.0000000 0.0000000 2.0000000 9.0000000\n";
     CHECK(testkit::read_file("small.met") == expect);
-    if (testkit::read_file("small.met") != expect) std::fprintf(stderr, "%s", testkit::read_file("small.met").c_str());
+    if (testkit::read_file("small.met") != expect)
+        std::fprintf(stderr, "%s", testkit::read_file("small.met").c_str());
 }
 
 TEST(metafile_of_an_empty_session_has_no_coordinates) {
     metafile_session("empty.met");
     kolfin();
-    CHECK(testkit::read_file("empty.met") == "      29.7      21.0\n99.000000099.000000086.0000000 9.0000000\n");
+    CHECK(testkit::read_file("empty.met") ==
+          "      29.7      21.0\n99.000000099.000000086.0000000 9.0000000\n");
 }
 
 TEST(line_writer_fills_80_columns_and_never_splits_an_item) {
@@ -65,7 +67,8 @@ TEST(line_writer_fills_80_columns_and_never_splits_an_item) {
     kolfin();
     std::string line1;
     for (int i = 0; i < 8; ++i) line1 += "0123456789";
-    const std::string expect = "      29.7      21.0\n" + line1 + "\n0123456789abcdefghijklmnopqrstuvwxyz\n" +
-                               std::string(60, 'x') + "\n 9.0000000\n";
+    const std::string expect = "      29.7      21.0\n" + line1 +
+                               "\n0123456789abcdefghijklmnopqrstuvwxyz\n" + std::string(60, 'x') +
+                               "\n 9.0000000\n";
     CHECK(testkit::read_file("lines.met") == expect);
 }

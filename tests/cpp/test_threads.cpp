@@ -70,7 +70,8 @@ TEST(two_threads_run_two_sessions_at_once) {
             chars += lines[i].size();
         }
         CHECK_EQ(chars / 10, 3u + 300u * (10 + 2) + 1u);
-        CHECK(lines.back().size() >= 10 && lines.back().substr(lines.back().size() - 10) == " 9.0000000");
+        CHECK(lines.back().size() >= 10 &&
+              lines.back().substr(lines.back().size() - 10) == " 9.0000000");
     }
     // Each banner is whole: no line of the other thread falls between.
     auto out = split(testkit::read_file(dir + "/out.txt"));
