@@ -53,7 +53,6 @@ void session_first(glbblk *b) {
     s.fmode = 0;
     s.fdig = 4;
     s.swapfl = 1;
-    s.lnlen = 80;
     OutputOptions &o = b->opt;
     o.cgmver = 1;
     o.pdfcomp = 1;
