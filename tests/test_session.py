@@ -141,7 +141,7 @@ OPTIONS = [
     (lambda: kolvex.pdfmod("OFF", "COMPRESSION"), lambda: kolvex.pdfmod("ON", "FAST"), "pdfmod", "(FAST)"),
     (lambda: kolvex.pdfmod("ON", "BUFFER"), lambda: kolvex.pdfmod("", "BUFF"), "pdfmod", "()"),
     (lambda: kolvex.wmfmod("PLACEABLE", "FORMAT"), lambda: kolvex.wmfmod("STAN", "FORX"), "wmfmod", "(FORX)"),
-    (lambda: kolvex.hpgmog("ARISTO", "PLOTTER"), lambda: kolvex.hpgmog("ROLAND", "PLOT"), "hpgmog", "(ROLAND)"),
+    (lambda: kolvex.hpgmog("ARISTO", "PLOTTER"), lambda: kolvex.hpgmog("ROLAND", "PLOT"), "hpgmod", "(ROLAND)"),
     (lambda: kolvex.cgmver(4), lambda: kolvex.cgmver(3), "cgmver", "( 3)"),
     (lambda: kolvex.psmeta("%%Title: x", "INFO"), lambda: kolvex.psmeta("x", "TEXT"), "psmeta", "(TEXT)"),
     (lambda: kolvex.window(0, 0, 400, 300), lambda: kolvex.window(10, 10, 0, 300), "window", "( 0)"),

@@ -111,8 +111,9 @@ void wmfmod(const char *cval, const char *copt) noexcept {
     if (k > 0) b->opt.wmfplac = k - 1;
 }
 
+// The method is called hpgmog; its setting reports under the name hpgmod.
 void hpgmog(const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("hpgmog");
+    glbblk *b = KX_ENTRY("hpgmod");
     if (!b) return;
     int k = option_value(b, "PLOT", copt, "STAN+ARIS", 2, cval);
     if (k > 0) b->opt.hpgaris = k - 1;
