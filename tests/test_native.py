@@ -11,7 +11,7 @@ import subprocess
 import pytest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-BUILD = os.environ.get("KOLVEX_NATIVE_BUILD_DIR", os.path.join(ROOT, "build", "native-tests"))
+BUILD = os.path.abspath(os.environ.get("KOLVEX_NATIVE_BUILD_DIR", os.path.join(ROOT, "build", "native-tests")))
 
 pytestmark = pytest.mark.skipif(shutil.which("cmake") is None, reason="cmake is not installed")
 

@@ -21,11 +21,14 @@ int qqkeyq(const char *list, int count, const char *word) noexcept {
     qqkeyword(word, key);
     for (int i = 0; i < count; ++i) {
         const char *k = list + 5 * i;
+        // The blanks that pad a short keyword take any character, so that
+        // "Offset" is OFF as "LANDSCAPE" is LAND; no list has a keyword
+        // that would shadow a later one this way.
         bool same = true;
         for (int j = 0; j < 4 && same; ++j) {
             char c = k[j];
             if (c >= 'a' && c <= 'z') c = (char)(c - 'a' + 'A');
-            same = c == key[j];
+            same = c == ' ' || c == key[j];
         }
         if (same) return i + 1;
     }
@@ -34,15 +37,6 @@ int qqkeyq(const char *list, int count, const char *word) noexcept {
 
 int qqkey(glbblk *b, const char *list, int count, const char *word) noexcept {
     int k = qqkeyq(list, count, word);
-    if (k == 0) qqwarc(b, 2, word ? word : "");
-    return k;
-}
-
-int qqkey3(glbblk *b, const char *list, int count, const char *word) noexcept {
-    char key[5];
-    qqkeyword(word, key);
-    key[3] = ' ';
-    int k = qqkeyq(list, count, key);
     if (k == 0) qqwarc(b, 2, word ? word : "");
     return k;
 }

@@ -5,13 +5,12 @@ struct glbblk;
 
 // Matches the first four characters of word, case-blind and blank padded,
 // against a list of count keywords of four characters joined by '+'
-// ("OFF +ON  ").  Returns 1 to count, or 0 after warning 2 with the word.
+// ("OFF +ON  ").  The blanks that pad a short keyword match any character:
+// "off", "OFF" and "Offset" all give OFF, while "OF" does not.  Returns 1
+// to count, or 0 after warning 2 with the word.
 int qqkey(glbblk *b, const char *list, int count, const char *word) noexcept;
 // The same without a warning: 0 when nothing matches.
 int qqkeyq(const char *list, int count, const char *word) noexcept;
-// qqkey for lists of three-letter keywords ("IND +RGB "), where only the
-// first three characters of the word count: "RGBA" is "RGB".
-int qqkey3(glbblk *b, const char *list, int count, const char *word) noexcept;
 // Returns 1 after warning 2 when value < low, or when low <= high and
 // value > high; else 0.  A high below low means no upper limit.
 int qqchki(glbblk *b, int value, int low, int high) noexcept;

@@ -53,7 +53,7 @@ void clrmod(const char *copt) noexcept {
 void imgfmt(const char *copt) noexcept {
     glbblk *b = KX_ENTRY("imgfmt");
     if (!b) return;
-    int k = qqkey3(b, "IND +RGB +BIL ", 3, copt);
+    int k = qqkey(b, "IND +RGB +BIL ", 3, copt);
     if (k > 0) b->opt.rasfmt = k - 1;
 }
 
@@ -110,7 +110,7 @@ void wmfmod(const char *cval, const char *copt) noexcept {
     if (k > 0) b->opt.wmfplac = k - 1;
 }
 
-// The method is called hpgmog; its setting has always reported as hpgmod.
+// The method is called hpgmog; its setting reports under the name hpgmod.
 void hpgmog(const char *cval, const char *copt) noexcept {
     glbblk *b = KX_ENTRY("hpgmod");
     if (!b) return;

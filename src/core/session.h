@@ -25,8 +25,13 @@ int qqyflpi(glbblk *b, int y) noexcept;
 int qqpxu(glbblk *b, double length) noexcept;
 // The file extension of a device code, without the point; null for none.
 const char *qqdevext(int devcod) noexcept;
-// The installation directory, resolved into buf (257 bytes).
+// The installation directory, resolved into buf (257 bytes): kolenv's
+// directory, KOLVEX, kolvex_data beside the library, the build's default.
 void qqdatadir(glbblk *b, char *buf) noexcept;
+// The command line with which symfil starts an outside driver for the
+// finished plot file (device and status words already checked); cmd holds
+// 256 bytes.  Returns its length.
+int qqsymcmd(glbblk *b, const char *device, const char *status, char *cmd) noexcept;
 // Fails a session that is being opened: level 0 and nothing left open.
 void qqkolfail(glbblk *b) noexcept;
 // The end-of-session banner, in its console form.

@@ -27,6 +27,11 @@ const Subsystem *const kSubsystems[] = {
 
 }  // namespace
 
+const Subsystem *const *qqsubsystems(int *n) noexcept {
+    *n = (int)(sizeof kSubsystems / sizeof kSubsystems[0]);
+    return kSubsystems;
+}
+
 void qqfirst(glbblk *b) noexcept {
     for (const Subsystem *s : kSubsystems)
         if (s->first) s->first(b);

@@ -60,7 +60,7 @@ int qqpixbytes() noexcept {
 void imgmod(const char *cmode) noexcept {
     glbblk *b = KX_ENTRY("imgmod");
     if (!b) return;
-    int k = qqkey3(b, "IND +RGB +TOP +BOT ", 4, cmode);
+    int k = qqkey(b, "IND +RGB +TOP +BOT ", 4, cmode);
     if (k == 0) return;
     if (k <= 2)
         b->cnv.imgrgb = k - 1;
