@@ -9,6 +9,7 @@ extern const Subsystem kxsub_session;
 extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
+extern const Subsystem kxsub_vector;
 
 namespace {
 
@@ -21,6 +22,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_diagnostics,
     &kxsub_session,
     &kxsub_devices,
+    &kxsub_vector,
     &kxsub_canvas,
     &kxsub_colour,
 };

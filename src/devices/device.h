@@ -10,17 +10,34 @@
 
 struct glbblk;
 
+// One character of a hardware font on its way to a driver.  The text layer
+// has done the layout: the pen position, the advance width and the cell of
+// fixed-pitch text; the driver places the character on the baseline and
+// writes it in its own form.
+struct QQHwChar {
+    int code;          // internal code: below 127 as ISO-8859-1, 127 to 186
+                       // the accented letters, above 186 a blank
+    double x, y;       // pen position in plot coordinates, origin shift added
+    double width;      // advance width in plot coordinates
+    double pitch;      // cell width of fixed-pitch text, 0 when proportional
+    double shift;      // sum of the baseline shifts (indices, exponents)
+    double height;     // text height in plot coordinates
+    int angle;         // text angle in degrees, counter-clockwise
+    int font;          // PostScript font index 0 to 34
+    double capheight;  // capital height of that font, in 1/1000 of the size
+};
+
 // Operation codes of qqplot and a driver's line operation.
 enum { QQ_DRAW = 2, QQ_MOVE = 3, QQ_ENDPATH = 9 };
 
 // What a driver does itself; the layer emulates the rest.
 enum {
-    QQ_CAP_WIDTH = 1,     // draws line widths itself (with hwmode LINE on)
-    QQ_CAP_FILL = 2,      // fills polygons itself (with hwmode SHAD on)
-    QQ_CAP_CLIP = 4,      // clips to a rectangle itself
-    QQ_CAP_TEXT = 8,      // draws hardware fonts
-    QQ_CAP_IMAGE = 16,    // takes image rows
-    QQ_CAP_DEEP = 32,     // takes colours as red, green, blue (colbits above 8)
+    QQ_CAP_WIDTH = 1,   // draws line widths itself (with hwmode LINE on)
+    QQ_CAP_FILL = 2,    // fills polygons itself (with hwmode SHAD on)
+    QQ_CAP_CLIP = 4,    // clips to a rectangle itself
+    QQ_CAP_TEXT = 8,    // draws hardware fonts
+    QQ_CAP_IMAGE = 16,  // takes image rows
+    QQ_CAP_DEEP = 32,   // takes colours as red, green, blue (colbits above 8)
 };
 
 // A driver: one set of operations of the same shape for each device family.
@@ -53,7 +70,8 @@ struct DriverOps {
     void (*linestyle)(glbblk *b);
     // Clip rectangle in plot coordinates; reset 1 means the whole page.
     void (*clip)(glbblk *b, int x1, int y1, int x2, int y2, int reset);
-    // Filled polygon in plot coordinates; returns 0 when the layer must
+    // Filled polygon in plot coordinates, origin shift added like every
+    // position a driver receives; returns 0 when the layer must
     // fall back to hatching.
     int (*fill_polygon)(glbblk *b, const double *x, const double *y, int n);
     // Filled rectangle, corners in plot coordinates, with a colour value.
@@ -70,6 +88,12 @@ struct DriverOps {
     int (*marker)(glbblk *b, int kind, double x, double y, double size);
     // Takes the canvas of image mode at imgfin (formats that embed it).
     void (*image)(glbblk *b);
+    // One character of a hardware font; returns 0 when the layer must
+    // stroke it instead.
+    int (*character)(glbblk *b, const QQHwChar *c);
+    // The hardware font or its height changed: a driver that carries the
+    // font in its open state ends that state.
+    void (*textstyle)(glbblk *b);
 };
 
 // The driver of a device code; a family without a driver in this build

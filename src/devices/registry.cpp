@@ -4,6 +4,9 @@
 
 extern const DriverOps kxdrv_plogfl;
 extern const DriverOps kxdrv_raster;
+extern const DriverOps kxdrv_java;
+extern const DriverOps kxdrv_svg;
+extern const DriverOps kxdrv_ipe;
 
 namespace {
 
@@ -15,6 +18,9 @@ struct Family {
 const Family kFamilies[] = {
     {201, 201, &kxdrv_plogfl},
     {601, 607, &kxdrv_raster},
+    {701, 701, &kxdrv_java},
+    {801, 801, &kxdrv_svg},
+    {802, 802, &kxdrv_ipe},
 };
 
 }  // namespace
