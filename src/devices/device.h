@@ -32,12 +32,12 @@ enum { QQ_DRAW = 2, QQ_MOVE = 3, QQ_ENDPATH = 9 };
 
 // What a driver does itself; the layer emulates the rest.
 enum {
-    QQ_CAP_WIDTH = 1,   // draws line widths itself (with hwmode LINE on)
-    QQ_CAP_FILL = 2,    // fills polygons itself (with hwmode SHAD on)
-    QQ_CAP_CLIP = 4,    // clips to a rectangle itself
-    QQ_CAP_TEXT = 8,    // draws hardware fonts
-    QQ_CAP_IMAGE = 16,  // takes image rows
-    QQ_CAP_DEEP = 32,   // takes colours as red, green, blue (colbits above 8)
+    QQ_CAP_WIDTH = 1,     // draws line widths itself (with hwmode LINE on)
+    QQ_CAP_FILL = 2,      // fills polygons itself (with hwmode SHAD on)
+    QQ_CAP_CLIP = 4,      // clips to a rectangle itself
+    QQ_CAP_TEXT = 8,      // draws hardware fonts
+    QQ_CAP_IMAGE = 16,    // takes image rows
+    QQ_CAP_DEEP = 32,     // takes colours as red, green, blue (colbits above 8)
 };
 
 // A driver: one set of operations of the same shape for each device family.
@@ -70,9 +70,9 @@ struct DriverOps {
     void (*linestyle)(glbblk *b);
     // Clip rectangle in plot coordinates; reset 1 means the whole page.
     void (*clip)(glbblk *b, int x1, int y1, int x2, int y2, int reset);
-    // Filled polygon in plot coordinates, origin shift added like every
-    // position a driver receives; returns 0 when the layer must
-    // fall back to hatching.
+    // Filled polygon in plot coordinates, the origin shift added as to
+    // every position a driver receives; returns 0 when the layer must fall
+    // back to hatching.
     int (*fill_polygon)(glbblk *b, const double *x, const double *y, int n);
     // Filled rectangle, corners in plot coordinates, with a colour value.
     void (*fill_rect)(glbblk *b, int x1, int y1, int x2, int y2, int colour);
