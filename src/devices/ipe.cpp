@@ -221,7 +221,14 @@ void label_text(glbblk *b, int code) {
             qqvput(b, "</text>\n");
             return;
         default:
-            qqvchr(b, ch);
+            // The file declares no encoding, so XML and LaTeX read it as
+            // UTF-8: an accented letter takes two bytes.
+            if (ch >= 0x80) {
+                qqvchr(b, 0xC0 | (ch >> 6));
+                qqvchr(b, 0x80 | (ch & 0x3F));
+            } else {
+                qqvchr(b, ch);
+            }
             qqvput(b, "</text>\n");
     }
 }
