@@ -56,11 +56,11 @@ bool reserved(const char *name) {
 }
 
 // The class is named after the file: the base name behind the last "/",
-// "\" or ":", cut to 60 characters and at its first point.  A name that
-// Java cannot take as the public class of that file (not an identifier, a
-// reserved word, or cut short) becomes an identifier by replacing what is
-// not allowed, and its class is declared without "public", so that the
-// file still compiles.  Returns whether the class can be public.
+// "\" or ":", cut to 60 characters and at its first point.  Java takes a
+// public class only from a file of its own name, and only with a name that
+// is an identifier and no reserved word.  Otherwise what is not allowed is
+// replaced and the class is declared without "public", so that the file
+// still compiles.  Returns whether the class can be public.
 bool class_name(const char *fname, char name[64]) {
     const char *base = fname;
     for (const char *p = fname; *p; ++p)
@@ -71,7 +71,8 @@ bool class_name(const char *fname, char name[64]) {
         name[n] = base[n];
         ++n;
     }
-    if (base[n] && base[n] != '.') exact = false;  // cut at 60
+    // Java wants a public class in a file of its own name.
+    if (std::strcmp(base + n, ".java") != 0) exact = false;
     name[n] = '\0';
     if (n == 0) {
         std::strcpy(name, "Plot");
