@@ -29,6 +29,14 @@ def native_build():
     return BUILD
 
 
+def write_test_page(build, test, out):
+    """Runs the C++ test that draws a test page, writing its files into out."""
+    r = subprocess.run([os.path.join(build, "kolvex_cpptest"), test], cwd=out,
+                       env=dict(os.environ, KOLVEX_PAGE_DIR=str(out)), capture_output=True, text=True,
+                       timeout=120)
+    assert r.returncode == 0, r.stderr
+
+
 def test_cpp_internals(native_build, tmp_path):
     r = subprocess.run([os.path.join(native_build, "kolvex_cpptest")], cwd=tmp_path,
                        capture_output=True, text=True, timeout=600)

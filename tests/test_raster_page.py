@@ -1,14 +1,12 @@
 """The raster test page: drawn by the C++ test raster_test_page through the
 device layer (lines of several widths with each cap, zig-zags with each
 join, a closed square, filled polygons, all markers), read back here."""
-import os
-import subprocess
 
 import numpy as np
 import pytest
 from PIL import Image
 
-from test_native import native_build  # noqa: F401  (the fixture that builds the C++ tests)
+from test_native import native_build, write_test_page  # noqa: F401  (the fixture that builds the C++ tests)
 
 # The small table on a white sheet.
 WHITE, BLACK, RED, GREEN, BLUE = (255,) * 3, (0,) * 3, (255, 0, 0), (0, 255, 0), (0, 0, 255)
@@ -23,10 +21,7 @@ def px(x, y):
 @pytest.fixture(scope="module")
 def page(native_build, tmp_path_factory):  # noqa: F811
     out = tmp_path_factory.mktemp("page")
-    r = subprocess.run([os.path.join(native_build, "kolvex_cpptest"), "raster_test_page"], cwd=out,
-                       env=dict(os.environ, KOLVEX_PAGE_DIR=str(out)), capture_output=True, text=True,
-                       timeout=120)
-    assert r.returncode == 0, r.stderr
+    write_test_page(native_build, "raster_test_page", out)
     im = Image.open(out / "raster_test_page.png")
     assert im.size == (1200, 850) and im.mode == "P"
     return np.asarray(im.convert("RGB"))

@@ -18,7 +18,7 @@ import pytest
 
 import kolvex
 from conftest import have, needs
-from test_native import native_build  # noqa: F401  (the fixture that builds the C++ tests)
+from test_native import native_build, write_test_page  # noqa: F401  (the fixture that builds the C++ tests)
 
 EXT = {"SVG": "svg", "IPE": "ipe", "JAVA": "java"}
 
@@ -179,10 +179,7 @@ def png_device_built(tmp_path):
 @pytest.fixture(scope="module")
 def page(native_build, tmp_path_factory):  # noqa: F811
     out = tmp_path_factory.mktemp("vector_page")
-    r = subprocess.run([os.path.join(native_build, "kolvex_cpptest"), "vector_test_page"], cwd=out,
-                       env=dict(os.environ, KOLVEX_PAGE_DIR=str(out)), capture_output=True, text=True,
-                       timeout=120)
-    assert r.returncode == 0, r.stderr
+    write_test_page(native_build, "vector_test_page", out)
     return out
 
 
