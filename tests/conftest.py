@@ -72,3 +72,27 @@ def native_build(*targets):
                        cwd=NATIVE_BUILD, capture_output=True, text=True)
     assert r.returncode == 0, r.stdout[-4000:] + r.stderr[-4000:]
     return NATIVE_BUILD
+
+
+def method_list():
+    """The module's 805 methods: {name: (format, gives, lock)}, as the table
+    writes them ('-' for none, 'own' for a method that parses its own)."""
+    out = {}
+    with open(os.path.join(ROOT, "tests", "data", "methods.txt"), encoding="utf-8") as f:
+        for line in f:
+            if line.startswith("#") or not line.strip():
+                continue
+            name, fmt, gives, lock = line.split()
+            out[name] = (fmt, gives, lock)
+    return out
+
+
+def bound_methods():
+    """The methods that the module offers, by name."""
+    return sorted(n for n in dir(kolvex) if not (n.startswith("__") and n.endswith("__")))
+
+
+def pytest_terminal_summary(terminalreporter):
+    listed = method_list()
+    bound = [n for n in bound_methods() if n in listed]
+    terminalreporter.write_line(f"kolvex binds {len(bound)} of the {len(listed)} methods")
