@@ -32,6 +32,12 @@ def test_every_bound_method_is_in_the_list(bound):
         assert (m.table_format, m.table_gives, m.lock) == METHODS[name], f"{name} differs from the list"
 
 
+def test_the_c_header_is_up_to_date():
+    with open(os.path.join(ROOT, "include", "kolvex.h"), encoding="utf-8") as f:
+        assert f.read() == gen_binding.header_text(list(TABLE.values())), \
+            "include/kolvex.h is stale: run tools/gen_binding.py"
+
+
 def test_the_module_has_nothing_but_its_methods():
     own = {n for n in dir(kolvex) if not (n.startswith("__") and n.endswith("__"))}
     assert own == set(BOUND)

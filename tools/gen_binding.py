@@ -360,14 +360,15 @@ class Method:
             for d in p.dims + ([p.expr] if p.expr else []):
                 for ident in dim_names(d):
                     q = next((q for q in self.params if q.name == ident), None)
-                    if q is None or q.role not in ("arg", "derived") or q.letter not in (None, "i", "d", "f"):
-                        raise TableError(f"{self.where}: {self.name}: {ident!r} in a length is no number argument")
+                    if q is None or q.type != "int" or q.role not in ("arg", "derived"):
+                        raise TableError(f"{self.where}: {self.name}: {ident!r} in a length is no int argument")
                     if p.expr and q.role == "derived" and self.params.index(q) >= self.params.index(p):
                         raise TableError(f"{self.where}: {self.name}: {p.name} uses {ident} before it is computed")
             if p.count and p.count != "return":
                 q = next((q for q in self.params if q.name == p.count), None)
-                if q is None or q.role not in ("arg", "outscalar", "inoutscalar", "derived"):
-                    raise TableError(f"{self.where}: {self.name}: unknown count {p.count!r}")
+                if q is None or q.type not in ("int", "int *") or q.role not in ("arg", "outscalar", "inoutscalar",
+                                                                                  "derived"):
+                    raise TableError(f"{self.where}: {self.name}: the count {p.count!r} is no int")
             if p.count == "return" and self.ret not in ("int",):
                 raise TableError(f"{self.where}: {self.name}: a count from the result needs an int result")
 
