@@ -93,11 +93,11 @@ bool convert(PyObject *item, T *out) {
     return false;
 }
 
-// Memory for n elements, freed with free().  Large arrays are aligned to
-// huge pages and asked to use them: a fresh array of many megabytes
-// otherwise costs a page fault every 4 KB, which made a conversion of big
-// data slower than copying it.  `zero` asks for zero-filled memory; the
-// converters that write every element don't need it.
+// Memory for n elements, freed with free().  Large arrays are asked to use
+// huge pages: a fresh array of many megabytes otherwise costs a page fault
+// every 4 KB, which made a conversion of big data slower than copying it.
+// `zero` asks for zero-filled memory (from calloc, which leaves untouched
+// pages uncommitted); the converters that write every element don't need it.
 template <typename T>
 T *allocate(Py_ssize_t n, bool zero) {
     if (n < 0) n = 0;
@@ -108,15 +108,17 @@ T *allocate(Py_ssize_t n, bool zero) {
     size_t bytes = (n ? (size_t)n : 1) * sizeof(T);
     const size_t huge = (size_t)2 << 20;
     void *p = nullptr;
-    if (bytes >= 2 * huge) {
-        if (posix_memalign(&p, huge, bytes) != 0) p = nullptr;
+    if (zero)
+        p = std::calloc(1, bytes);
+    else if (bytes < 2 * huge || posix_memalign(&p, huge, bytes) != 0)
+        p = std::malloc(bytes);
 #ifdef MADV_HUGEPAGE
-        if (p) madvise(p, bytes & ~(huge - 1), MADV_HUGEPAGE);
-#endif
-        if (p && zero) std::memset(p, 0, bytes);
-    } else {
-        p = zero ? std::calloc(1, bytes) : std::malloc(bytes);
+    if (p && bytes >= 2 * huge) {
+        uintptr_t from = ((uintptr_t)p + huge - 1) & ~(uintptr_t)(huge - 1);
+        uintptr_t to = ((uintptr_t)p + bytes) & ~(uintptr_t)(huge - 1);
+        if (to > from) madvise((void *)from, to - from, MADV_HUGEPAGE);
     }
+#endif
     if (!p) set_error(PyExc_MemoryError, "out of memory");
     return static_cast<T *>(p);
 }

@@ -243,35 +243,20 @@ PyObject *listed(T *a, Py_ssize_t n) {
     return list;
 }
 
-PyObject *py_db(PyObject *, PyObject *args) {
+// pydb(object, n) and its kin: the converted array as a list.
+template <typename T, T *(*convert)(PyObject *, Py_ssize_t)>
+PyObject *py_flat(PyObject *, PyObject *args) {
     PyObject *o;
     Py_ssize_t n;
     if (!PyArg_ParseTuple(args, "On", &o, &n)) return nullptr;
-    return listed(qqpydb(o, n), n);
+    return listed(convert(o, n), n);
 }
-PyObject *py_in(PyObject *, PyObject *args) {
-    PyObject *o;
-    Py_ssize_t n;
-    if (!PyArg_ParseTuple(args, "On", &o, &n)) return nullptr;
-    return listed(qqpyin(o, n), n);
-}
-PyObject *py_ib(PyObject *, PyObject *args) {
-    PyObject *o;
-    Py_ssize_t n;
-    if (!PyArg_ParseTuple(args, "On", &o, &n)) return nullptr;
-    return listed(qqpyib(o, n), n);
-}
-PyObject *py_d2(PyObject *, PyObject *args) {
+template <typename T, T *(*convert)(PyObject *, Py_ssize_t, Py_ssize_t)>
+PyObject *py_nested(PyObject *, PyObject *args) {
     PyObject *o;
     Py_ssize_t nx, ny;
     if (!PyArg_ParseTuple(args, "Onn", &o, &nx, &ny)) return nullptr;
-    return listed(qqpyd2(o, nx, ny), nx * ny);
-}
-PyObject *py_i2(PyObject *, PyObject *args) {
-    PyObject *o;
-    Py_ssize_t nx, ny;
-    if (!PyArg_ParseTuple(args, "Onn", &o, &nx, &ny)) return nullptr;
-    return listed(qqpyi2(o, nx, ny), nx * ny);
+    return listed(convert(o, nx, ny), nx * ny);
 }
 PyObject *py_d3(PyObject *, PyObject *args) {
     PyObject *o;
@@ -326,12 +311,18 @@ PyObject *py_last(PyObject *, PyObject *) {
 }
 
 PyMethodDef extra_methods[] = {
-    {"pydb", py_db, METH_VARARGS, nullptr},   {"pyin", py_in, METH_VARARGS, nullptr},
-    {"pyib", py_ib, METH_VARARGS, nullptr},   {"pyd2", py_d2, METH_VARARGS, nullptr},
-    {"pyi2", py_i2, METH_VARARGS, nullptr},   {"pyd3", py_d3, METH_VARARGS, nullptr},
-    {"pyln", py_ln, METH_VARARGS, nullptr},   {"pywd", py_wd, METH_VARARGS, nullptr},
-    {"pywi", py_wi, METH_VARARGS, nullptr},   {"pyconv", py_conv, METH_VARARGS, nullptr},
-    {"tlast", py_last, METH_NOARGS, nullptr}, {nullptr, nullptr, 0, nullptr},
+    {"pydb", py_flat<double, qqpydb>, METH_VARARGS, nullptr},
+    {"pyin", py_flat<int, qqpyin>, METH_VARARGS, nullptr},
+    {"pyib", py_flat<int, qqpyib>, METH_VARARGS, nullptr},
+    {"pyd2", py_nested<double, qqpyd2>, METH_VARARGS, nullptr},
+    {"pyi2", py_nested<int, qqpyi2>, METH_VARARGS, nullptr},
+    {"pyd3", py_d3, METH_VARARGS, nullptr},
+    {"pyln", py_ln, METH_VARARGS, nullptr},
+    {"pywd", py_wd, METH_VARARGS, nullptr},
+    {"pywi", py_wi, METH_VARARGS, nullptr},
+    {"pyconv", py_conv, METH_VARARGS, nullptr},
+    {"tlast", py_last, METH_NOARGS, nullptr},
+    {nullptr, nullptr, 0, nullptr},
 };
 
 struct PyModuleDef module_def = {
