@@ -204,3 +204,17 @@ def test_the_generator_refuses_lines_that_disagree(tmp_path):
         with pytest.raises(gen_binding.TableError):
             table(line)
     assert table("pdfbuf i s#i,si r int pdfbuf(out unsigned char *b[n:return], int n)")
+
+
+@pytest.mark.skipif(shutil.which("nm") is None, reason="nm is not installed")
+def test_every_routine_of_the_core_is_bound():
+    from conftest import native_build
+
+    build = native_build("kolvex_core")
+    lib = os.path.join(build, "libkolvex_core.a")
+    out = subprocess.run(["nm", "-g", "--defined-only", lib], capture_output=True, text=True, check=True).stdout
+    # Routines with C linkage: unmangled code symbols.
+    routines = {f[2] for f in (line.split() for line in out.splitlines()) if len(f) == 3 and f[1] == "T"
+                and not f[2].startswith("_Z")}
+    declared = {m.cname for m in TABLE.values() if m.decl}
+    assert routines - declared == set(), "routines of the core that no table line binds"

@@ -9,6 +9,7 @@ run; a failure names the seed, the method and the arguments.
 import math
 import os
 import random
+import re
 import sys
 
 import pytest
@@ -74,7 +75,7 @@ def value(rng, unit):
 
 def arguments(rng, name):
     fmt = METHODS[name][0]
-    units = [] if fmt in ("-", "own") else [u for u in __import__("re").findall(r"s#|.", fmt)]
+    units = [] if fmt in ("-", "own") else re.findall(r"s#|.", fmt)
     if fmt == "own":
         units = ["O"] * rng.randint(0, 5)
     args = [value(rng, u) for u in units]
@@ -96,9 +97,10 @@ def short(args):
 def counted(args):
     """The arguments whose references can be counted: objects made for the
     fuzz, not shared constants of the interpreter."""
-    return [a for a in args if isinstance(a, (list, tuple, dict, bytearray, Raises.BadLen, Raises.BadItem,
-                                              Raises.BadIndex, Raises.BadFloat)) or (np is not None and
-                                                                                     isinstance(a, np.ndarray))]
+    kinds = (list, tuple, dict, bytearray, Raises.BadLen, Raises.BadItem, Raises.BadIndex, Raises.BadFloat)
+    if np is not None:
+        kinds += (np.ndarray,)
+    return [a for a in args if isinstance(a, kinds)]
 
 
 def fuzz(level, rng, failures):

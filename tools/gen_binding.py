@@ -133,7 +133,8 @@ class Param:
         self.expr = None
         if "=" in text:
             text, self.expr = [s.strip() for s in text.split("=", 1)]
-        m = re.match(r"^(?:(?P<kw>out|inout|work)\s+)?(?P<type>.*?)(?P<name>\w+)\s*(?P<dims>(\[[^\]]*\])*)$", text)
+        m = re.match(r"^(?:(?P<kw>out|inout|work)\s+)?(?P<type>.*?)(?P<name>\w+)\s*"
+                     r"(?P<dims>(\[[^\]]*\])*)$", text)
         if not m:
             raise TableError(f"{where}: cannot read parameter {text!r}")
         kw = m.group("kw")
@@ -302,6 +303,9 @@ class Method:
         elif not self.special:
             raise TableError(f"{where}: {self.name} needs a declaration")
 
+    def error(self, text):
+        return TableError(f"{self.where}: {self.name}: {text}")
+
     @property
     def lock(self):
         return "r" if self.release else "-"
@@ -328,16 +332,17 @@ class Method:
             out.append((SCALARS[self.ret], "ret"))
         for p in self.params:
             if p.role in ("outscalar", "inoutscalar", "outtext"):
-                out.append((p.result, {"outscalar": "r_", "inoutscalar": "a_", "outtext": "t_"}[p.role] + p.name))
+                prefix = {"outscalar": "r_", "inoutscalar": "a_", "outtext": "t_"}[p.role]
+                out.append((p.result, prefix + p.name))
         return out
 
     # The format and result letters must agree with the declaration.
     def check(self):
         fmt = self.computed_format()
         if fmt != self.format:
-            raise TableError(f"{self.where}: {self.name}: format {self.format!r} but the declaration gives {fmt!r}")
+            raise self.error(f"format {self.format!r} but the declaration gives {fmt!r}")
         if self.ret != "void" and self.ret not in SCALARS:
-            raise TableError(f"{self.where}: {self.name}: result type {self.ret!r}")
+            raise self.error(f"result type {self.ret!r}")
         res = "".join(letter for letter, _ in self.results())
         sized = [p for p in self.params if p.role == "outbytes"]
         want = [res]
@@ -347,13 +352,13 @@ class Method:
             named = {q.name: q for q in self.params}
             if (len(sized) > 1 or self.ret != "int" or size not in named or named[size].role != "arg"
                     or named[size].letter != "i"):
-                raise TableError(f"{self.where}: {self.name}: a bytes result needs an int result and its size as an int argument")
-            if any(q.role in ("in", "inout", "out", "work", "bytes", "text", "outtext", "outscalar", "inoutscalar")
-                   for q in self.params):
-                raise TableError(f"{self.where}: {self.name}: a bytes result goes with plain arguments only")
+                raise self.error("a bytes result needs an int result and its size as an int argument")
+            if any(q.role not in ("arg", "derived", "outbytes") for q in self.params):
+                raise self.error("a bytes result goes with plain arguments only")
             want = ["s#i", "si"]
         if self.gives != want and not (not self.gives and want == [""]):
-            raise TableError(f"{self.where}: {self.name}: gives {','.join(self.gives) or '-'} but the declaration gives {','.join(want) or '-'}")
+            given, declared = ",".join(self.gives) or "-", ",".join(want) or "-"
+            raise self.error(f"gives {given} but the declaration gives {declared}")
         for p in self.params:
             # Lengths may name parameters that come later too (x[n], n); a
             # computed value may use the arguments and the values before it.
@@ -361,22 +366,35 @@ class Method:
                 for ident in dim_names(d):
                     q = next((q for q in self.params if q.name == ident), None)
                     if q is None or q.type != "int" or q.role not in ("arg", "derived"):
-                        raise TableError(f"{self.where}: {self.name}: {ident!r} in a length is no int argument")
+                        raise self.error(f"{ident!r} in a length is no int argument")
                     if p.expr and q.role == "derived" and self.params.index(q) >= self.params.index(p):
-                        raise TableError(f"{self.where}: {self.name}: {p.name} uses {ident} before it is computed")
+                        raise self.error(f"{p.name} uses {ident} before it is computed")
             if p.count and p.count != "return":
                 q = next((q for q in self.params if q.name == p.count), None)
-                if q is None or q.type not in ("int", "int *") or q.role not in ("arg", "outscalar", "inoutscalar",
-                                                                                  "derived"):
-                    raise TableError(f"{self.where}: {self.name}: the count {p.count!r} is no int")
+                roles = ("arg", "outscalar", "inoutscalar", "derived")
+                if q is None or q.type not in ("int", "int *") or q.role not in roles:
+                    raise self.error(f"the count {p.count!r} is no int")
             if p.count == "return" and self.ret not in ("int",):
-                raise TableError(f"{self.where}: {self.name}: a count from the result needs an int result")
+                raise self.error("a count from the result needs an int result")
 
     # ---- output ---------------------------------------------------------------
     def header_decl(self):
         params = ", ".join(p.c_text() for p in self.params) or "void"
         sep = "" if self.ret.endswith("*") else " "
         return f"KOLVEX_API {self.ret}{sep}{self.cname}({params}) KOLVEX_NOEXCEPT;"
+
+    def count_args(self):
+        """The int arguments that size arrays: one below 1 makes the method
+        return None at once."""
+        counts = []
+        args = {p.name for p in self.params if p.role == "arg" and p.letter == "i"}
+        for p in self.params:
+            if p.role in ("in", "inout", "out", "work"):
+                for d in p.dims:
+                    for ident in dim_names(d):
+                        if ident in args and ident not in counts:
+                            counts.append(ident)
+        return counts
 
     def fn_name(self):
         return f"kxs_{self.name}" if self.special else f"kxw_{self.name}"
@@ -397,7 +415,8 @@ class Method:
         cargs = ", ".join("buffer" if p is buf else ("size" if p.name == buf.dims[0] else p.local())
                           for p in self.params)
         rel = "true" if self.release else "false"
-        L.append(f'    return kxpy_sized_bytes("{n}", a_{buf.dims[0]}, {rel}, [&](unsigned char *buffer, int size) {{')
+        lam = "[&](unsigned char *buffer, int size)"
+        L.append(f'    return kxpy_sized_bytes("{n}", a_{buf.dims[0]}, {rel}, {lam} {{')
         L.append(f"        return {self.cname}({cargs});")
         L.append("    });")
         L.append("}")
@@ -413,7 +432,10 @@ class Method:
         else:
             args = [f"arg{i}: {'Any' if u == 'O' else PYTYPES[u]}" for i, u in enumerate(fmt_units)]
         sig = ", ".join(args + ["/"]) if args else ""
-        return f"def {self.name}({sig}) -> {result_type(self.gives)}: ..."
+        result = result_type(self.gives)
+        if result != "None" and self.decl and self.count_args():
+            result += " | None"  # a count below 1
+        return f"def {self.name}({sig}) -> {result}: ..."
 
 
 def c_dim(expr):
@@ -444,6 +466,11 @@ def c_dim(expr):
     return f"({out})"
 
 
+def array_size(p):
+    """The number of elements of an array parameter, as a KxDim expression."""
+    return c_dim(p.dims[0]) if len(p.dims) == 1 else f"({' * '.join(c_dim(d) for d in p.dims)})"
+
+
 def parse_lines(m):
     """Declarations of the parse targets, the parse, and the count test."""
     L, addrs = [], []
@@ -463,14 +490,7 @@ def parse_lines(m):
     targets = "".join(", " + a for a in addrs)
     L.append(f'    if (!PyArg_ParseTuple(args, "{m.format}:{m.name}"{targets})) return kxpy_argfail();')
     # A count below 1 among the arguments that size the arrays: nothing happens.
-    counts = []
-    args = {p.name: p for p in m.params if p.role == "arg" and p.letter == "i"}
-    for p in m.params:
-        if p.role in ("in", "inout", "out", "work"):
-            for d in p.dims:
-                for ident in dim_names(d):
-                    if ident in args and ident not in counts:
-                        counts.append(ident)
+    counts = m.count_args()
     if counts:
         L.append(f"    if ({' || '.join(f'a_{c} < 1' for c in counts)}) Py_RETURN_NONE;")
     return L
@@ -545,7 +565,7 @@ class Wrapper:
             return [f"    {p.elem} *v_{p.name} = {fn}(o_{p.name}, {', '.join(dims)});"]
         if p.role in ("out", "work"):
             alloc = {"double": "kxpy_zeros_d", "int": "kxpy_zeros_i"}[p.elem]
-            size = f"({' * '.join(c_dim(d) for d in p.dims)}).size()" if len(p.dims) > 1 else dims[0]
+            size = f"{array_size(p)}.size()"
             owned.append(f"v_{p.name}")
             if p.role == "out":
                 return [f"    {p.elem} *v_{p.name} = kxpy_is_output(o_{p.name}) ? {alloc}({size}) : nullptr;"]
@@ -559,7 +579,8 @@ class Wrapper:
         need = dims[0]
         if self.m.release:
             owned.append(f"c_{p.name}")
-            return [f"    char *c_{p.name} = kxpy_enough(l_{p.name}, {need}) ? kxpy_bytecopy(a_{p.name}, {need}) : nullptr;"]
+            copy = f"kxpy_bytecopy(a_{p.name}, {need})"
+            return [f"    char *c_{p.name} = kxpy_enough(l_{p.name}, {need}) ? {copy} : nullptr;"]
         return [f"    kxpy_enough(l_{p.name}, {need});"]
 
     def carg(self, p):
@@ -573,7 +594,7 @@ class Wrapper:
         for p in self.m.params:
             if p.role not in ("inout", "out"):
                 continue
-            total = f"({' * '.join(c_dim(d) for d in p.dims)}).size()" if len(p.dims) > 1 else c_dim(p.dims[0]) + ".size()"
+            total = f"{array_size(p)}.size()"
             if p.count:
                 q = next((q for q in self.m.params if q.name == p.count), None)
                 cnt = "ret" if p.count == "return" else {"outscalar": "r_"}.get(q.role, "a_") + p.count

@@ -15,7 +15,9 @@ const char kNoFloat[] = "no floatingpoint element in sequence";
 const char kNoInt[] = "no integer element in sequence";
 const char kSequenceError[] = "sequence error";
 
-void set_error(PyObject *type, const char *message) { PyErr_SetString(type, message); }
+void set_error(PyObject *type, const char *message) {
+    PyErr_SetString(type, message);
+}
 
 // ---- elements of the generic path ---------------------------------------------------
 
@@ -128,7 +130,9 @@ T *zeros(Py_ssize_t n) {
     return allocate<T>(n, true);
 }
 
-Py_ssize_t product(Py_ssize_t a, Py_ssize_t b) { return (KxDim(a) * KxDim(b)).size(); }
+Py_ssize_t product(Py_ssize_t a, Py_ssize_t b) {
+    return (KxDim(a) * KxDim(b)).size();
+}
 
 // ---- the buffer fast path -------------------------------------------------------------
 
@@ -140,14 +144,16 @@ Kind kind_of(const Py_buffer &view) {
     if (*f == '@' || *f == '=' || (*f == '<' && PY_LITTLE_ENDIAN)) ++f;
     if (f[0] == '\0' || f[1] != '\0') return Kind::None;
     switch (f[0]) {
-    case 'd': return view.itemsize == 8 ? Kind::F64 : Kind::None;
-    case 'i':
-    case 'l':
-    case 'q':
-        if (view.itemsize == 4) return Kind::I32;
-        if (view.itemsize == 8) return Kind::I64;
-        return Kind::None;
-    default: return Kind::None;
+        case 'd':
+            return view.itemsize == 8 ? Kind::F64 : Kind::None;
+        case 'i':
+        case 'l':
+        case 'q':
+            if (view.itemsize == 4) return Kind::I32;
+            if (view.itemsize == 8) return Kind::I64;
+            return Kind::None;
+        default:
+            return Kind::None;
     }
 }
 
@@ -240,9 +246,12 @@ bool read_row(const char *p, Py_ssize_t stride, Py_ssize_t n, T *a) {
 template <typename T>
 bool read_strided(Kind kind, const char *p, Py_ssize_t stride, Py_ssize_t n, T *a) {
     switch (kind) {
-    case Kind::F64: return read_row<Kind::F64>(p, stride, n, a);
-    case Kind::I32: return read_row<Kind::I32>(p, stride, n, a);
-    default: return read_row<Kind::I64>(p, stride, n, a);
+        case Kind::F64:
+            return read_row<Kind::F64>(p, stride, n, a);
+        case Kind::I32:
+            return read_row<Kind::I32>(p, stride, n, a);
+        default:
+            return read_row<Kind::I64>(p, stride, n, a);
     }
 }
 
@@ -271,7 +280,7 @@ Fast from_buffer(PyObject *slot, int levels, Py_ssize_t need, T **out) {
         set_error(PyExc_MemoryError, "out of range");
         return Fast::Failed;
     }
-    if (levels == 1) total = need;  // a flat array holds just the count
+    if (levels == 1) total = need;     // a flat array holds just the count
     T *a = allocate<T>(total, false);  // every element is written below
     if (!a) return Fast::Failed;
     bool ok = true;
@@ -297,9 +306,12 @@ template <typename T>
 T *flat(PyObject *slot, Py_ssize_t n, PyObject *fetch_error) {
     T *fast = nullptr;
     switch (from_buffer<T>(slot, 1, n, &fast)) {
-    case Fast::Done: return fast;
-    case Fast::Failed: return nullptr;
-    case Fast::NotTaken: break;
+        case Fast::Done:
+            return fast;
+        case Fast::Failed:
+            return nullptr;
+        case Fast::NotTaken:
+            break;
     }
     Py_ssize_t len = qqpyln(slot);
     if (len < 0) return nullptr;
@@ -377,9 +389,12 @@ template <typename T>
 T *nested(PyObject *slot, int levels, Py_ssize_t need) {
     T *fast = nullptr;
     switch (from_buffer<T>(slot, levels, need, &fast)) {
-    case Fast::Done: return fast;
-    case Fast::Failed: return nullptr;
-    case Fast::NotTaken: break;
+        case Fast::Done:
+            return fast;
+        case Fast::Failed:
+            return nullptr;
+        case Fast::NotTaken:
+            break;
     }
     Py_ssize_t outer = qqpyln(slot);
     if (outer < 0) return nullptr;
@@ -463,8 +478,12 @@ bool write_buffer(const T *array, PyObject *seq, Py_ssize_t n) {
     return true;
 }
 
-PyObject *boxed(double v) { return PyFloat_FromDouble(v); }
-PyObject *boxed(int v) { return PyLong_FromLong(v); }
+PyObject *boxed(double v) {
+    return PyFloat_FromDouble(v);
+}
+PyObject *boxed(int v) {
+    return PyLong_FromLong(v);
+}
 
 // Sets seq[i] = v; false when the write fails (the error is dropped).
 template <typename T>
@@ -482,7 +501,8 @@ void write_back(const T *array, PyObject *seq, Py_ssize_t n, bool nested) {
     Py_ssize_t row = 0;
     if (nested) {
         PyObject *first = PySequence_GetItem(seq, 0);
-        if (first && PySequence_Check(first) && !PyUnicode_Check(first)) row = PySequence_Size(first);
+        if (first && PySequence_Check(first) && !PyUnicode_Check(first))
+            row = PySequence_Size(first);
         Py_XDECREF(first);
         PyErr_Clear();
     }
@@ -498,7 +518,8 @@ void write_back(const T *array, PyObject *seq, Py_ssize_t n, bool nested) {
             return;
         }
         bool ok = true;
-        for (Py_ssize_t j = 0; ok && j < row && i * row + j < n; ++j) ok = set_item(r, j, array[i * row + j]);
+        for (Py_ssize_t j = 0; ok && j < row && i * row + j < n; ++j)
+            ok = set_item(r, j, array[i * row + j]);
         Py_DECREF(r);
         if (!ok) return;
     }
@@ -522,8 +543,12 @@ Py_ssize_t qqpyln(PyObject *object) {
     return n;
 }
 
-double *qqpydb(PyObject *slot, Py_ssize_t n) { return flat<double>(slot, n, PyExc_ValueError); }
-int *qqpyin(PyObject *slot, Py_ssize_t n) { return flat<int>(slot, n, PyExc_MemoryError); }
+double *qqpydb(PyObject *slot, Py_ssize_t n) {
+    return flat<double>(slot, n, PyExc_ValueError);
+}
+int *qqpyin(PyObject *slot, Py_ssize_t n) {
+    return flat<int>(slot, n, PyExc_MemoryError);
+}
 
 int *qqpyib(PyObject *slot, Py_ssize_t n) {
     if (slot == Py_None) return zeros<int>(n);
@@ -535,24 +560,37 @@ int *qqpyib(PyObject *slot, Py_ssize_t n) {
     return flat<int>(slot, n, PyExc_MemoryError);
 }
 
-double *qqpyd2(PyObject *slot, Py_ssize_t nx, Py_ssize_t ny) { return nested<double>(slot, 2, product(nx, ny)); }
-int *qqpyi2(PyObject *slot, Py_ssize_t nx, Py_ssize_t ny) { return nested<int>(slot, 2, product(nx, ny)); }
+double *qqpyd2(PyObject *slot, Py_ssize_t nx, Py_ssize_t ny) {
+    return nested<double>(slot, 2, product(nx, ny));
+}
+int *qqpyi2(PyObject *slot, Py_ssize_t nx, Py_ssize_t ny) {
+    return nested<int>(slot, 2, product(nx, ny));
+}
 double *qqpyd3(PyObject *slot, Py_ssize_t nx, Py_ssize_t ny, Py_ssize_t nz) {
     return nested<double>(slot, 3, product(product(nx, ny), nz));
 }
 
-void qqpywd(const double *array, PyObject *sequence, Py_ssize_t n) { write_back(array, sequence, n, false); }
-void qqpywi(const int *array, PyObject *sequence, Py_ssize_t n) { write_back(array, sequence, n, false); }
-void qqpywd2(const double *array, PyObject *sequence, Py_ssize_t n) { write_back(array, sequence, n, true); }
-void qqpywi2(const int *array, PyObject *sequence, Py_ssize_t n) { write_back(array, sequence, n, true); }
+void qqpywd(const double *array, PyObject *sequence, Py_ssize_t n) {
+    write_back(array, sequence, n, false);
+}
+void qqpywi(const int *array, PyObject *sequence, Py_ssize_t n) {
+    write_back(array, sequence, n, false);
+}
+void qqpywd2(const double *array, PyObject *sequence, Py_ssize_t n) {
+    write_back(array, sequence, n, true);
+}
+void qqpywi2(const int *array, PyObject *sequence, Py_ssize_t n) {
+    write_back(array, sequence, n, true);
+}
 
 // ---- arguments, failures and results ----------------------------------------------------
 
 PyObject *kxpy_argfail() {
     if (!PyErr_Occurred()) return nullptr;
     bool overflow = PyErr_ExceptionMatches(PyExc_OverflowError);
-    if (!overflow && (PyErr_ExceptionMatches(PyExc_TypeError) || PyErr_ExceptionMatches(PyExc_ValueError) ||
-                      PyErr_ExceptionMatches(PyExc_MemoryError) || !PyErr_ExceptionMatches(PyExc_Exception)))
+    if (!overflow &&
+        (PyErr_ExceptionMatches(PyExc_TypeError) || PyErr_ExceptionMatches(PyExc_ValueError) ||
+         PyErr_ExceptionMatches(PyExc_MemoryError) || !PyErr_ExceptionMatches(PyExc_Exception)))
         return nullptr;  // already one of ours, or an interrupt that must pass
     PyObject *type, *value, *tb;
     PyErr_Fetch(&type, &value, &tb);
@@ -589,8 +627,12 @@ bool KxErrStash::restore() {
     return true;
 }
 
-double *kxpy_zeros_d(Py_ssize_t n) { return zeros<double>(n); }
-int *kxpy_zeros_i(Py_ssize_t n) { return zeros<int>(n); }
+double *kxpy_zeros_d(Py_ssize_t n) {
+    return zeros<double>(n);
+}
+int *kxpy_zeros_i(Py_ssize_t n) {
+    return zeros<int>(n);
+}
 
 bool kxpy_is_output(PyObject *sequence) {
     if (PySequence_Check(sequence)) return true;

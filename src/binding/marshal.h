@@ -100,19 +100,30 @@ struct KxDim {
     static constexpr long long kMax = 1LL << 62;
     constexpr KxDim(long long x) : v(x > kMax ? kMax : (x < -kMax ? -kMax : x)) {}
     // The size for an allocation or a length test: 0 for a negative value.
-    Py_ssize_t size() const { return v < 0 ? 0 : (v > PY_SSIZE_T_MAX ? PY_SSIZE_T_MAX : (Py_ssize_t)v); }
+    Py_ssize_t size() const {
+        return v < 0 ? 0 : (v > PY_SSIZE_T_MAX ? PY_SSIZE_T_MAX : (Py_ssize_t)v);
+    }
     // A computed int argument of a routine, held to the int range.
     int as_int() const { return v < INT_MIN ? INT_MIN : (v > INT_MAX ? INT_MAX : (int)v); }
 };
-inline KxDim operator+(KxDim a, KxDim b) { return KxDim(a.v + b.v); }
-inline KxDim operator-(KxDim a, KxDim b) { return KxDim(a.v - b.v); }
-inline KxDim operator/(KxDim a, KxDim b) { return KxDim(b.v == 0 ? 0 : a.v / b.v); }
+inline KxDim operator+(KxDim a, KxDim b) {
+    return KxDim(a.v + b.v);
+}
+inline KxDim operator-(KxDim a, KxDim b) {
+    return KxDim(a.v - b.v);
+}
+inline KxDim operator/(KxDim a, KxDim b) {
+    return KxDim(b.v == 0 ? 0 : a.v / b.v);
+}
 inline KxDim operator*(KxDim a, KxDim b) {
     long long r;
-    if (__builtin_mul_overflow(a.v, b.v, &r)) return KxDim((a.v < 0) != (b.v < 0) ? -KxDim::kMax : KxDim::kMax);
+    if (__builtin_mul_overflow(a.v, b.v, &r))
+        return KxDim((a.v < 0) != (b.v < 0) ? -KxDim::kMax : KxDim::kMax);
     return KxDim(r);
 }
-inline Py_ssize_t kxpy_min(Py_ssize_t a, Py_ssize_t b) { return a < b ? a : b; }
+inline Py_ssize_t kxpy_min(Py_ssize_t a, Py_ssize_t b) {
+    return a < b ? a : b;
+}
 // The count written back: the array size, limited by a count that the
 // routine returned (negative counts write nothing).
 inline Py_ssize_t kxpy_limit(Py_ssize_t size, long long count) {
@@ -171,31 +182,20 @@ PyObject *kxpy_bytes(const void *data, Py_ssize_t n);
 // one type whatever the size.
 template <typename Call>
 PyObject *kxpy_sized_bytes(const char *name, int size, bool release, Call call) {
-    int status = 0;
     if (size < 0) return Py_BuildValue("Ni", kxpy_bytes(nullptr, 0), 0);
-    if (size == 0) {
-        if (release) {
-            Py_BEGIN_ALLOW_THREADS
-            status = call(nullptr, 0);
-            Py_END_ALLOW_THREADS
-        } else {
-            status = call(nullptr, 0);
+    KxOwned<unsigned char> buffer;
+    if (size > 0) {
+        buffer.reset(static_cast<unsigned char *>(std::calloc((size_t)size, 1)));
+        if (!buffer) {
+            PyErr_Format(PyExc_MemoryError, "out of memory in %s", name);
+            return nullptr;
         }
-        return Py_BuildValue("Ni", kxpy_bytes(nullptr, 0), status);
     }
-    KxOwned<unsigned char> buffer(static_cast<unsigned char *>(std::calloc((size_t)size, 1)));
-    if (!buffer) {
-        PyErr_Format(PyExc_MemoryError, "out of memory in %s", name);
-        return nullptr;
-    }
-    if (release) {
-        Py_BEGIN_ALLOW_THREADS
-        status = call(buffer.get(), size);
-        Py_END_ALLOW_THREADS
-    } else {
-        status = call(buffer.get(), size);
-    }
-    return Py_BuildValue("Ni", kxpy_bytes(buffer.get(), kxpy_limit(size, status)), status);
+    PyThreadState *unlocked = release ? PyEval_SaveThread() : nullptr;
+    int status = call(buffer.get(), size);  // size 0: a null buffer, asking for the size
+    if (unlocked) PyEval_RestoreThread(unlocked);
+    Py_ssize_t length = size > 0 ? kxpy_limit(size, status) : 0;
+    return Py_BuildValue("Ni", kxpy_bytes(buffer.get(), length), status);
 }
 
 // Module-level state that several wrappers share.

@@ -29,7 +29,17 @@
 #include "wrappers.inc"
 
 static struct PyModuleDef kolvex_module = {
-    PyModuleDef_HEAD_INIT, "kolvex", nullptr, -1, kolvex_methods, nullptr, nullptr, nullptr, nullptr,
+    PyModuleDef_HEAD_INIT,
+    "kolvex",
+    nullptr,
+    -1,
+    kolvex_methods,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
 };
 
-PyMODINIT_FUNC PyInit_kolvex(void) { return PyModule_Create2(&kolvex_module, 1013); }
+PyMODINIT_FUNC PyInit_kolvex(void) {
+    return PyModule_Create2(&kolvex_module, 1013);
+}

@@ -37,8 +37,12 @@ void record(int n) {
     rec.s.clear();
     rec.n = n;
 }
-void keep(const double *x, long n) { rec.d.insert(rec.d.end(), x, x + n); }
-void keep(const int *k, long n) { rec.i.insert(rec.i.end(), k, k + n); }
+void keep(const double *x, long n) {
+    rec.d.insert(rec.d.end(), x, x + n);
+}
+void keep(const int *k, long n) {
+    rec.i.insert(rec.i.end(), k, k + n);
+}
 
 int wait_for_signal(int ms) {
     signalled = 0;
@@ -83,7 +87,9 @@ void tshade(const int *k, const int *p, int n) noexcept {
     keep(k, n);
     keep(p, n);
 }
-void tflat(const double *z, int nx, int ny) noexcept { tmat(z, nx, ny); }
+void tflat(const double *z, int nx, int ny) noexcept {
+    tmat(z, nx, ny);
+}
 void tfill(double *x, int n) noexcept {
     record(n);
     keep(x, n);
@@ -210,10 +216,18 @@ int twait(int ms) noexcept {
     record(ms);
     return wait_for_signal(ms);
 }
-int twaitl(int ms) noexcept { return twait(ms); }
-void tsignal() noexcept { signalled = 1; }
-int tdepth() noexcept { return depth; }
-void tsetdep(int d) noexcept { depth = d; }
+int twaitl(int ms) noexcept {
+    return twait(ms);
+}
+void tsignal() noexcept {
+    signalled = 1;
+}
+int tdepth() noexcept {
+    return depth;
+}
+void tsetdep(int d) noexcept {
+    depth = d;
+}
 
 #include "marshal_test.inc"
 
@@ -225,7 +239,8 @@ template <typename T>
 PyObject *as_list(const T *a, Py_ssize_t n) {
     PyObject *list = PyList_New(n);
     for (Py_ssize_t j = 0; list && j < n; ++j) {
-        PyObject *v = std::is_same<T, double>::value ? PyFloat_FromDouble((double)a[j]) : PyLong_FromLong((long)a[j]);
+        PyObject *v = std::is_same<T, double>::value ? PyFloat_FromDouble((double)a[j])
+                                                     : PyLong_FromLong((long)a[j]);
         if (!v) {
             Py_CLEAR(list);
             break;
@@ -275,7 +290,8 @@ PyObject *py_ln(PyObject *, PyObject *args) {
 // into `sequence` as a wrapper does after its call.
 template <typename T>
 PyObject *py_write(PyObject *args, T *(*convert)(PyObject *, Py_ssize_t),
-                   void (*flat)(const T *, PyObject *, Py_ssize_t), void (*nested)(const T *, PyObject *, Py_ssize_t)) {
+                   void (*flat)(const T *, PyObject *, Py_ssize_t),
+                   void (*nested)(const T *, PyObject *, Py_ssize_t)) {
     PyObject *values, *seq;
     Py_ssize_t n;
     int two = 0;
@@ -289,8 +305,12 @@ PyObject *py_write(PyObject *args, T *(*convert)(PyObject *, Py_ssize_t),
     if (PyErr_Occurred()) return nullptr;  // a write-back must leave none behind
     Py_RETURN_NONE;
 }
-PyObject *py_wd(PyObject *, PyObject *args) { return py_write<double>(args, qqpydb, qqpywd, qqpywd2); }
-PyObject *py_wi(PyObject *, PyObject *args) { return py_write<int>(args, qqpyin, qqpywi, qqpywi2); }
+PyObject *py_wd(PyObject *, PyObject *args) {
+    return py_write<double>(args, qqpydb, qqpywd, qqpywd2);
+}
+PyObject *py_wi(PyObject *, PyObject *args) {
+    return py_write<int>(args, qqpyin, qqpywi, qqpywi2);
+}
 
 // pyconv(kind, object, n): converts and frees, nothing else; for timing.
 PyObject *py_conv(PyObject *, PyObject *args) {
@@ -305,8 +325,9 @@ PyObject *py_conv(PyObject *, PyObject *args) {
 }
 
 PyObject *py_last(PyObject *, PyObject *) {
-    return Py_BuildValue("{s:l,s:N,s:N,s:s#,s:l}", "calls", rec.calls, "d", as_list(rec.d.data(), (Py_ssize_t)rec.d.size()),
-                         "i", as_list(rec.i.data(), (Py_ssize_t)rec.i.size()), "s", rec.s.data(),
+    return Py_BuildValue("{s:l,s:N,s:N,s:s#,s:l}", "calls", rec.calls, "d",
+                         as_list(rec.d.data(), (Py_ssize_t)rec.d.size()), "i",
+                         as_list(rec.i.data(), (Py_ssize_t)rec.i.size()), "s", rec.s.data(),
                          (Py_ssize_t)rec.s.size(), "n", rec.n);
 }
 
@@ -326,7 +347,15 @@ PyMethodDef extra_methods[] = {
 };
 
 struct PyModuleDef module_def = {
-    PyModuleDef_HEAD_INIT, "kolvex_marshal_test", nullptr, -1, kolvex_methods, nullptr, nullptr, nullptr, nullptr,
+    PyModuleDef_HEAD_INIT,
+    "kolvex_marshal_test",
+    nullptr,
+    -1,
+    kolvex_methods,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
 };
 
 }  // namespace
