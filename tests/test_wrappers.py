@@ -159,9 +159,13 @@ def test_output_arrays_are_not_read(mt):
     z = [[None] * 3, [None] * 3]
     mt.tgetm(z, 2, 3)
     assert z == [[0.0, 1.0, 2.0], [3.0, 4.0, 5.0]]
-    w = []
-    mt.tgetm(w, 2, 3)  # nowhere to write: nothing happens
-    assert w == []
+    with pytest.raises(MemoryError, match="^out of range$"):
+        mt.tgetm([[0, 0, 0]], 2, 3)  # no room for what the routine writes
+    with pytest.raises(MemoryError, match="^out of range$"):
+        mt.thist([1, 2], 2, [0])
+    t = (0,) * 6
+    mt.tgetm(t, 2, 3)  # room, but no writes
+    assert t == (0,) * 6
 
 
 def test_out_parameters_and_results(mt):

@@ -41,10 +41,12 @@ lengths in brackets after its name:
     int *k[n]             the routine and written back after the call
     double *x[n:count]    written back, but only as many elements as `count`:
                           a result ('return', an out-parameter) or argument
-    out double *x[n]      an output array: the caller's sequence is not read,
-    out int *k[n:count]   the routine gets n zeros, and the elements are
-                          written back as above
-    work double *w[n]     a scratch array of n zeros: no argument, no result
+    out double *x[n]      an output array: the caller's sequence is not read
+    out int *k[n:count]   but must have room for n elements (rows count when
+                          it is nested), the routine gets n zeros, and the
+                          elements are written back as above
+    work double *w[n]     a scratch array of n zeros, made once every argument
+                          has passed: no argument, no result
     int *r  double *r  float *r
                           an out-parameter: part of the result
     inout int *r          an argument (format letter) whose new value is also
@@ -523,7 +525,8 @@ class Wrapper:
             if p.role == "outscalar":
                 L.append(f"    {p.type[:-2]} r_{p.name} = 0;")
         owned = []  # locals freed at the end
-        checks = [p for p in m.params if p.role in ("in", "inout", "out", "work", "text", "outtext", "bytes")]
+        checks = [p for p in m.params if p.role in ("in", "inout", "out", "text", "outtext", "bytes")]
+        checks += [p for p in m.params if p.role == "work"]
         if checks:
             L.append("    KxErrStash err;")
         for p in checks:
@@ -563,13 +566,16 @@ class Wrapper:
                     raise TableError(f"{self.m.where}: 3-D arrays are double")
             owned.append(f"v_{p.name}")
             return [f"    {p.elem} *v_{p.name} = {fn}(o_{p.name}, {', '.join(dims)});"]
-        if p.role in ("out", "work"):
-            alloc = {"double": "kxpy_zeros_d", "int": "kxpy_zeros_i"}[p.elem]
-            size = f"{array_size(p)}.size()"
+        if p.role == "out":
+            alloc = {"double": "kxpy_out_d", "int": "kxpy_out_i"}[p.elem]
+            nested = "true" if len(p.dims) > 1 else "false"
             owned.append(f"v_{p.name}")
-            if p.role == "out":
-                return [f"    {p.elem} *v_{p.name} = kxpy_is_output(o_{p.name}) ? {alloc}({size}) : nullptr;"]
-            return [f"    {p.elem} *v_{p.name} = {alloc}({size});"]
+            return [f"    {p.elem} *v_{p.name} = {alloc}(o_{p.name}, {array_size(p)}.size(), {nested});"]
+        if p.role == "work":
+            # Scratch memory only once the caller's data has passed.
+            alloc = {"double": "kxpy_zeros_d", "int": "kxpy_zeros_i"}[p.elem]
+            owned.append(f"v_{p.name}")
+            return [f"    {p.elem} *v_{p.name} = err.failed() ? nullptr : {alloc}({array_size(p)}.size());"]
         if p.role in ("text", "outtext"):
             room = dims[0] if dims else "-1"
             src = f"a_{p.name}" if p.role == "text" else '""'

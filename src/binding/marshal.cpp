@@ -634,10 +634,37 @@ int *kxpy_zeros_i(Py_ssize_t n) {
     return zeros<int>(n);
 }
 
-bool kxpy_is_output(PyObject *sequence) {
-    if (PySequence_Check(sequence)) return true;
-    set_error(PyExc_ValueError, "parameter is not a sequence");
-    return false;
+namespace {
+
+// An output array must have room for what the routine writes: its length,
+// times the length of its first row when it holds rows.
+template <typename T>
+T *output(PyObject *sequence, Py_ssize_t n, bool nested) {
+    Py_ssize_t room = qqpyln(sequence);
+    if (room < 0) return nullptr;
+    if (nested && room > 0) {
+        PyObject *first = PySequence_GetItem(sequence, 0);
+        Py_ssize_t row = 1;
+        if (first && PySequence_Check(first) && !PyUnicode_Check(first))
+            row = PySequence_Size(first);
+        Py_XDECREF(first);
+        PyErr_Clear();
+        room = product(room, row < 1 ? 1 : row);
+    }
+    if (room < n) {
+        set_error(PyExc_MemoryError, "out of range");
+        return nullptr;
+    }
+    return zeros<T>(n);
+}
+
+}  // namespace
+
+double *kxpy_out_d(PyObject *sequence, Py_ssize_t n, bool nested) {
+    return output<double>(sequence, n, nested);
+}
+int *kxpy_out_i(PyObject *sequence, Py_ssize_t n, bool nested) {
+    return output<int>(sequence, n, nested);
 }
 
 char *kxpy_textbuf(const char *text, Py_ssize_t room) {

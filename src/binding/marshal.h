@@ -143,9 +143,13 @@ using KxOwned = std::unique_ptr<T[], KxFree>;
 // "out of memory" set when there is no memory.
 double *kxpy_zeros_d(Py_ssize_t n);
 int *kxpy_zeros_i(Py_ssize_t n);
-// The test that an output array is a sequence at all (its length is not
-// tested: writes beyond its end are simply lost).  false with ValueError.
-bool kxpy_is_output(PyObject *sequence);
+// n zeroed elements for an output array, which the routine fills and the
+// wrapper writes back into `sequence`.  The sequence is not read, but it
+// must be one (ValueError "parameter is not a sequence") with room for the
+// n elements (MemoryError "out of range"), counting its rows when `nested`;
+// so a count never asks for more memory than the caller's data can take.
+double *kxpy_out_d(PyObject *sequence, Py_ssize_t n, bool nested);
+int *kxpy_out_i(PyObject *sequence, Py_ssize_t n, bool nested);
 // A writable copy of a text for a routine that changes it in place, with
 // room for at least `room` characters and the terminating zero, the rest
 // zero-filled; null with MemoryError set.

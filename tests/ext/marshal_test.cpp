@@ -152,6 +152,7 @@ void tupper(char *s) noexcept {
 int troom(const int *k, int n, char *s, int nmax) noexcept {
     record(n);
     keep(k, n);
+    if (nmax < 0) return -1;
     for (int j = 0; j < nmax; ++j) s[j] = (char)('a' + k[j % n] % 26);
     s[nmax] = '\0';
     rec.s = s;
