@@ -255,34 +255,33 @@ bool read_strided(Kind kind, const char *p, Py_ssize_t stride, Py_ssize_t n, T *
     }
 }
 
-enum class Fast { NotTaken, Done, Failed };
-
 // The buffer path of all input converters.  `levels` is the nesting that
 // the converter accepts (1 flat, 2 or 3 nested); shape[0] is the outer
 // length and the other levels are those of the first element, as the
-// generic path finds them.
+// generic path finds them.  false leaves the object to the generic path;
+// true settles the conversion: *out is the array, or null with the error.
 template <typename T>
-Fast from_buffer(PyObject *slot, int levels, Py_ssize_t need, T **out) {
+bool from_buffer(PyObject *slot, int levels, Py_ssize_t need, T **out) {
     View v(slot, PyBUF_RECORDS_RO);
-    if (!v.numeric() || v.view.ndim > levels) return Fast::NotTaken;
+    if (!v.numeric() || v.view.ndim > levels) return false;
     // An integer array from float64 data fails on its first element; the
     // generic path says so with its own message.
-    if (std::is_same<T, int>::value && v.kind == Kind::F64) return Fast::NotTaken;
+    if (std::is_same<T, int>::value && v.kind == Kind::F64) return false;
     Py_ssize_t outer = v.view.shape[0];
     if (levels > 1 && outer < 1) {
         set_error(PyExc_ValueError, kSequenceError);
-        return Fast::Failed;
+        return true;
     }
     Py_ssize_t total = v.count();
     if (levels == 3 && v.view.ndim == 3 && v.view.shape[1] == 0) total = 0;
     if (levels == 1) total = outer;
     if (total < need) {
         set_error(PyExc_MemoryError, "out of range");
-        return Fast::Failed;
+        return true;
     }
     if (levels == 1) total = need;     // a flat array holds just the count
     T *a = allocate<T>(total, false);  // every element is written below
-    if (!a) return Fast::Failed;
+    if (!a) return true;
     bool ok = true;
     if (v.view.ndim == 1 && v.view.strides[0] == (Py_ssize_t)sizeof(T) &&
         v.kind == (std::is_same<T, int>::value ? Kind::I32 : Kind::F64))
@@ -294,10 +293,10 @@ Fast from_buffer(PyObject *slot, int levels, Py_ssize_t need, T **out) {
     if (!ok) {
         std::free(a);
         set_error(PyExc_ValueError, std::is_same<T, int>::value ? kNoInt : kNoFloat);
-        return Fast::Failed;
+        return true;
     }
     *out = a;
-    return Fast::Done;
+    return true;
 }
 
 // ---- the generic path -----------------------------------------------------------------
@@ -305,14 +304,7 @@ Fast from_buffer(PyObject *slot, int levels, Py_ssize_t need, T **out) {
 template <typename T>
 T *flat(PyObject *slot, Py_ssize_t n, PyObject *fetch_error) {
     T *fast = nullptr;
-    switch (from_buffer<T>(slot, 1, n, &fast)) {
-        case Fast::Done:
-            return fast;
-        case Fast::Failed:
-            return nullptr;
-        case Fast::NotTaken:
-            break;
-    }
+    if (from_buffer<T>(slot, 1, n, &fast)) return fast;
     Py_ssize_t len = qqpyln(slot);
     if (len < 0) return nullptr;
     if (len < n) {
@@ -388,14 +380,7 @@ bool fill(PyObject *obj, T *base, const Py_ssize_t *dims, int ndims) {
 template <typename T>
 T *nested(PyObject *slot, int levels, Py_ssize_t need) {
     T *fast = nullptr;
-    switch (from_buffer<T>(slot, levels, need, &fast)) {
-        case Fast::Done:
-            return fast;
-        case Fast::Failed:
-            return nullptr;
-        case Fast::NotTaken:
-            break;
-    }
+    if (from_buffer<T>(slot, levels, need, &fast)) return fast;
     Py_ssize_t outer = qqpyln(slot);
     if (outer < 0) return nullptr;
     Py_ssize_t dims[2] = {1, 1};

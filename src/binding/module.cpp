@@ -29,15 +29,9 @@
 #include "wrappers.inc"
 
 static struct PyModuleDef kolvex_module = {
-    PyModuleDef_HEAD_INIT,
-    "kolvex",
-    nullptr,
-    -1,
-    kolvex_methods,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
+    // clang-format off
+    PyModuleDef_HEAD_INIT, "kolvex", nullptr, -1, kolvex_methods, nullptr, nullptr, nullptr, nullptr,
+    // clang-format on
 };
 
 PyMODINIT_FUNC PyInit_kolvex(void) {

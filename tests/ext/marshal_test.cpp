@@ -66,9 +66,9 @@ void tcurve(const double *x, const double *y, int n) noexcept {
 int tisum(const int *k, int n) noexcept {
     record(n);
     keep(k, n);
-    int s = 0;
+    long long s = 0;
     for (int j = 0; j < n; ++j) s += k[j];
-    return s;
+    return (int)s;
 }
 void tmat(const double *z, int nx, int ny) noexcept {
     record(nx * ny);
@@ -98,7 +98,7 @@ void tfill(double *x, int n) noexcept {
 void tfilli(int *k, int n) noexcept {
     record(n);
     keep(k, n);
-    for (int j = 0; j < n; ++j) k[j] = -k[j];
+    for (int j = 0; j < n; ++j) k[j] = (int)-(long long)k[j];
 }
 void tfill2(double *z, int nx, int ny) noexcept {
     record(nx * ny);
@@ -127,7 +127,7 @@ void tgetm(double *z, int nx, int ny) noexcept {
 }
 void tpair(int a, int *twice, double *half) noexcept {
     record(a);
-    *twice = 2 * a;
+    *twice = (int)(2LL * a);
     *half = a / 2.0;
 }
 float tflt(double x) noexcept {
@@ -185,8 +185,9 @@ int twrite(int k, const char *buf, int n) noexcept {
     return sum;
 }
 void tpix(const unsigned char *p, int nw, int nh) noexcept {
-    record(nw * nh * depth);
-    for (int j = 0; j < nw * nh * depth; ++j) rec.i.push_back(p[j]);
+    long long n = (long long)nw * nh * depth;
+    record((int)n);
+    for (long long j = 0; j < n; ++j) rec.i.push_back(p[j]);
 }
 int twork(const double *x, int n, double *w, int m) noexcept {
     record(m);
@@ -197,8 +198,8 @@ int twork(const double *x, int n, double *w, int m) noexcept {
 }
 int tcsr(int *ix, int *iy) noexcept {
     record(0);
-    *ix += 1;
-    *iy -= 1;
+    *ix = (int)(*ix + 1LL);
+    *iy = (int)(*iy - 1LL);
     return 7;
 }
 void tlit(const double *x, const double *y, const double *z) noexcept {
@@ -348,15 +349,10 @@ PyMethodDef extra_methods[] = {
 };
 
 struct PyModuleDef module_def = {
-    PyModuleDef_HEAD_INIT,
-    "kolvex_marshal_test",
-    nullptr,
-    -1,
-    kolvex_methods,
-    nullptr,
-    nullptr,
-    nullptr,
-    nullptr,
+    // clang-format off
+    PyModuleDef_HEAD_INIT, "kolvex_marshal_test", nullptr, -1, kolvex_methods,
+    nullptr, nullptr, nullptr, nullptr,
+    // clang-format on
 };
 
 }  // namespace
