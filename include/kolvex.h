@@ -54,6 +54,8 @@ KOLVEX_API void clrmod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void erase(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void filmod(const char *cmod) KOLVEX_NOEXCEPT;
 KOLVEX_API void filopt(const char *copt, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API int filsiz(const char *cfil, int *nw, int *nh) KOLVEX_NOEXCEPT;
+KOLVEX_API int filtyp(const char *cfil) KOLVEX_NOEXCEPT;
 KOLVEX_API const char *getdsp(void) KOLVEX_NOEXCEPT;
 KOLVEX_API const char *getfil(void) KOLVEX_NOEXCEPT;
 KOLVEX_API const char *getmfl(void) KOLVEX_NOEXCEPT;
@@ -65,6 +67,7 @@ KOLVEX_API void hworig(int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void hwpage(int nxp, int nyp) KOLVEX_NOEXCEPT;
 KOLVEX_API void hwscal(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void imgfmt(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void kolenv(const char *cstr) KOLVEX_NOEXCEPT;
 KOLVEX_API void kolfin(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void kolini(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void metafl(const char *cdev) KOLVEX_NOEXCEPT;
@@ -75,12 +78,14 @@ KOLVEX_API void pagmod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void pdfmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void pngmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void psmeta(const char *cstr, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void reset(const char *cname) KOLVEX_NOEXCEPT;
 KOLVEX_API void sclfac(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void sclmod(const char *cmode) KOLVEX_NOEXCEPT;
 KOLVEX_API void scrmod(const char *cmode) KOLVEX_NOEXCEPT;
 KOLVEX_API void sendbf(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void setfil(const char *cfil) KOLVEX_NOEXCEPT;
 KOLVEX_API void setpag(const char *cpag) KOLVEX_NOEXCEPT;
+KOLVEX_API void symfil(const char *cdev, const char *cstat) KOLVEX_NOEXCEPT;
 KOLVEX_API void tifmod(int n, const char *cval, const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void winapp(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void window(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
@@ -126,6 +131,33 @@ KOLVEX_API void setind(int i, double xr, double xg, double xb) KOLVEX_NOEXCEPT;
 KOLVEX_API void setrgb(double xr, double xg, double xb) KOLVEX_NOEXCEPT;
 KOLVEX_API void setvlt(const char *ctab) KOLVEX_NOEXCEPT;
 KOLVEX_API void vltfil(const char *cfl, const char *copt) KOLVEX_NOEXCEPT;
+
+/* Raster canvas, image mode and transparency */
+KOLVEX_API void imgbox(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgclp(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgfin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgini(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgmod(const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgsiz(int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void imgtpr(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void rimage(const char *cfl) KOLVEX_NOEXCEPT;
+KOLVEX_API void rpixel(int ix, int iy, int *iclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void rpixls(unsigned char *iray, int ix, int iy, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void rpxrow(unsigned char *iray, int ix, int iy, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void tprfin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void tprini(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void tprmod(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API void tprval(double xalph) KOLVEX_NOEXCEPT;
+KOLVEX_API void wimage(const char *cfl) KOLVEX_NOEXCEPT;
+KOLVEX_API void wpixel(int ix, int iy, int iclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void wpixls(const unsigned char *iray, int ix, int iy, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void wpxrow(const unsigned char *iray, int ix, int iy, int n) KOLVEX_NOEXCEPT;
+
+/* Raster file writers */
+KOLVEX_API int rbfpng(unsigned char *cbuf, int nmax) KOLVEX_NOEXCEPT;
+KOLVEX_API void tiforg(int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void tifwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void wtiff(const char *cfl) KOLVEX_NOEXCEPT;
 
 #ifdef __cplusplus
 }

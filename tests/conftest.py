@@ -41,7 +41,7 @@ def needs(program):
 
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-NATIVE_BUILD = os.environ.get("KOLVEX_NATIVE_BUILD_DIR", os.path.join(ROOT, "build", "native-tests"))
+NATIVE_BUILD = os.path.abspath(os.environ.get("KOLVEX_NATIVE_BUILD_DIR", os.path.join(ROOT, "build", "native-tests")))
 
 
 def _cached_python(build):

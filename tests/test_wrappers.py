@@ -214,6 +214,9 @@ def test_bytes_arguments(mt):
     assert mt.twrite(0, b"abc\0def", 7) == sum(b"abc\0def")
     with pytest.raises(MemoryError, match="^out of range$"):
         mt.twrite(0, b"ab", 3)
+    before = calls(mt)
+    assert mt.twrite(0, b"", 0) is None  # a count below 1 sizes these bytes too
+    assert calls(mt) == before
     with pytest.raises(TypeError):
         mt.twrite(0, bytearray(b"ab"), 2)  # writable buffers are refused
     mt.tsetdep(3)

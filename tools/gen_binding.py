@@ -29,7 +29,8 @@ lengths in brackets after its name:
                           an argument: format letter i, d, f or s
     const char *b[need]   bytes or str given as "s#"; the routine reads `need`
                           bytes, and a shorter argument raises MemoryError
-                          "out of range" (const unsigned char * likewise)
+                          "out of range" (const unsigned char * likewise;
+                          counts in `need` follow the count rule below)
     char *s               a text argument that the routine changes: it gets a
     char *s[room]         writable copy, with room for `room` characters
     const double *x[n]    an input array (format O) of n doubles, const int *
@@ -57,6 +58,8 @@ lengths in brackets after its name:
                           is an int argument: the size rules of kxpy_sized_bytes
                           (gives "s#i,si")
     int m = expr          a value that the wrapper computes: no argument
+    unsigned char *p      (any pointer without lengths) only in a declaration
+                          after 'special:'
 
 Lengths are expressions over parameter names, integer literals, + - * / and
 calls of functions (name(...)) that the wrappers can see; they are computed
@@ -219,6 +222,8 @@ class Param:
         if pointer and base in ("int", "double", "float") and not const:
             self.result = SCALARS[base]
             return "outscalar"
+        if pointer and not self.dims:
+            return "raw"  # a buffer that only a hand-written wrapper can size
         raise bad
 
     def c_text(self):
@@ -340,6 +345,9 @@ class Method:
 
     # The format and result letters must agree with the declaration.
     def check(self):
+        for p in self.params:
+            if p.role == "raw":
+                raise self.error(f"{p.name}: a pointer needs its lengths in brackets, or a special: wrapper")
         fmt = self.computed_format()
         if fmt != self.format:
             raise self.error(f"format {self.format!r} but the declaration gives {fmt!r}")
@@ -391,7 +399,7 @@ class Method:
         counts = []
         args = {p.name for p in self.params if p.role == "arg" and p.letter == "i"}
         for p in self.params:
-            if p.role in ("in", "inout", "out", "work"):
+            if p.role in ("in", "inout", "out", "work", "bytes"):
                 for d in p.dims:
                     for ident in dim_names(d):
                         if ident in args and ident not in counts:

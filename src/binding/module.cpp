@@ -25,6 +25,8 @@
 #include <cstdlib>
 
 #include "kolvex.h"
+// The library's own sizes that lengths of table lines call.
+#include "raster/image_mode.h"
 
 #include "wrappers.inc"
 

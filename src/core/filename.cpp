@@ -115,6 +115,18 @@ int qqopenf(glbblk *b, const char *mode) noexcept {
     return 0;
 }
 
+FILE *qqopenw(glbblk *b, char *name, const char *mode) noexcept {
+    qqlock(0);
+    int w = qqvers(b, name);
+    FILE *fp = w == 0 ? std::fopen(name, mode) : nullptr;
+    qqlock(1);
+    if (w != 0)
+        qqwar0(b, w);
+    else if (!fp)
+        qqwar0(b, 36);
+    return fp;
+}
+
 int qqopenplot(glbblk *b) noexcept {
     SessionState &s = b->sess;
     int dev = b->core.devcod;

@@ -1,5 +1,7 @@
 #include "core/keywords.h"
 
+#include <initializer_list>
+
 #include "core/glbblk.h"
 #include "core/warnings.h"
 
@@ -19,11 +21,14 @@ int qqkeyq(const char *list, int count, const char *word) noexcept {
     qqkeyword(word, key);
     for (int i = 0; i < count; ++i) {
         const char *k = list + 5 * i;
+        // The blanks that pad a short keyword take any character, so that
+        // "Offset" is OFF as "LANDSCAPE" is LAND; no list has a keyword
+        // that would shadow a later one this way.
         bool same = true;
         for (int j = 0; j < 4 && same; ++j) {
             char c = k[j];
             if (c >= 'a' && c <= 'z') c = (char)(c - 'a' + 'A');
-            same = c == key[j];
+            same = c == ' ' || c == key[j];
         }
         if (same) return i + 1;
     }
@@ -42,4 +47,15 @@ int qqchki(glbblk *b, int value, int low, int high) noexcept {
         return 1;
     }
     return 0;
+}
+
+int qqchkrect(glbblk *b, int nx, int ny, int nw, int nh) noexcept {
+    if (nx >= 0 && ny >= 0 && nw >= 1 && nh >= 1) return 0;
+    int bad = 0x7fffffff;
+    for (int v : {nx, ny})
+        if (v < 0 && v < bad) bad = v;
+    for (int v : {nw, nh})
+        if (v < 1 && v < bad) bad = v;
+    qqwarn(b, 2, bad);
+    return 1;
 }

@@ -283,7 +283,7 @@ inline constexpr LevelRule kLevelRules[] = {
     {"hidwin", GuardKind::Hard, 1, 3},
     {"histog", GuardKind::Hard, 0, 3},
     {"hname", GuardKind::Soft, 1, 3},
-    {"hpgmod", GuardKind::Hard, 0, 0},
+    {"hpgmod", GuardKind::Hard, 0, 0},  // the guard name of the method hpgmog
     {"hsvrgb", GuardKind::Hard, 0, 3},
     {"hsym3d", GuardKind::Soft, 1, 3},
     {"hsymbl", GuardKind::Soft, 1, 3},

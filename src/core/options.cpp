@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -111,7 +110,7 @@ void wmfmod(const char *cval, const char *copt) noexcept {
     if (k > 0) b->opt.wmfplac = k - 1;
 }
 
-// The method is called hpgmog; its setting has always reported as hpgmod.
+// The method is called hpgmog; its setting reports under the name hpgmod.
 void hpgmog(const char *cval, const char *copt) noexcept {
     glbblk *b = KX_ENTRY("hpgmod");
     if (!b) return;
@@ -149,15 +148,7 @@ void psmeta(const char *cstr, const char *copt) noexcept {
 void window(int nx, int ny, int nw, int nh) noexcept {
     glbblk *b = KX_ENTRY("window");
     if (!b) return;
-    if (nx < 0 || ny < 0 || nw < 1 || nh < 1) {
-        int bad = 0x7fffffff;
-        for (int v : {nx, ny})
-            if (v < 0 && v < bad) bad = v;
-        for (int v : {nw, nh})
-            if (v < 1 && v < bad) bad = v;
-        qqwarn(b, 2, bad);
-        return;
-    }
+    if (qqchkrect(b, nx, ny, nw, nh)) return;
     SessionState &s = b->sess;
     s.wreqpos[0] = nx;
     s.wreqpos[1] = ny;

@@ -83,7 +83,7 @@ namespace {
 // A positive, finite factor; else warning 2.
 bool positive_factor(glbblk *b, double x) {
     if (x > 0 && std::isfinite(x)) return true;
-    qqwarn(b, 2, std::isfinite(x) ? qqround(x) : 0);
+    qqwarnd(b, 2, x);
     return false;
 }
 }  // namespace

@@ -53,13 +53,19 @@ void session_first(glbblk *b) {
     s.fmode = 0;
     s.fdig = 4;
     s.swapfl = 1;
-    s.lnlen = 80;
     OutputOptions &o = b->opt;
     o.cgmver = 1;
     o.pdfcomp = 1;
     o.bmpres = 2500;
     o.tifres = 100;
     o.tifunit = 2;
+}
+
+// The extra PostScript header text serves the session that it was given
+// for: the driver has written it when the session's defaults are set.
+void free_psinfo(glbblk *b) {
+    std::free(b->opt.psinfo);
+    b->opt.psinfo = nullptr;
 }
 
 // The session's own share of qqinit: the window behaviour of the screen.
@@ -69,6 +75,7 @@ void session_init(glbblk *b) {
     s.wkey = 0;
     s.wdelay = 10000;
     s.bufsend = 0;
+    free_psinfo(b);
 }
 
 void session_release(glbblk *b) {
@@ -77,18 +84,15 @@ void session_release(glbblk *b) {
     s.fhnd = nullptr;
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
-    std::free(b->opt.psinfo);
-    b->opt.psinfo = nullptr;
+    free_psinfo(b);
 }
 
 void reset_window(glbblk *b) { b->sess.wplace = 0; }
 void reset_winmod(glbblk *b) { b->sess.wmode = 0; }
 
 const ResetEntry kResets[] = {
-    {"WIND", reset_window},
-    {"WINS", reset_window},
-    {"WINM", reset_winmod},
-    {nullptr, nullptr},
+    {"PSME", free_psinfo}, {"WIND", reset_window}, {"WINM", reset_winmod},
+    {"WINS", reset_window}, {nullptr, nullptr},
 };
 
 }  // namespace
@@ -124,6 +128,7 @@ void qqkolfail(glbblk *b) noexcept {
     s.fhnd = nullptr;
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
+    b->dev.drv = nullptr;
     b->core.level = 0;
 }
 
@@ -197,7 +202,9 @@ void kolini() noexcept {
     }
 
     DiagState &d = b->diag;
-    if (s.wapp == 0 && d.errdv == 0) d.errfp = nullptr;
+    // Warnings of a console program with errdev("CONS") go to the console;
+    // an error file that an earlier errdev opened is closed, not leaked.
+    if (s.wapp == 0 && d.errdv == 0) qqerrc(b);
     d.outu = d.erropn ? 17 : 6;
 
     qqinit(b);
@@ -247,7 +254,8 @@ void kolfin() noexcept {
             }
         }
         qqerrc(b);
-        d.outu = 6;
+        // Warnings go to the console again; a silenced output stays silent.
+        if (d.outu == 17) d.outu = 6;
     }
     if (!banner_done && d.outu != 0 && d.proton != 0) {
         char text[700];

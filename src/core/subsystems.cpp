@@ -6,23 +6,31 @@
 extern const Subsystem kxsub_core;
 extern const Subsystem kxsub_diagnostics;
 extern const Subsystem kxsub_session;
+extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 
 namespace {
 
 // In the order of their shares: the session's page comes first; the device
-// layer sets up clipping and line style before the colour table is loaded
-// and the foreground colour reaches the driver.
+// layer sets up clipping and line style, and the raster canvas takes them,
+// before the colour table is loaded and the foreground colour reaches the
+// driver.
 const Subsystem *const kSubsystems[] = {
     &kxsub_core,
     &kxsub_diagnostics,
     &kxsub_session,
     &kxsub_devices,
+    &kxsub_canvas,
     &kxsub_colour,
 };
 
 }  // namespace
+
+const Subsystem *const *qqsubsystems(int *n) noexcept {
+    *n = (int)(sizeof kSubsystems / sizeof kSubsystems[0]);
+    return kSubsystems;
+}
 
 void qqfirst(glbblk *b) noexcept {
     for (const Subsystem *s : kSubsystems)

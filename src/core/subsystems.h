@@ -35,3 +35,9 @@ void qqrelease(glbblk *b) noexcept;
 void qqend(glbblk *b) noexcept;
 // Runs the reset rows of the given name; returns the number of rows run.
 int qqresetrow(glbblk *b, const char *name) noexcept;
+// Whether a name is one of the names that reset() takes, and how many
+// there are; a subsystem's rows may only use these names.
+bool qqresetname(const char *name) noexcept;
+int qqresetcount() noexcept;
+// The subsystems in the order of their shares; n receives their count.
+const Subsystem *const *qqsubsystems(int *n) noexcept;

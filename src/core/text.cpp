@@ -40,15 +40,11 @@ int qqicha(int value, char *dest, int size, int width, int zero) noexcept {
     auto put = [&](char c) {
         if (len < size - 1) dest[len++] = c;
     };
-    // Zero padding goes between the sign and the digits; blank padding
-    // comes in front of the sign.
-    if (zero == 1) {
-        if (neg) put('-');
-        for (int i = 0; i < pad; ++i) put('0');
-    } else {
-        for (int i = 0; i < pad; ++i) put(' ');
-        if (neg) put('-');
-    }
+    // Padding of either kind goes in front of the sign, so zero padding of
+    // -5 to four places gives "00-5"; a caller that wants "-005" pads the
+    // magnitude itself.
+    for (int i = 0; i < pad; ++i) put(zero == 1 ? '0' : ' ');
+    if (neg) put('-');
     while (nd) put(digits[--nd]);
     dest[len] = '\0';
     return len;

@@ -131,6 +131,10 @@ void qqwarn(glbblk *b, int n, int value) noexcept {
     emit(b, line);
 }
 
+void qqwarnd(glbblk *b, int n, double value) noexcept {
+    qqwarn(b, n, std::isfinite(value) ? qqnint(value) : 0);
+}
+
 void qqwarc(glbblk *b, int n, const char *text) noexcept {
     b->diag.nwarn++;
     if (!printing(b)) return;

@@ -19,6 +19,9 @@
 struct glbblk;
 
 void qqwarn(glbblk *b, int n, int value) noexcept;
+// qqwarn for a refused double: the value shows as its nearest integer, a
+// NaN or an infinity as 0.
+void qqwarnd(glbblk *b, int n, double value) noexcept;
 void qqwarc(glbblk *b, int n, const char *text) noexcept;
 void qqwar0(glbblk *b, int n) noexcept;
 void qqwarm(glbblk *b, int n, const char *text) noexcept;

@@ -64,6 +64,12 @@ struct DriverOps {
     // Writes the trailer and frees the driver's buffers.  Returns 1 when a
     // file was written, 0 when not (screen, memory output).
     int (*close)(glbblk *b);
+    // A marker of kind 0 to 23 centred at a plot position, its size in
+    // plot coordinates, in the current colour; returns 0 when the layer
+    // must draw it as a figure of lines.
+    int (*marker)(glbblk *b, int kind, double x, double y, double size);
+    // Takes the canvas of image mode at imgfin (formats that embed it).
+    void (*image)(glbblk *b);
 };
 
 // The driver of a device code; a family without a driver in this build

@@ -37,7 +37,7 @@ void penwid(double xwidth) noexcept {
     glbblk *b = KX_ENTRY("penwid");
     if (!b) return;
     if (!(xwidth > 0 && xwidth <= 32000)) {
-        qqwarn(b, 2, std::isfinite(xwidth) ? qqround(xwidth) : 0);
+        qqwarnd(b, 2, xwidth);
         return;
     }
     qqflsh(b);
@@ -80,7 +80,7 @@ void lnmlt(double xfac) noexcept {
     glbblk *b = KX_ENTRY("lnmlt");
     if (!b) return;
     if (!(xfac >= 1.0) || !std::isfinite(xfac)) {
-        qqwarn(b, 2, std::isfinite(xfac) ? qqround(xfac) : 0);
+        qqwarnd(b, 2, xfac);
         return;
     }
     qqflsh(b);

@@ -176,8 +176,16 @@ void qqrdrw(glbblk *b, double x, double y) noexcept {
     d.curx = x;
     d.cury = y;
     transform(b, x, y);
-    // A repeated point is overwritten rather than doubled.
-    if (d.npol >= 2 && d.polx[d.npol - 1] == x && d.poly[d.npol - 1] == y) return;
+    // A point that repeats the last one is not stored twice.  With two
+    // points stored the pair itself is compared too: a first draw that went
+    // nowhere gives way to the next point.
+    int n = d.npol;
+    if (n == 2 && d.polx[0] == d.polx[1] && d.poly[0] == d.poly[1]) {
+        d.polx[1] = x;
+        d.poly[1] = y;
+        return;
+    }
+    if (n >= 2 && d.polx[n - 1] == x && d.poly[n - 1] == y) return;
     buf_append(b, x, y);
 }
 
@@ -199,5 +207,8 @@ void qqflsh(glbblk *b) noexcept {
     pen_move(pen, d.polx[0], d.poly[0]);
     for (int i = 1; i < n; ++i) pen_draw(pen, d.polx[i], d.poly[i]);
     if (d.lnwid > 1 && qqnint(d.lnwid * b->core.unitf) > 1) qqthick(b, d.polx, d.poly, n);
+    // The piece is complete: a driver that buffers paths writes it now,
+    // before whatever state change made the layer flush.
+    qqplot(b, d.polx[n - 1], d.poly[n - 1], QQ_ENDPATH);
     d.inflsh = 0;
 }

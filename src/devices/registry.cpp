@@ -3,6 +3,7 @@
 #include "devices/device.h"
 
 extern const DriverOps kxdrv_plogfl;
+extern const DriverOps kxdrv_raster;
 
 namespace {
 
@@ -13,6 +14,7 @@ struct Family {
 
 const Family kFamilies[] = {
     {201, 201, &kxdrv_plogfl},
+    {601, 607, &kxdrv_raster},
 };
 
 }  // namespace

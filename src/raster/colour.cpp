@@ -105,6 +105,7 @@ int part_byte(double v) {
 
 void colour_init(glbblk *b) {
     b->dev.curclr = 0;
+    b->clr.vltfnm[0] = '\0';
     qqsetvlt(b, b->core.devcod == 501 ? RGRE : RAIN);
 }
 
@@ -404,18 +405,9 @@ void vltfil(const char *cfl, const char *copt) noexcept {
     if (k == 1) {
         char name[257];
         qqscpy(name, cfl ? cfl : "", 256);
-        qqlock(0);
-        int w = qqvers(b, name);
-        FILE *fp = w == 0 ? std::fopen(name, "w") : nullptr;
-        qqlock(1);
-        if (w != 0) {
-            qqwar0(b, w);
-            return;
-        }
-        if (!fp) {
-            qqwar0(b, 36);
-            return;
-        }
+        FILE *fp = qqopenw(b, name, "w");
+        if (!fp) return;
+        qqscpy(b->clr.vltfnm, name, 256);
         for (int i = 0; i < 256; ++i) {
             int r, g, bl;
             qqclrrgb(b, i, &r, &g, &bl);
@@ -434,6 +426,7 @@ void vltfil(const char *cfl, const char *copt) noexcept {
         qqwar0(b, 36);
         return;
     }
+    qqscpy(b->clr.vltfnm, cfl ? cfl : "", 256);
     char line[83];
     for (int i = 0; i < 256 && std::fgets(line, sizeof line, fp); ++i) {
         // A line longer than the buffer: the rest of it is not a new line.

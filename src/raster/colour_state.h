@@ -11,4 +11,5 @@ struct ColourState {
     int minidx, maxidx;     // index range of colour scales
     int named[9];           // values of WHIT RED GREE YELL BLUE ORAN CYAN MAGE BLAC
     int clrcycl[30];        // colour cycle of clrcyc
+    char vltfnm[257];       // the file vltfil saved or loaded this session, for symfil
 };

@@ -11,25 +11,8 @@
 
 namespace {
 
-// A session on the default metafile whose driver is then replaced by the
-// recorder; the test ends the session itself.
-glbblk *session(testkit::RecordingDriver &rec) {
-    static std::string dir = testkit::temp_dir();
-    if (chdir(dir.c_str()) != 0) return nullptr;
-    filmod("DELE");
-    unit(0);
-    metafl("PLOG");
-    kolini();
-    glbblk *b = qqcur();
-    b->diag.outu = 0;
-    rec.install(b);
-    return b;
-}
-
-void end(glbblk *b) {
-    b->dev.drv = nullptr;
-    kolfin();
-}
+glbblk *session(testkit::RecordingDriver &rec) { return testkit::recording_session(rec); }
+void end(glbblk *b) { testkit::end_session(b); }
 
 }  // namespace
 
@@ -51,6 +34,9 @@ TEST(long_line_reaches_driver_in_pieces_of_100) {
         CHECK_EQ(pieces[2][0].y, pieces[1].back().y);
     }
     CHECK_EQ(b->sess.nvec - nvec0, 249);
+    // Each piece ends its path, after its last draw.
+    CHECK_EQ(rec.count('e'), 3);
+    CHECK_EQ(rec.ops.back().kind, 'e');
     end(b);
 }
 
@@ -142,5 +128,349 @@ TEST(hardware_width_is_not_emulated) {
     qqdraw(b, 300, 100);
     qqflsh(b);
     CHECK_EQ(rec.pieces().size(), 1u);
+    end(b);
+}
+
+namespace {
+
+// The visible strokes: each draw with the point before it.
+struct Seg {
+    double x0, y0, x1, y1;
+};
+std::vector<Seg> strokes(const testkit::RecordingDriver &rec) {
+    std::vector<Seg> out;
+    double px = 0, py = 0;
+    for (const auto &o : rec.ops) {
+        if (o.kind == 'd') out.push_back({px, py, o.x, o.y});
+        if (o.kind == 'm' || o.kind == 'd') {
+            px = o.x;
+            py = o.y;
+        }
+    }
+    return out;
+}
+
+void check_seg(const Seg &s, double x0, double y0, double x1, double y1, double tol = 1e-4) {
+    CHECK_NEAR(s.x0, x0, tol);
+    CHECK_NEAR(s.y0, y0, tol);
+    CHECK_NEAR(s.x1, x1, tol);
+    CHECK_NEAR(s.y1, y1, tol);
+}
+
+// The strokes that reached the driver are exactly these.
+void expect_strokes(const testkit::RecordingDriver &rec, const std::vector<Seg> &want, double tol = 1e-4) {
+    auto got = strokes(rec);
+    CHECK_EQ(got.size(), want.size());
+    for (size_t i = 0; i < got.size() && i < want.size(); ++i)
+        check_seg(got[i], want[i].x0, want[i].y0, want[i].x1, want[i].y1, tol);
+}
+
+void segment(glbblk *b, double x0, double y0, double x1, double y1) {
+    qqmove(b, x0, y0);
+    qqdraw(b, x1, y1);
+}
+
+// Points of a piece as (x, y) pairs.
+std::vector<std::pair<double, double>> points(const std::vector<testkit::Op> &piece) {
+    std::vector<std::pair<double, double>> out;
+    for (const auto &o : piece) out.push_back({o.x, o.y});
+    return out;
+}
+
+}  // namespace
+
+TEST(circle_clipping_inside_crossing_and_outside) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    DeviceState &d = b->dev;
+    d.clpcir = 1;
+    d.ccx = 500;
+    d.ccy = 500;
+    d.ccr = 100;
+    segment(b, 500, 500, 800, 500);  // from the centre outwards: to the circle line, within 0.1
+    segment(b, 300, 500, 700, 500);  // through the circle, both ends outside: the chord, with a move
+    segment(b, 500, 200, 500, 550);  // from outside inwards: a move onto the circle line first
+    // Missing the circle, a piece too short to count, and a segment whose
+    // line crosses the circle beyond its ends: nothing.
+    segment(b, 300, 300, 300, 700);
+    segment(b, 0, 0, 0.05, 0);
+    segment(b, 300, 500, 350, 500);
+    qqflsh(b);
+    auto s = strokes(rec);
+    CHECK_EQ(s.size(), 3u);
+    if (s.size() == 3) {
+        CHECK_NEAR(s[0].x0, 500, 1e-9);
+        CHECK(std::fabs(s[0].x1 - 600) < 0.1);
+        check_seg(s[1], 400, 500, 600, 500, 1e-9);
+        CHECK(std::fabs(s[2].y0 - 400) < 0.1);
+        CHECK_NEAR(s[2].y1, 550, 1e-9);
+    }
+    // The chord and the inward piece start with moves on the circle line.
+    int moves_on_circle = 0;
+    for (const auto &o : rec.ops)
+        if (o.kind == 'm' && std::fabs(std::hypot(o.x - 500, o.y - 500) - 100) < 0.1) ++moves_on_circle;
+    CHECK_EQ(moves_on_circle, 2);
+    d.clpcir = 0;
+    end(b);
+}
+
+TEST(dash_pattern_walks_across_segments_and_lines) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    DeviceState &d = b->dev;
+    d.dshn = 2;
+    d.dshl[0] = 10;  // draw
+    d.dshl[1] = 5;   // gap
+    qqdshres(b);
+    qqmove(b, 0, 0);
+    qqdraw(b, 12, 0);   // dash 0-10, gap runs on
+    qqdraw(b, 12, 20);  // gap ends at 3, dash 3-13, gap, dash from 18
+    qqflsh(b);
+    expect_strokes(rec, {{0, 0, 10, 0}, {12, 3, 12, 13}, {12, 18, 12, 20}});
+    // A new line goes on with the pattern where the last one stopped:
+    // 8 of the dash are left.
+    CHECK_NEAR(d.dsrem, 8, 1e-4);
+    rec.ops.clear();
+    qqmove(b, 0, 50);
+    qqdraw(b, 25, 50);
+    qqflsh(b);
+    expect_strokes(rec, {{0, 50, 8, 50}, {13, 50, 23, 50}});
+    // Resetting the pattern starts it anew.
+    qqdshres(b);
+    CHECK_EQ(d.dsidx, 1);
+    CHECK_EQ(d.dspen, 0);
+    CHECK_NEAR(d.dsrem, 10, 0);
+    d.dshn = 1;
+    end(b);
+}
+
+TEST(parallel_offset_shifts_each_segment_and_joins_them) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    b->dev.lnoff = 3;
+    qqmove(b, 100, 100);
+    qqdraw(b, 200, 100);  // shifted up the page by 3
+    qqdraw(b, 200, 200);  // shifted right by 3, joined by a draw
+    qqflsh(b);
+    expect_strokes(rec, {{100, 97, 200, 97}, {200, 97, 203, 100}, {203, 100, 203, 200}});
+    CHECK_EQ(rec.count('m'), 1);
+    // The pen stays on the line itself.
+    CHECK_NEAR(b->dev.curx, 200, 0);
+    CHECK_NEAR(b->dev.cury, 200, 0);
+    b->dev.lnoff = 0;
+    end(b);
+}
+
+TEST(absolute_draws_do_not_double_points) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    DeviceState &d = b->dev;
+    d.nxsh = 1000;  // no origin shift for the absolute routines
+    qqrmov(b, 10, 10);
+    qqrdrw(b, 10, 10);  // a draw that goes nowhere...
+    CHECK_EQ(d.npol, 2);
+    qqrdrw(b, 20, 10);  // ...gives way to the next point
+    CHECK_EQ(d.npol, 2);
+    CHECK_NEAR(d.polx[1], 20, 0);
+    qqrdrw(b, 20, 10);
+    qqrdrw(b, 20, 30);
+    qqrdrw(b, 20, 30);
+    CHECK_EQ(d.npol, 3);
+    qqflsh(b);
+    expect_strokes(rec, {{10, 10, 20, 10}, {20, 10, 20, 30}}, 0);
+    // qqdraw keeps every point, repeated or not.
+    d.nxsh = 0;
+    qqmove(b, 0, 0);
+    qqdraw(b, 0, 0);
+    qqdraw(b, 0, 0);
+    CHECK_EQ(d.npol, 3);
+    qqflsh(b);
+    end(b);
+}
+
+TEST(thick_two_point_line_passes_grow_to_half_the_width) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    lncap("CUT");
+    linwid(10);  // (10 + 1) / 3 = 3 passes: 1.5, 3, and 10 / 2
+    rec.ops.clear();
+    qqmove(b, 100, 100);
+    qqdraw(b, 300, 100);
+    qqflsh(b);
+    auto pieces = rec.pieces();
+    CHECK_EQ(pieces.size(), 4u);
+    const double half[3] = {1.5, 3, 5};
+    for (size_t k = 1; k < pieces.size() && k <= 3; ++k) {
+        auto p = points(pieces[k]);
+        CHECK_EQ(p.size(), 5u);  // a rectangle, closed
+        double h = half[k - 1];
+        for (auto [x, y] : p) {
+            CHECK(std::fabs(x - 100) < 1e-9 || std::fabs(x - 300) < 1e-9);  // CUT: no cap
+            CHECK_NEAR(std::fabs(y - 100), h, 1e-9);
+        }
+        CHECK(p.front() == p.back());
+    }
+    end(b);
+}
+
+TEST(thick_open_polyline_with_sharp_and_round_joins) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    const double x[3] = {100, 200, 200}, y[3] = {100, 100, 200};
+    auto draw = [&]() {
+        rec.ops.clear();
+        qqmove(b, x[0], y[0]);
+        qqdraw(b, x[1], y[1]);
+        qqdraw(b, x[2], y[2]);
+        qqflsh(b);
+        auto pieces = rec.pieces();
+        return pieces.size() == 2 ? points(pieces[1]) : std::vector<std::pair<double, double>>{};
+    };
+    linwid(4);  // one pass at half-width 2; the default cap LONG reaches 2 beyond the ends
+    lnjoin("SHAR");
+    auto p = draw();
+    // Outer corner (202, 98) and inner corner (198, 102) by intersection.
+    const std::vector<std::pair<double, double>> sharp = {{98, 98},   {202, 98},  {202, 202}, {198, 202},
+                                                          {198, 102}, {98, 102},  {98, 98}};
+    CHECK_EQ(p.size(), sharp.size());
+    for (size_t i = 0; i < p.size() && i < sharp.size(); ++i) {
+        CHECK_NEAR(p[i].first, sharp[i].first, 1e-9);
+        CHECK_NEAR(p[i].second, sharp[i].second, 1e-9);
+    }
+    // A round or truncated join goes to the end of one offset segment and
+    // then to the start of the next.
+    lnjoin("TRUN");
+    p = draw();
+    const std::vector<std::pair<double, double>> cut = {{98, 98},   {200, 98},  {202, 100}, {202, 202}, {198, 202},
+                                                        {198, 100}, {200, 102}, {98, 102},  {98, 98}};
+    CHECK_EQ(p.size(), cut.size());
+    for (size_t i = 0; i < p.size() && i < cut.size(); ++i) {
+        CHECK_NEAR(p[i].first, cut[i].first, 1e-9);
+        CHECK_NEAR(p[i].second, cut[i].second, 1e-9);
+    }
+    // A sharp join whose miter passes the limit is cut as well.
+    lnjoin("SHAR");
+    lnmlt(1.2);  // 1 / sin 45 degrees = 1.41 > 1.2
+    CHECK_EQ(draw().size(), cut.size());
+    end(b);
+}
+
+TEST(thick_closed_square_has_sharp_outlines_on_both_sides) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    lnjoin("SHAR");
+    linwid(10);
+    rec.ops.clear();
+    const double x[5] = {100, 200, 200, 100, 100}, y[5] = {100, 100, 200, 200, 100};
+    qqmove(b, x[0], y[0]);
+    for (int i = 1; i < 5; ++i) qqdraw(b, x[i], y[i]);
+    qqflsh(b);
+    auto pieces = rec.pieces();
+    // The square itself, then for each of 3 passes an outline outside and
+    // one inside, each through four corners and back to its start.
+    CHECK_EQ(pieces.size(), 7u);
+    const double half[3] = {1.5, 3, 5};
+    for (size_t k = 1; k < pieces.size() && k < 7; ++k) {
+        double h = half[(k - 1) / 2];
+        double out = (k % 2 == 1) ? h : -h;  // first the side to the left of the way round: outside
+        auto p = points(pieces[k]);
+        CHECK_EQ(p.size(), 5u);
+        CHECK(p.front() == p.back());
+        for (auto [px, py] : p) {
+            CHECK(std::fabs(px - (100 - out)) < 1e-9 || std::fabs(px - (200 + out)) < 1e-9);
+            CHECK(std::fabs(py - (100 - out)) < 1e-9 || std::fabs(py - (200 + out)) < 1e-9);
+        }
+    }
+    end(b);
+}
+
+TEST(round_caps_are_half_circles_round_the_ends) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    lncap("ROUND");
+    linwid(20);  // 7 passes; the last at half-width 10 has trunc(pi * 10 / 2.5) = 12 cap steps
+    rec.ops.clear();
+    qqmove(b, 100, 100);
+    qqdraw(b, 300, 100);
+    qqflsh(b);
+    auto pieces = rec.pieces();
+    CHECK_EQ(pieces.size(), 8u);
+    if (pieces.size() == 8) {
+        // The first pass (half-width 1.5) is too narrow for a cap.
+        CHECK_EQ(points(pieces[1]).size(), 5u);
+        auto p = points(pieces.back());
+        int far = 0, near = 0;
+        for (auto [x, y] : p) {
+            if (x > 300 + 1e-9) {
+                CHECK_NEAR(std::hypot(x - 300, y - 100), 10, 1e-9);
+                ++far;
+            }
+            if (x < 100 - 1e-9) {
+                CHECK_NEAR(std::hypot(x - 100, y - 100), 10, 1e-9);
+                ++near;
+            }
+        }
+        CHECK_EQ(far, 12);
+        CHECK_EQ(near, 12);
+    }
+    end(b);
+}
+
+TEST(thick_outlines_are_clipped) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    linwid(10);
+    clpwin(0, 0, 201, 201);
+    rec.ops.clear();
+    qqmove(b, 100, 198);
+    qqdraw(b, 150, 198);
+    qqflsh(b);
+    for (const auto &o : rec.ops)
+        if (o.kind == 'm' || o.kind == 'd') CHECK(o.y <= 200.001);
+    end(b);
+}
+
+TEST(colour_of_an_explicit_value_on_an_8_bit_device_is_the_nearest_entry) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    CHECK_EQ(b->sess.colbits, 8);
+    auto distance = [&](int i, int r, int g, int bl) {
+        int e = b->clr.colmap[i];
+        return std::abs(((e >> 16) & 255) - r) + std::abs(((e >> 8) & 255) - g) + std::abs((e & 255) - bl);
+    };
+    // The chosen entry is as near as any, and nearer than every one before it.
+    auto is_nearest = [&](int chosen, int r, int g, int bl, int entries) {
+        int dc = distance(chosen, r, g, bl);
+        for (int i = 0; i < entries; ++i)
+            if (distance(i, r, g, bl) < dc || (i < chosen && distance(i, r, g, bl) == dc)) return false;
+        return true;
+    };
+    const int tests[][3] = {{250, 5, 5}, {0, 0, 0}, {255, 255, 255}, {10, 200, 90}, {128, 128, 128}};
+    for (const auto &t : tests) {
+        rec.ops.clear();
+        qqsetc(b, 0x01000000 | (t[2] << 16) | (t[1] << 8) | t[0]);
+        CHECK_EQ(rec.count('c'), 1);
+        const auto &o = rec.ops.back();
+        CHECK(is_nearest(o.index, t[0], t[1], t[2], 256));
+        int e = b->clr.colmap[o.index];
+        CHECK_EQ(o.r, (e >> 16) & 255);
+        CHECK_EQ(o.bl, e & 255);
+    }
+    // The small table is searched in its 9 entries only.
+    setvlt("SMALL");
+    rec.ops.clear();
+    qqsetc(b, 0x01000000 | (90 << 16) | (200 << 8) | 10);
+    CHECK(rec.ops.back().index < 9);
+    CHECK(is_nearest(rec.ops.back().index, 10, 200, 90, 9));
+    // An index is taken modulo 256.
+    qqsetc(b, 258);
+    CHECK_EQ(rec.ops.back().index, 2);
+    // A deep device gets the explicit colour as it stands.
+    b->sess.colbits = 24;
+    qqsetc(b, 0x01000000 | (3 << 16) | (2 << 8) | 1);
+    CHECK_EQ(rec.ops.back().r, 1);
+    CHECK_EQ(rec.ops.back().g, 2);
+    CHECK_EQ(rec.ops.back().bl, 3);
+    b->sess.colbits = 8;
     end(b);
 }

@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include "core/glbblk.h"
+#include "core/guard.h"
 #include "devices/device.h"
+#include "kolvex.h"
 
 namespace testkit {
 
@@ -38,7 +40,7 @@ static void rec_line(glbblk *b, double x, double y, int op) {
     of(b)->ops.push_back({op == QQ_MOVE ? 'm' : op == QQ_DRAW ? 'd' : 'e', x, y, op});
 }
 static void rec_colour(glbblk *b, int value, int r, int g, int bl, int index) {
-    of(b)->ops.push_back({'c', 0, 0, value});
+    of(b)->ops.push_back({'c', 0, 0, value, r, g, bl, index});
 }
 static int rec_width(glbblk *b, double n, int fractional) {
     of(b)->ops.push_back({'w', n, 0, fractional});
@@ -81,6 +83,35 @@ std::string temp_dir() {
     char tmpl[] = "/tmp/kolvex_cpptest_XXXXXX";
     const char *d = mkdtemp(tmpl);
     return d ? d : "/tmp";
+}
+
+glbblk *recording_session(RecordingDriver &rec) {
+    static std::string dir = temp_dir();
+    if (chdir(dir.c_str()) != 0) return nullptr;
+    filmod("DELE");
+    setfil("recorded.met");
+    metafl("PLOG");
+    kolini();
+    glbblk *b = qqcur();
+    b->diag.outu = 0;
+    rec.install(b);
+    return b;
+}
+
+void end_session(glbblk *b) {
+    b->dev.drv = nullptr;
+    kolfin();
+}
+
+std::string read_file(const std::string &name) {
+    std::string out;
+    if (FILE *f = std::fopen(name.c_str(), "rb")) {
+        char buf[4096];
+        size_t n;
+        while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) out.append(buf, n);
+        std::fclose(f);
+    }
+    return out;
 }
 
 }  // namespace testkit

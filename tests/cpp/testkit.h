@@ -28,6 +28,7 @@ struct Op {
     char kind;   // 'm' move, 'd' draw, 'e' end path, 'c' colour, 'w' width, 'x' clip
     double x, y;
     int value;
+    int r = 0, g = 0, bl = 0, index = 0;  // what a colour operation was given
 };
 
 // Installs itself as the driver of the calling thread's session and
@@ -41,8 +42,17 @@ struct RecordingDriver {
     std::vector<std::vector<Op>> pieces() const;
 };
 
-// Runs a session in a fresh temporary directory.
+// A fresh temporary directory.
 std::string temp_dir();
+
+// A session on the native metafile, in a temporary directory and with its
+// output silenced, whose driver is then replaced by the recorder.
+glbblk *recording_session(RecordingDriver &rec);
+// Ends it: the recorder goes, the session closes.
+void end_session(glbblk *b);
+
+// The whole contents of a file, empty when it cannot be read.
+std::string read_file(const std::string &name);
 
 }  // namespace testkit
 

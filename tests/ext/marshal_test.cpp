@@ -8,6 +8,8 @@
 #include "marshal.h"
 
 #include <atomic>
+#include <cfloat>
+#include <cmath>
 #include <chrono>
 #include <cstring>
 #include <string>
@@ -132,6 +134,8 @@ void tpair(int a, int *twice, double *half) noexcept {
 }
 float tflt(double x) noexcept {
     record(0);
+    if (x > FLT_MAX) return INFINITY;  // beyond float: no undefined conversion
+    if (x < -FLT_MAX) return -INFINITY;
     return (float)x;
 }
 const char *tname(int k) noexcept {
@@ -180,9 +184,9 @@ int tread(int unit, unsigned char *buf, int n) noexcept {
 }
 int twrite(int k, const char *buf, int n) noexcept {
     record(n);
-    int sum = k;
+    long long sum = k;
     for (int j = 0; j < n; ++j) sum += (unsigned char)buf[j];
-    return sum;
+    return (int)sum;
 }
 void tpix(const unsigned char *p, int nw, int nh) noexcept {
     long long n = (long long)nw * nh * depth;

@@ -1,0 +1,205 @@
+// The raster devices TIFF, IMAG, VIRT, PNG, PPM, BMP and GIF (601 to 607):
+// the session draws on a canvas in memory, and kolfin writes the canvas
+// in the device's format (VIRT writes nothing).
+//
+// Positions become pixels by X = trunc(devscl·x + 0.5), Y likewise, with
+// row 0 at the top of the page; a portrait-rotated page turns by
+// (devscl·y, devscl·(nxp − x)).  The canvas draws widths, caps, joins and
+// filled polygons itself, so the layer emulates none of them.
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+
+#include "core/glbblk.h"
+#include "core/text.h"
+#include "core/warnings.h"
+#include "devices/device.h"
+#include "raster/canvas.h"
+#include "raster/primitives.h"
+#include "raster/writers.h"
+
+namespace {
+
+enum { VIRT = 603, PPM = 605, GIF = 607, IMAG = 602 };
+
+// Whether a picture of w by h pixels fits the device: 0, or the warning
+// number with the offending value.  Every format keeps its image below
+// 2 GiB (32-bit file offsets, zlib's counters); GIF records sizes in 16
+// bits and the image file in five decimal columns.
+int size_problem(int dev, int w, int h, bool rgb, int *value) {
+    int limit = dev == GIF ? 65535 : (dev == IMAG ? 99999 / (rgb ? 3 : 1) : 0x7fffffff);
+    int hlimit = dev == GIF ? 65535 : (dev == IMAG ? 99999 : 0x7fffffff);
+    if (w > limit || h > hlimit) {
+        *value = w > limit ? w : h;
+        return 2;
+    }
+    if ((uint64_t)w * (uint64_t)h * (rgb ? 4u : 1u) > 0x7fff0000ull) return 53;
+    return 0;
+}
+
+// Removes the file that kolini opened: a session that writes no picture
+// leaves no file behind that looks like one.
+void discard_file(glbblk *b) {
+    SessionState &s = b->sess;
+    if (!s.fhnd) return;
+    std::fclose(s.fhnd);
+    s.fhnd = nullptr;
+    std::remove(s.fname);
+}
+
+bool to_pixel(glbblk *b, double x, double y, int *px, int *py) {
+    double dx, dy;
+    qqmapdown(b, x, y, &dx, &dy);
+    dx += 0.5;
+    dy += 0.5;
+    if (!(dx > -1e8 && dx < 1e8 && dy > -1e8 && dy < 1e8)) return false;
+    *px = (int)std::trunc(dx);
+    *py = (int)std::trunc(dy);
+    return true;
+}
+
+int raster_open(glbblk *b) {
+    SessionState &s = b->sess;
+    int dev = b->core.devcod;
+    bool rgb = dev == PPM || b->opt.rasfmt == 1;
+    int w = s.wsiz[0], h = s.wsiz[1], value = 0;
+    int problem = size_problem(dev, w, h, rgb, &value);
+    if (problem == 0 && qqcnvnew(&b->cnv.cv, w, h, rgb, s.bgmode == 2) != 0) problem = 53;
+    if (problem != 0) {
+        if (problem == 2)
+            qqwarn(b, 2, value);
+        else
+            qqwar0(b, 53);
+        discard_file(b);
+        return 1;
+    }
+    s.colbits = rgb ? 24 : 8;
+    s.devscl = qqfitscale(b, w, h);
+    b->cnv.cv.alpha = (unsigned char)b->cnv.tpralpha;
+    return 0;
+}
+
+void raster_line(glbblk *b, double x, double y, int op) {
+    qqcanvas *cv = qqcanvasof(b);
+    if (!cv) return;
+    if (op == QQ_ENDPATH) {
+        qqcflush(cv);
+        return;
+    }
+    int px, py;
+    if (to_pixel(b, x, y, &px, &py)) qqcline(cv, px, py, op == QQ_DRAW ? 2 : 3);
+}
+
+void raster_colour(glbblk *b, int value, int, int, int, int) {
+    if (qqcanvas *cv = qqcanvasof(b)) qqcsetc(cv, value);
+}
+
+void raster_table(glbblk *b) {
+    qqcanvas *cv = qqcanvasof(b);
+    if (!cv) return;
+    qqctable(cv, b->clr.colmap, b->clr.vltkind);
+    // A transparent colour given by index follows the table.
+    if (b->cnv.imgtran != -1) qqcoption(cv, 32, b->cnv.imgtran);
+}
+
+int raster_width(glbblk *b, double n, int) {
+    qqcanvas *cv = qqcanvasof(b);
+    if (!cv) return 0;
+    if (n <= 0) {
+        qqcoption(cv, 26, 1);
+        return 0;
+    }
+    int px = qqnint(n * b->sess.devscl);
+    qqcoption(cv, 26, px < 1 ? 1 : px);
+    return 1;
+}
+
+void raster_style(glbblk *b) {
+    qqcnvpen(b);
+}
+
+void raster_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
+    qqcanvas *cv = qqcanvasof(b);
+    if (!cv) return;
+    int ax = 0, ay = 0, bx = cv->cw - 1, by = cv->ch - 1;
+    if (!reset) {
+        int px1, py1, px2, py2;
+        if (!to_pixel(b, x1, y1, &px1, &py1) || !to_pixel(b, x2, y2, &px2, &py2)) return;
+        ax = px1 < px2 ? px1 : px2;
+        bx = px1 < px2 ? px2 : px1;
+        ay = py1 < py2 ? py1 : py2;
+        by = py1 < py2 ? py2 : py1;
+    }
+    qqcoption(cv, 11, ax);
+    qqcoption(cv, 12, ay);
+    qqcoption(cv, 13, bx);
+    qqcoption(cv, 14, by);
+    qqcoption(cv, 33, 0);
+}
+
+int raster_fill(glbblk *b, const double *x, const double *y, int n) {
+    qqcanvas *cv = qqcanvasof(b);
+    if (!cv) return 0;
+    double s = b->sess.devscl;
+    // Plot coordinates to pixels, as qqmapdown does it.
+    double m[6] = {s, 0, 0, 0, s, 0};
+    if (b->sess.pagrot == 1) {
+        m[0] = 0;
+        m[1] = s;
+        m[3] = -s;
+        m[4] = 0;
+        m[5] = s * b->core.nxp;
+    }
+    if (qqcfillm(cv, x, y, n, m)) qqwar0(b, 26);
+    return 1;
+}
+
+void raster_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+    qqcanvas *cv = qqcanvasof(b);
+    int px1, py1, px2, py2;
+    if (!cv || !to_pixel(b, x1, y1, &px1, &py1) || !to_pixel(b, x2, y2, &px2, &py2)) return;
+    qqcrect(cv, px1, py1, px2, py2, colour);
+}
+
+void raster_clear(glbblk *b) {
+    if (qqcanvas *cv = qqcanvasof(b)) qqcerase(cv);
+}
+
+int raster_close(glbblk *b) {
+    int dev = b->core.devcod, written = 0;
+    qqcanvas *cv = qqcanvasof(b);
+    if (cv && dev != VIRT && b->sess.fhnd) {
+        if (qqwrite(b, b->sess.fhnd, b->sess.fname, dev - 600) == 0)
+            written = 1;
+        else
+            discard_file(b);
+    }
+    qqcnvfree(&b->cnv.cv);
+    return written;
+}
+
+int raster_marker(glbblk *b, int kind, double x, double y, double size) {
+    qqcanvas *cv = qqcanvasof(b);
+    int px, py;
+    if (!cv || !to_pixel(b, x, y, &px, &py)) return 0;
+    double s = size * b->sess.devscl;
+    if (!(s >= 0 && s < 1e6)) return 0;
+    qqcmark(cv, kind, px, py, qqnint(s));
+    return 1;
+}
+
+}  // namespace
+
+extern const DriverOps kxdrv_raster = {
+    "raster",      QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_CLIP | QQ_CAP_IMAGE,
+    raster_open,   raster_line,
+    raster_colour, raster_table,
+    raster_width,  raster_style,
+    raster_clip,   raster_fill,
+    raster_rect,
+    nullptr,  // new page: the page counter is all that changes
+    raster_clear,
+    nullptr,  // update: nothing is shown
+    raster_close,  raster_marker,
+    nullptr,  // image: the canvas is the picture itself
+};

@@ -1,0 +1,17 @@
+// Image mode and the transparency layer, as the session and the binding
+// see them.
+#pragma once
+
+struct glbblk;
+
+// Leaves image mode as imgfin does, if it is on (kolfin).
+void qqimgend(glbblk *b) noexcept;
+// Closes the transparency layer whatever its nesting depth (kolfin).
+void qqtprend(glbblk *b) noexcept;
+// Opens and closes one level of the transparency bracket of a figure
+// routine: only when tprmod("AUTO", "FIGU") is set and the alpha is not 255.
+void qqtprfig(glbblk *b, int open) noexcept;
+// Bytes a pixel of the data of rpixls, wpixls, rpxrow and wpxrow for the
+// calling thread: 3 in RGB mode, else 1.  The binding sizes its buffers by
+// this, never by a flag of its own.
+int qqpixbytes() noexcept;
