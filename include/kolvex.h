@@ -8,17 +8,24 @@
 #ifndef KOLVEX_H
 #define KOLVEX_H
 
+#ifndef KOLVEX_API
 #if defined(KOLVEX_EXPORTS)
 #define KOLVEX_API __attribute__((visibility("default")))
 #else
 #define KOLVEX_API
 #endif
+#endif
 
+#ifndef KOLVEX_NOEXCEPT
 #ifdef __cplusplus
 #define KOLVEX_NOEXCEPT noexcept
-extern "C" {
 #else
 #define KOLVEX_NOEXCEPT
+#endif
+#endif
+
+#ifdef __cplusplus
+extern "C" {
 #endif
 
 /* Global state and call frame */

@@ -8,6 +8,7 @@ the next one.
 """
 import os
 import shutil
+import subprocess
 import sys
 
 import pytest
@@ -37,3 +38,61 @@ def have(program):
 def needs(program):
     """Skip unless an outside program is installed."""
     return pytest.mark.skipif(not have(program), reason=f"{program} is not installed")
+
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+NATIVE_BUILD = os.path.abspath(os.environ.get("KOLVEX_NATIVE_BUILD_DIR", os.path.join(ROOT, "build", "native-tests")))
+
+
+def _cached_python(build):
+    try:
+        with open(os.path.join(build, "CMakeCache.txt")) as f:
+            for line in f:
+                if line.startswith(("Python_EXECUTABLE:", "_Python_EXECUTABLE:")):
+                    return line.split("=", 1)[1].strip()
+    except OSError:
+        pass
+    return None
+
+
+def native_build(*targets):
+    """Builds targets of the tests' CMake tree (incrementally after the first
+    run) with this interpreter's headers, and returns the tree's directory."""
+    if shutil.which("cmake") is None:
+        pytest.skip("cmake is not installed")
+    os.makedirs(NATIVE_BUILD, exist_ok=True)
+    cached = _cached_python(NATIVE_BUILD)
+    if cached is None or os.path.realpath(cached) != os.path.realpath(sys.executable):
+        gen = ["-G", "Ninja"] if shutil.which("ninja") and cached is None else []
+        configure = ["cmake", *gen, ROOT, "-DKOLVEX_TESTS=ON", f"-DPython_EXECUTABLE={sys.executable}"]
+        if cached is None:
+            configure.append("-DCMAKE_BUILD_TYPE=RelWithDebInfo")
+        subprocess.run(configure, cwd=NATIVE_BUILD, check=True, capture_output=True)
+    r = subprocess.run(["cmake", "--build", ".", "--parallel", "2", "--target", *targets],
+                       cwd=NATIVE_BUILD, capture_output=True, text=True)
+    assert r.returncode == 0, r.stdout[-4000:] + r.stderr[-4000:]
+    return NATIVE_BUILD
+
+
+def method_list():
+    """The module's 805 methods: {name: (format, gives, lock)}, as the table
+    writes them ('-' for none, 'own' for a method that parses its own)."""
+    out = {}
+    with open(os.path.join(ROOT, "tests", "data", "methods.txt"), encoding="utf-8") as f:
+        for line in f:
+            if line.startswith("#") or not line.strip():
+                continue
+            name, fmt, gives, lock = line.split()
+            out[name] = (fmt, gives, lock)
+    return out
+
+
+def bound_methods():
+    """The methods that the module offers, by name."""
+    return sorted(n for n in dir(kolvex) if not (n.startswith("__") and n.endswith("__")))
+
+
+def pytest_terminal_summary(terminalreporter):
+    listed = method_list()
+    bound = [n for n in bound_methods() if n in listed]
+    terminalreporter.write_line(f"kolvex binds {len(bound)} of the {len(listed)} methods")

@@ -5,28 +5,16 @@ incremental build after the first run) and run from here, so that one
 pytest command runs the whole suite.
 """
 import os
-import shutil
 import subprocess
 
 import pytest
 
-ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-BUILD = os.path.abspath(os.environ.get("KOLVEX_NATIVE_BUILD_DIR", os.path.join(ROOT, "build", "native-tests")))
-
-pytestmark = pytest.mark.skipif(shutil.which("cmake") is None, reason="cmake is not installed")
+from conftest import native_build as build_targets
 
 
 @pytest.fixture(scope="module")
 def native_build():
-    os.makedirs(BUILD, exist_ok=True)
-    gen = ["-G", "Ninja"] if shutil.which("ninja") else []
-    if not os.path.exists(os.path.join(BUILD, "CMakeCache.txt")):
-        subprocess.run(["cmake", *gen, ROOT, "-DKOLVEX_TESTS=ON", "-DCMAKE_BUILD_TYPE=RelWithDebInfo"],
-                       cwd=BUILD, check=True, capture_output=True)
-    r = subprocess.run(["cmake", "--build", ".", "--parallel", "2", "--target", "kolvex_cpptest", "kolvex_ctest"],
-                       cwd=BUILD, capture_output=True, text=True)
-    assert r.returncode == 0, r.stdout[-4000:] + r.stderr[-4000:]
-    return BUILD
+    return build_targets("kolvex_cpptest", "kolvex_ctest")
 
 
 def write_test_page(build, test, out):
