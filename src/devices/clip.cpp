@@ -221,19 +221,24 @@ void clpwin(int nx, int ny, int nw, int nh) noexcept {
     qqclipdev(b, 0);
 }
 
+void qqclippage(glbblk *b) noexcept {
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    d.clpflg = 0;
+    d.clpcir = 0;
+    d.clpx1 = d.clpy1 = 0;
+    d.clpx2 = b->core.nxp;
+    d.clpy2 = b->core.nyp;
+    qqclipdev(b, 0);
+}
+
 void clpbor(const char *copt) noexcept {
     glbblk *b = KX_ENTRY("clpbor");
     if (!b) return;
     int k = qqkey(b, "PAGE+AXIS", 2, copt);
     DeviceState &d = b->dev;
     if (k == 1) {
-        qqflsh(b);
-        d.clpflg = 0;
-        d.clpcir = 0;
-        d.clpx1 = d.clpy1 = 0;
-        d.clpx2 = b->core.nxp;
-        d.clpy2 = b->core.nyp;
-        qqclipdev(b, 0);
+        qqclippage(b);
     } else if (k == 2) {
         if (d.clpflg == 2) return;
         d.clpflg = 0;

@@ -112,6 +112,8 @@ void qqsetc(glbblk *b, int value) noexcept;
 int qqnearest(const glbblk *b, int r, int g, int bl) noexcept;
 void qqclip(glbblk *b, int back) noexcept;
 int qqin(glbblk *b, double x, double y) noexcept;
+// Clears the clip border and makes the whole page the clip window.
+void qqclippage(glbblk *b) noexcept;
 // Sends the clip window to a driver that clips itself.
 void qqclipdev(glbblk *b, int narrowing) noexcept;
 // Resets the dash pattern to its first element (lintyp, myline, solid).

@@ -60,16 +60,7 @@ void reset_origin(glbblk *b) {
     b->dev.nxsh = b->dev.nysh = 0;
 }
 
-void reset_clip_window(glbblk *b) {
-    DeviceState &d = b->dev;
-    qqflsh(b);
-    d.clpflg = 0;
-    d.clpcir = 0;
-    d.clpx1 = d.clpy1 = 0;
-    d.clpx2 = b->core.nxp;
-    d.clpy2 = b->core.nyp;
-    qqclipdev(b, 0);
-}
+void reset_clip_window(glbblk *b) { qqclippage(b); }
 
 void reset_clip_mode(glbblk *b) {
     DeviceState &d = b->dev;
