@@ -159,6 +159,34 @@ KOLVEX_API void tiforg(int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void tifwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void wtiff(const char *cfl) KOLVEX_NOEXCEPT;
 
+/* Curves and interpolation */
+KOLVEX_API void barwth(double xf) KOLVEX_NOEXCEPT;
+KOLVEX_API void bartyp(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void bezier(const double *xray, const double *yray, int n, double *x, double *y, int m) KOLVEX_NOEXCEPT;
+KOLVEX_API void chnatt(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void chncrv(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void curve(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void errbar(const double *x, const double *y, const double *err1, const double *err2, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void gapcrv(double xgap) KOLVEX_NOEXCEPT;
+KOLVEX_API void gapsiz(double xgap, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API int histog(const double *xray, int n, double *x, double *y) KOLVEX_NOEXCEPT;
+KOLVEX_API void hsymbl(int nhsym) KOLVEX_NOEXCEPT;
+KOLVEX_API void inccrv(int ncrv) KOLVEX_NOEXCEPT;
+KOLVEX_API void incmrk(int nmrk) KOLVEX_NOEXCEPT;
+KOLVEX_API void linfit(const double *xray, const double *yray, int n, double *a, double *b, double *r, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void marker(int nsym) KOLVEX_NOEXCEPT;
+KOLVEX_API void mrkclr(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void mysymb(const double *xray, const double *yray, int n, int isym, int iflag) KOLVEX_NOEXCEPT;
+KOLVEX_API void polcrv(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void resatt(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlsymb(int nsym, double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void shdcrv(const double *x1ray, const double *y1ray, int n1, const double *x2ray, const double *y2ray, int n2) KOLVEX_NOEXCEPT;
+KOLVEX_API int spline(const double *xray, const double *yray, int n, double *xsray, double *ysray) KOLVEX_NOEXCEPT;
+KOLVEX_API void splmod(int ngrad, int npts) KOLVEX_NOEXCEPT;
+KOLVEX_API void symbol(int nsym, int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void symrot(double xrot) KOLVEX_NOEXCEPT;
+KOLVEX_API void thkcrv(int ithk) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

@@ -27,6 +27,7 @@
 #include "kolvex.h"
 // The library's own sizes that lengths of table lines call.
 #include "raster/image_mode.h"
+#include "plots/curves.h"
 
 #include "wrappers.inc"
 
