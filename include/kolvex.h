@@ -187,6 +187,24 @@ KOLVEX_API void symbol(int nsym, int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void symrot(double xrot) KOLVEX_NOEXCEPT;
 KOLVEX_API void thkcrv(int ithk) KOLVEX_NOEXCEPT;
 
+/* Legends */
+KOLVEX_API void legbgd(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void legclr(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void legend(const char *cbuf, int npos) KOLVEX_NOEXCEPT;
+KOLVEX_API void legini(char *cbuf, int nlin, int nmaxln) KOLVEX_NOEXCEPT;
+KOLVEX_API void leglin(char *cbuf, const char *cstr, int ilin) KOLVEX_NOEXCEPT;
+KOLVEX_API void legopt(double xf1, double xf2, double xf3) KOLVEX_NOEXCEPT;
+KOLVEX_API void legpat(int ityp, int ithk, int isym, int iclr, int ipat, int ilin) KOLVEX_NOEXCEPT;
+KOLVEX_API void legpos(int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void legsel(const int *nray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void legtbl(int nclm, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void legtit(const char *ctit) KOLVEX_NOEXCEPT;
+KOLVEX_API void legtyp(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void legval(double x, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void mixleg(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int nxlegn(const char *cbuf) KOLVEX_NOEXCEPT;
+KOLVEX_API int nylegn(const char *cbuf) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

@@ -39,3 +39,7 @@ void qqlegrecord(glbblk *b, int entry, int pattern, bool line, bool symbol) noex
 // x, after the points as symbols when asked.
 void qqlinfitdraw(glbblk *b, const double *x, const double *y, int n, double a, double c,
                   bool symbols) noexcept;
+
+// Bytes of the legend buffer that the calling thread's legend state uses
+// (nlin times nmaxln after legini, else 0), for the module's wrappers.
+int qqlegbytes() noexcept;
