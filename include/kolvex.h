@@ -159,6 +159,97 @@ KOLVEX_API void tiforg(int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void tifwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void wtiff(const char *cfl) KOLVEX_NOEXCEPT;
 
+/* Numbers as text */
+KOLVEX_API void fcha(double x, int ndig, char *cstr) KOLVEX_NOEXCEPT;
+KOLVEX_API int flen(double x, int ndig) KOLVEX_NOEXCEPT;
+KOLVEX_API void intcha(int nint, char *cstr) KOLVEX_NOEXCEPT;
+KOLVEX_API int intlen(int nint) KOLVEX_NOEXCEPT;
+KOLVEX_API void numfmt(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void numode(const char *cdec, const char *cgrp, const char *cpos, const char *cfix) KOLVEX_NOEXCEPT;
+KOLVEX_API int trmlen(const char *cstr) KOLVEX_NOEXCEPT;
+
+/* Axis scaling */
+KOLVEX_API void axsbgd(int iclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void axsers(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void axslen(int nxl, int nyl) KOLVEX_NOEXCEPT;
+KOLVEX_API void axsorg(int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void axspos(int nxa, int nya) KOLVEX_NOEXCEPT;
+KOLVEX_API void axsscl(const char *cscl, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void digits(int ndig, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void gaxpar(double a1, double a2, const char *copt, const char *cax, double *a, double *e, double *orl, double *step, int *ndig) KOLVEX_NOEXCEPT;
+KOLVEX_API void getdig(int *nx, int *ny, int *nz) KOLVEX_NOEXCEPT;
+KOLVEX_API void getgrf(double *a, double *e, double *orl, double *step, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void getlab(char *cx, char *cy, char *cz) KOLVEX_NOEXCEPT;
+KOLVEX_API void getlen(int *nx, int *ny, int *nz) KOLVEX_NOEXCEPT;
+KOLVEX_API void getor(int *nx, int *ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void getpos(int *nxa, int *nya) KOLVEX_NOEXCEPT;
+KOLVEX_API void getran(int *nca, int *nce) KOLVEX_NOEXCEPT;
+KOLVEX_API void getres(int *nx, int *ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void getscl(int *nx, int *ny, int *nz) KOLVEX_NOEXCEPT;
+KOLVEX_API void getscm(int *nx, int *ny, int *nz) KOLVEX_NOEXCEPT;
+KOLVEX_API void gettic(int *nx, int *ny, int *nz) KOLVEX_NOEXCEPT;
+KOLVEX_API void intax(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void labdig(int ndig, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void neglog(double eps) KOLVEX_NOEXCEPT;
+KOLVEX_API int nxposn(double x) KOLVEX_NOEXCEPT;
+KOLVEX_API int nyposn(double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void origin(int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void scale(const char *cscl, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void setscl(const double *ray, int n, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API double xinvrs(int nx) KOLVEX_NOEXCEPT;
+KOLVEX_API double xposn(double x) KOLVEX_NOEXCEPT;
+KOLVEX_API double yinvrs(int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API double yposn(double y) KOLVEX_NOEXCEPT;
+
+/* Axis drawing and labels */
+KOLVEX_API void addlab(const char *cstr, double v, int itic, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void ax2grf(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void axclrs(int nclr, const char *copt, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void axends(const char *ckey, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void axgit(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void axstyp(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void center(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void endgrf(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void expzlb(const char *cstr) KOLVEX_NOEXCEPT;
+KOLVEX_API void frame(int nfrm) KOLVEX_NOEXCEPT;
+KOLVEX_API void frmclr(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void grace(int ngrace) KOLVEX_NOEXCEPT;
+KOLVEX_API void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor, double ystp) KOLVEX_NOEXCEPT;
+KOLVEX_API void grid(int igrid, int jgrid) KOLVEX_NOEXCEPT;
+KOLVEX_API void hname(int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void htitle(int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void labclr(int nclr, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void labdis(int ndis, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void labels(const char *clab, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void labjus(const char *cjus, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void labpos(const char *cpos, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void labtyp(const char *ctyp, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void lfttit(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void logtic(const char *cmod) KOLVEX_NOEXCEPT;
+KOLVEX_API void mylab(const char *cstr, int itick, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void name(const char *cstr, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void namdis(int ndis, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void namjus(const char *cjus, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void nograf(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void noline(const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void rgtlab(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rvynam(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void setgrf(const char *c1, const char *c2, const char *c3, const char *c4) KOLVEX_NOEXCEPT;
+KOLVEX_API void ticks(int ntic, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void ticlen(int nmaj, int nmin) KOLVEX_NOEXCEPT;
+KOLVEX_API void ticpos(const char *cpos, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void titjus(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void title(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void titlin(const char *cstr, int nlin) KOLVEX_NOEXCEPT;
+KOLVEX_API void titpos(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void vkytit(int nshift) KOLVEX_NOEXCEPT;
+KOLVEX_API void xaxgit(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void xaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void xaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void yaxgit(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void yaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void yaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif
