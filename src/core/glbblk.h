@@ -16,6 +16,8 @@
 #include "plots/curve_state.h"
 #include "raster/canvas_state.h"
 #include "raster/colour_state.h"
+#include "text/number_state.h"
+#include "axes/axes_state.h"
 
 struct glbblk {
     CoreState core;       // call frame, level, page
@@ -26,6 +28,8 @@ struct glbblk {
     VectorState vec;      // drivers of SVG, IPE and Java
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency
+    NumberState num;      // numbers as text
+    AxesState ax;         // axis settings and the scaling record
     CurveState crv;       // curves, symbols, attribute cycles
     LegendState leg;      // legend lines, layout and curve records
 };

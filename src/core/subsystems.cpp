@@ -10,6 +10,8 @@ extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
+extern const Subsystem kxsub_numbers;
+extern const Subsystem kxsub_axes;
 extern const Subsystem kxsub_curves;
 
 namespace {
@@ -26,6 +28,8 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_vector,
     &kxsub_canvas,
     &kxsub_colour,
+    &kxsub_numbers,
+    &kxsub_axes,
     &kxsub_curves,
 };
 
