@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "axes/axes.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
@@ -35,6 +36,8 @@ void curves_init(glbblk *b) {
     }
     qqresatt(b);
     qqleginit(b);
+    // endgrf ends the curve counters and the legend's records.
+    qqaxhook(b, qqresatt);
 }
 
 void curves_release(glbblk *b) {
@@ -48,6 +51,7 @@ void curves_release(glbblk *b) {
 extern const Subsystem kxsub_curves = {"curves", nullptr, curves_init, curves_release, nullptr, nullptr};
 
 void qqresatt(glbblk *b) noexcept {
+    // A fresh axis system starts the cycles and the legend's records anew.
     CurveState &c = b->crv;
     c.cycpos = 1;
     c.ncrv = 1;

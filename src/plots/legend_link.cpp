@@ -1,12 +1,36 @@
 // The legend's view of the text and axis layers.
+#include <cstring>
+
+#include "axes/axes_state.h"
+#include "axes/label_text.h"
 #include "devices/device.h"
 #include "plots/legend_link.h"
 
-int qqleghgt(glbblk *b) noexcept { return 36; }
-double qqleglsp(glbblk *b) noexcept { return 1.5; }
-int qqlegwidth(glbblk *b, const char *text, int n) noexcept { return n * 22; }
-void qqlegtext(glbblk *b, const char *text, int n, int x, int y) noexcept {}
-int qqlegframe(glbblk *b) noexcept { return 1; }
+int qqleghgt(glbblk *b) noexcept { return qqaxth(b); }
+double qqleglsp(glbblk *b) noexcept { return qqaxlinesp(b); }
+
+namespace {
+// The text bridge takes terminated texts; legend lines are cut from the
+// caller's buffer.
+void copy_text(const char *text, int n, char *out) {
+    if (n > 256) n = 256;
+    std::memcpy(out, text, (size_t)n);
+    out[n] = '\0';
+}
+}  // namespace
+
+int qqlegwidth(glbblk *b, const char *text, int n) noexcept {
+    char t[257];
+    copy_text(text, n, t);
+    return (int)qqaxtw(b, t);
+}
+
+void qqlegtext(glbblk *b, const char *text, int n, int x, int y) noexcept {
+    char t[257];
+    copy_text(text, n, t);
+    qqaxtxt(b, t, x, y, 0);
+}
+int qqlegframe(glbblk *b) noexcept { return b->ax.frmthk; }
 
 void qqlegbox(glbblk *b, int x, int y, int w, int h, int f) noexcept {
     // f lines, outward from the box for a positive thickness, inward for a
@@ -24,11 +48,11 @@ void qqlegbox(glbblk *b, int x, int y, int w, int h, int f) noexcept {
 }
 
 void qqlegaxis(glbblk *b, LegendAxis *a) noexcept {
-    const int *r = b->dev.axrect;
-    a->px = r[0];
-    a->py = r[3];
-    a->xlen = r[2] - r[0];
-    a->ylen = r[3] - r[1];
-    a->rx = r[2];
-    a->ty = r[1];
+    const ScaleRecord &r = b->ax.rec;
+    a->px = r.nxa;
+    a->py = r.nya;
+    a->xlen = r.nxl;
+    a->ylen = r.nyl;
+    a->rx = b->ax.legx;
+    a->ty = b->ax.legy;
 }
