@@ -40,28 +40,110 @@ struct Breaker {
     }
 };
 
+// Thins a dense solid polyline to what the output can show: consecutive
+// points that fall into one column (one pixel of a raster device, one plot
+// unit elsewhere) become the column's first point, its lowest and highest
+// point in their order, and its last point.  A line one unit wide covers
+// the same places, so the picture does not change, and a million points
+// cost a few thousand segments on the page.
+struct ColumnThinner {
+    glbblk *b;
+    double scale;   // columns per plot unit
+    bool pen = false, open = false;
+    long long key = 0;
+    double fx = 0, fy = 0, lx = 0, ly = 0;
+    double lox = 0, loy = 0, hix = 0, hiy = 0;
+    long long ilo = 0, ihi = 0, ifirst = 0, ilast = 0;
+
+    void put(double x, double y) {
+        if (pen) {
+            qqdraw(b, x, y);
+        } else {
+            qqmove(b, x, y);
+            pen = true;
+        }
+    }
+    void emit() {
+        if (!open) return;
+        put(fx, fy);
+        if (ilast != ifirst) {
+            bool lo = ilo != ifirst && ilo != ilast, hi = ihi != ifirst && ihi != ilast;
+            if (lo && hi && ilo > ihi) {
+                put(hix, hiy);
+                put(lox, loy);
+            } else {
+                if (lo) put(lox, loy);
+                if (hi && ihi != ilo) put(hix, hiy);
+            }
+            put(lx, ly);
+        }
+        open = false;
+    }
+    void point(long long i, double x, double y) {
+        // x is held within a million units: the shifted product is
+        // positive, and truncation is the floor.
+        long long k = (long long)(x * scale + 4e6);
+        if (open && k == key) {
+            lx = x, ly = y, ilast = i;
+            if (y < loy) loy = y, lox = x, ilo = i;
+            if (y > hiy) hiy = y, hix = x, ihi = i;
+            return;
+        }
+        emit();
+        open = true;
+        key = k;
+        fx = lx = lox = hix = x;
+        fy = ly = loy = hiy = y;
+        ifirst = ilast = ilo = ihi = i;
+    }
+    void gap() {
+        emit();
+        pen = false;
+    }
+};
+
+// Whether a polyline may be thinned: a solid line without offset that no
+// later stage (3-D plane, transformation, hidden lines or shields) looks at.
+bool thinnable(glbblk *b) {
+    const DeviceState &d = b->dev;
+    return d.dshn <= 1 && d.lnoff == 0 && !d.pl3on && !d.trfon && !d.segtest && b->crv.thkcrv == 1;
+}
+
+double column_scale(glbblk *b) {
+    int dev = b->core.devcod;
+    bool raster = dev < 101 || (dev >= 601 && dev <= 700);
+    double s = b->sess.devscl;
+    return raster && s > 0 && s < 1 ? s : 1.0;
+}
+
 void draw_line(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
     Breaker br{b->crv};
     double px, py;
     if (m.type == 0 && !m.logx && !m.logy && !b->crv.gapon[0] && !b->crv.gapon[1]) {
         // The common case in one tight loop.
+        const bool thin = thinnable(b) && n > 64;
+        ColumnThinner th{b, column_scale(b)};
         bool pen = false;
         for (int i = 0; i < n; ++i) {
             double vx = x[i], vy = y[i];
             if (!good(vx, vy)) {
                 pen = false;
+                if (thin) th.gap();
                 continue;
             }
             double rx = (vx - m.ax) * m.fx + m.ox, ry = m.oy - (vy - m.ay) * m.fy;
             rx = rx < -1e6 ? -1e6 : rx > 1e6 ? 1e6 : rx;
             ry = ry < -1e6 ? -1e6 : ry > 1e6 ? 1e6 : ry;
-            if (pen) {
+            if (thin) {
+                th.point(i, rx, ry);
+            } else if (pen) {
                 qqdraw(b, rx, ry);
             } else {
                 qqmove(b, rx, ry);
                 pen = true;
             }
         }
+        if (thin) th.emit();
         return;
     }
     for (int i = 0; i < n; ++i) {
