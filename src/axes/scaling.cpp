@@ -697,16 +697,18 @@ void gaxpar(double a1, double a2, const char *copt, const char *cax, double *a, 
     ax.autmax[i] = smax;
     if (k == 2 && rs > 0) {
         // Pull the limits out to label positions.
-        double lo2 = ro;
-        for (int n = 0; n < 100 && lo2 > ra + 1e-35; ++n) lo2 -= rs;
-        double hi2 = ro;
-        for (int n = 0; n < 100000 && hi2 < re - 1e-35; ++n) hi2 += rs;
+        int n = 0;
+        while (n < 100 && ro - n * rs > ra + 1e-35) ++n;
+        double lo2 = ro - n * rs;
+        n = 0;
+        while (n < 100 && ro + n * rs < re - 1e-35) ++n;
         ra = lo2;
-        re = hi2;
+        re = ro + n * rs;
     }
     if (swap) {
-        double top = ro;
-        for (int n = 0; n < 100 && top + rs <= re + 1e-35; ++n) top += rs;
+        int n = 0;
+        while (n < 100 && ro + (n + 1) * rs <= re + 1e-35) ++n;
+        double top = ro + n * rs;
         double t = ra;
         ra = re;
         re = t;
