@@ -736,8 +736,8 @@ def main():
     H = lambda n: os.path.join(a.hershey, n + ".jhf")
     tables = []
 
-    beta_c = parse_jhf(H("greekc"))[34][2]
-    beta_s = parse_jhf(H("greeks"))[34][2]
+    beta_c = parse_jhf(H("greekc"))[66][2]
+    beta_s = parse_jhf(H("greeks"))[66][2]
     beta = lambda g: [[(x, 9 - y) for x, y in s] for s in g]
 
     # the default font: simplex strokes on the 6 by 7 grid
