@@ -74,6 +74,7 @@ KOLVEX_API void metafl(const char *cdev) KOLVEX_NOEXCEPT;
 KOLVEX_API void newpag(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void page(int nxp, int nyp) KOLVEX_NOEXCEPT;
 KOLVEX_API void pagera(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void paghdr(const char *cstr1, const char *cstr2, int iopt, int idir) KOLVEX_NOEXCEPT;
 KOLVEX_API void pagmod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void pdfmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void pngmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
@@ -159,13 +160,59 @@ KOLVEX_API void tiforg(int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void tifwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void wtiff(const char *cfl) KOLVEX_NOEXCEPT;
 
+/* Stroke fonts and text drawing */
+KOLVEX_API void angle(int ngrad) KOLVEX_NOEXCEPT;
+KOLVEX_API void chaang(double xang) KOLVEX_NOEXCEPT;
+KOLVEX_API void chaspc(double xspc) KOLVEX_NOEXCEPT;
+KOLVEX_API void chawth(double xwth) KOLVEX_NOEXCEPT;
+KOLVEX_API void complx(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void duplx(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void fixspc(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void frmess(int nfrm) KOLVEX_NOEXCEPT;
+KOLVEX_API void gothic(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void height(int nhchar) KOLVEX_NOEXCEPT;
+KOLVEX_API void helve(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void helves(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void helvet(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void kolalf(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void linesp(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void messag(const char *cstr, int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void mixalf(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void newmix(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int nlmess(const char *cstr) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlmess(const char *cstr, double xp, double yp) KOLVEX_NOEXCEPT;
+KOLVEX_API void serif(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void setbas(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void setexp(double fexp) KOLVEX_NOEXCEPT;
+KOLVEX_API void setmix(const char *cchar, const char *cmix) KOLVEX_NOEXCEPT;
+KOLVEX_API void shdcha(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void simplx(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void triplx(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void txtbgd(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void txtjus(const char *copt) KOLVEX_NOEXCEPT;
+
+/* Alphabets, encodings and instruction characters */
+KOLVEX_API void basalf(const char *calph) KOLVEX_NOEXCEPT;
+KOLVEX_API void chacod(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void eushft(const char *cnat, const char *cshf) KOLVEX_NOEXCEPT;
+KOLVEX_API const char *getalf(void) KOLVEX_NOEXCEPT;
+KOLVEX_API const char *getmix(const char *cmix) KOLVEX_NOEXCEPT;
+KOLVEX_API const char *getshf(const char *cnat) KOLVEX_NOEXCEPT;
+KOLVEX_API void gmxalf(const char *calph, char *c1, char *c2, int *n) KOLVEX_NOEXCEPT;
+KOLVEX_API int intutf(const int *iray, int nray, char *cstr, int nmax) KOLVEX_NOEXCEPT;
+KOLVEX_API void smxalf(const char *calph, const char *c1, const char *c2, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API int utfint(const char *cstr, int *iray, int nray) KOLVEX_NOEXCEPT;
+
 /* Numbers as text */
 KOLVEX_API void fcha(double x, int ndig, char *cstr) KOLVEX_NOEXCEPT;
 KOLVEX_API int flen(double x, int ndig) KOLVEX_NOEXCEPT;
 KOLVEX_API void intcha(int nint, char *cstr) KOLVEX_NOEXCEPT;
 KOLVEX_API int intlen(int nint) KOLVEX_NOEXCEPT;
+KOLVEX_API int nlnumb(double x, int ndig) KOLVEX_NOEXCEPT;
+KOLVEX_API void number(double x, int ndig, int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void numfmt(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void numode(const char *cdec, const char *cgrp, const char *cpos, const char *cfix) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlnumb(double x, int ndig, double xp, double yp) KOLVEX_NOEXCEPT;
 KOLVEX_API int trmlen(const char *cstr) KOLVEX_NOEXCEPT;
 
 /* Axis scaling */
@@ -191,7 +238,9 @@ KOLVEX_API void gettic(int *nx, int *ny, int *nz) KOLVEX_NOEXCEPT;
 KOLVEX_API void intax(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void labdig(int ndig, const char *cax) KOLVEX_NOEXCEPT;
 KOLVEX_API void neglog(double eps) KOLVEX_NOEXCEPT;
+KOLVEX_API int nxpixl(int ix, int iy) KOLVEX_NOEXCEPT;
 KOLVEX_API int nxposn(double x) KOLVEX_NOEXCEPT;
+KOLVEX_API int nypixl(int ix, int iy) KOLVEX_NOEXCEPT;
 KOLVEX_API int nyposn(double y) KOLVEX_NOEXCEPT;
 KOLVEX_API void origin(int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void scale(const char *cscl, const char *cax) KOLVEX_NOEXCEPT;
@@ -227,8 +276,8 @@ KOLVEX_API void labtyp(const char *ctyp, const char *cax) KOLVEX_NOEXCEPT;
 KOLVEX_API void lfttit(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void logtic(const char *cmod) KOLVEX_NOEXCEPT;
 KOLVEX_API void mylab(const char *cstr, int itick, const char *cax) KOLVEX_NOEXCEPT;
-KOLVEX_API void name(const char *cstr, const char *cax) KOLVEX_NOEXCEPT;
 KOLVEX_API void namdis(int ndis, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API void name(const char *cstr, const char *cax) KOLVEX_NOEXCEPT;
 KOLVEX_API void namjus(const char *cjus, const char *cax) KOLVEX_NOEXCEPT;
 KOLVEX_API void nograf(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void noline(const char *cax) KOLVEX_NOEXCEPT;

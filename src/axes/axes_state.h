@@ -86,7 +86,7 @@ struct AxesState {
     int expzlb;             // 0 NONE, 1 FIRS, 2 BOTH
     int labclr[3];          // label colours of bars, pies, contours
     int xlab[3];            // label kinds of bars, pies, contours
-    int xdig[5];            // digits of bars, contours, pie percent and data, dates
+    int xdig[5];            // digits of bars, contours, pie percent, pie data, dates
     int condis;             // contour label distance
     int xpos[2];            // label positions of bars and pies
     int xori[3];            // label orientation of pies, polar, contours

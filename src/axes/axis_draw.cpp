@@ -157,12 +157,15 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     int h = qqaxth(b);
     double B = qqaxbase(b);
     int jus = ax.labjus[axis];
-    int token = -1;
+    AxMixSave mix;
+    bool mixed = false;
     if (power) {
-        token = qqaxmix(b, 0);
+        qqaxmix(b, 0, &mix);
+        mixed = true;
         if (jus == 0) jus = 1;
     } else if (lab == 2 || lab == 16 || ax.labcls[axis] == 2) {
-        token = qqaxmix(b, lab == 16);
+        qqaxmix(b, lab == 16, &mix);
+        mixed = true;
     }
     if (lab == 12 && jus == 0) jus = ax.rgtlab ? 2 : 1;
     int savdig = ax.ndig[axis];
@@ -253,7 +256,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
         qqaxtxt(b, t, x, y, rot);
     }
     ax.ndig[axis] = savdig;
-    if (token >= 0) qqaxmixend(b, token);
+    if (mixed) qqaxmixend(b, &mix);
     return E;
 }
 

@@ -19,11 +19,14 @@ void qqaxtxt(glbblk *b, const char *text, double x, double y, int angle) noexcep
 int qqaxth(glbblk *b) noexcept;
 // Sets the character height and returns the previous one.
 int qqaxsth(glbblk *b, int h) noexcept;
-// Text modes of power and exponent labels: mix mode (raised exponents) and
-// the MATHEMATIC shift of XEXP.  qqaxmix returns a token that qqaxmixend
-// takes to put the modes back.
-int qqaxmix(glbblk *b, int xexp) noexcept;
-void qqaxmixend(glbblk *b, int token) noexcept;
+// Text modes of power and exponent labels: mix mode (raised exponents),
+// TeX off, and for XEXP the MATHEMATIC shift between "{" and "}".
+struct AxMixSave {
+    int mixon, texon, smxon, smxalf, hjus, vjus;
+    char c1, c2;
+};
+void qqaxmix(glbblk *b, int xexp, AxMixSave *s) noexcept;
+void qqaxmixend(glbblk *b, const AxMixSave *s) noexcept;
 // Line spacing of titles (linesp).
 double qqaxlinesp(glbblk *b) noexcept;
 // Base line factors of raised text: setbas + setexp.

@@ -340,6 +340,19 @@ void labdig(int ndig, const char *cax) noexcept {
         qqwarn(b, 2, ndig);
         return;
     }
+    // The special words: BAR, CON, PIE (percent and data digits), DAT, PER.
+    char w[4] = {0, 0, 0, 0};
+    qqscpy(w, cax ? cax : "", 3);
+    qqupc(w);
+    static const char *const words[] = {"BAR", "CON", "PIE", "DAT", "PER"};
+    for (int k = 0; k < 5; ++k)
+        if (std::strcmp(w, words[k]) == 0) {
+            if (k == 2)
+                b->ax.xdig[2] = b->ax.xdig[3] = ndig;
+            else
+                b->ax.xdig[k == 0 ? 0 : k == 1 ? 1 : k == 3 ? 3 : 2] = ndig;
+            return;
+        }
     int m = axes_of(cax);
     for (int i = 0; i < 3; ++i)
         if (m >> i & 1) {
@@ -697,16 +710,18 @@ void gaxpar(double a1, double a2, const char *copt, const char *cax, double *a, 
     ax.autmax[i] = smax;
     if (k == 2 && rs > 0) {
         // Pull the limits out to label positions.
-        double lo2 = ro;
-        for (int n = 0; n < 100 && lo2 > ra + 1e-35; ++n) lo2 -= rs;
-        double hi2 = ro;
-        for (int n = 0; n < 100000 && hi2 < re - 1e-35; ++n) hi2 += rs;
+        int n = 0;
+        while (n < 100 && ro - n * rs > ra + 1e-35) ++n;
+        double lo2 = ro - n * rs;
+        n = 0;
+        while (n < 100 && ro + n * rs < re - 1e-35) ++n;
         ra = lo2;
-        re = hi2;
+        re = ro + n * rs;
     }
     if (swap) {
-        double top = ro;
-        for (int n = 0; n < 100 && top + rs <= re + 1e-35; ++n) top += rs;
+        int n = 0;
+        while (n < 100 && ro + (n + 1) * rs <= re + 1e-35) ++n;
+        double top = ro + n * rs;
         double t = ra;
         ra = re;
         re = t;
@@ -718,4 +733,32 @@ void gaxpar(double a1, double a2, const char *copt, const char *cax, double *a, 
     *orl = ro;
     *step = rs;
     *ndig = found;
+}
+
+namespace {
+
+bool pixel_device(int dev) { return dev < 101 || dev == 221 || dev == 231 || (dev >= 601 && dev <= 700); }
+
+}  // namespace
+
+int nxpixl(int ix, int iy) noexcept {
+    glbblk *b = KX_ENTRY("nxpixl");
+    if (!b) return 0;
+    if (!pixel_device(b->core.devcod)) {
+        qqwar1(b, 161, "Bad output device");
+        return 0;
+    }
+    double v = b->sess.pagrot == 1 ? iy : ix;
+    return (int)std::trunc(v * b->sess.devscl + 0.5);
+}
+
+int nypixl(int ix, int iy) noexcept {
+    glbblk *b = KX_ENTRY("nypixl");
+    if (!b) return 0;
+    if (!pixel_device(b->core.devcod)) {
+        qqwar1(b, 161, "Bad output device");
+        return 0;
+    }
+    double v = b->sess.pagrot == 1 ? b->core.nxp - ix : iy;
+    return (int)std::trunc(v * b->sess.devscl + 0.5);
 }

@@ -50,9 +50,17 @@ void qqaxdefaults(glbblk *b, AxesState *o) noexcept {
 
 namespace {
 
+// User coordinates of the axis system for rlmess and rlnumb.
+int user_position(glbblk *b, double x, double y, double *px, double *py) {
+    if (b->core.level < 2) return 0;
+    qqpos2(b, x, y, px, py);
+    return 1;
+}
+
 void axes_init(glbblk *b) {
     // The scaling record and the saved state die with the session too.
     qqaxdefaults(b, &b->ax);
+    b->txt.userpos = user_position;
 }
 
 // Each reset row copies its fields from a fresh set of defaults.

@@ -16,6 +16,7 @@
 #include "plots/curve_state.h"
 #include "raster/canvas_state.h"
 #include "raster/colour_state.h"
+#include "text/text_state.h"
 #include "text/number_state.h"
 #include "axes/axes_state.h"
 
@@ -28,6 +29,7 @@ struct glbblk {
     VectorState vec;      // drivers of SVG, IPE and Java
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency
+    TextState txt;        // fonts, text settings, the string being drawn
     NumberState num;      // numbers as text
     AxesState ax;         // axis settings and the scaling record
     CurveState crv;       // curves, symbols, attribute cycles

@@ -10,6 +10,7 @@ extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
+extern const Subsystem kxsub_text;
 extern const Subsystem kxsub_numbers;
 extern const Subsystem kxsub_axes;
 extern const Subsystem kxsub_curves;
@@ -28,6 +29,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_vector,
     &kxsub_canvas,
     &kxsub_colour,
+    &kxsub_text,
     &kxsub_numbers,
     &kxsub_axes,
     &kxsub_curves,

@@ -11,6 +11,7 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "text/text.h"
 
 namespace {
 
@@ -252,6 +253,113 @@ void numode(const char *cdec, const char *cgrp, const char *cpos, const char *cf
     if (k > 0) nm[3] = "01"[k - 1];
 }
 
-// Until the instruction characters are settable they are the defaults.
-char qqraisech(const glbblk *) noexcept { return '['; }
-char qqbackch(const glbblk *) noexcept { return '$'; }
+// The exponent and reset characters of mix mode.
+char qqraisech(const glbblk *b) noexcept { return b->txt.mixchr[0] ? b->txt.mixchr[0] : '['; }
+char qqbackch(const glbblk *b) noexcept { return b->txt.mixchr[2] ? b->txt.mixchr[2] : '$'; }
+
+// ---------------------------------------------------------------------------
+// Numbers drawn and measured through the text path.
+
+namespace {
+
+struct NumberModes {
+    int fixon;
+    double fixfac;
+    int mixon, smxon, smxalf;
+    char c1, c2;
+};
+
+// Fixed pitch for equal widths, mix mode for the exponent forms and the
+// MATHEMATIC shift of XEXP, for the length of one call.
+void modes_on(glbblk *b, NumberModes *m) {
+    TextState &t = b->txt;
+    m->fixon = t.fixon;
+    m->fixfac = t.fixfac;
+    m->mixon = t.mixon;
+    m->smxon = t.smxon;
+    m->smxalf = t.smxalf[0];
+    m->c1 = t.smxc1[0];
+    m->c2 = t.smxc2[0];
+    if (b->num.numode[3] == '1') {
+        t.fixon = 1;
+        t.fixfac = 0.7;
+    }
+    if (b->num.numfmt != 0) t.mixon = 1;
+    if (b->num.numfmt == 4) {
+        t.smxon = 1;
+        t.smxalf[0] = 3;
+        t.smxc1[0] = '{';
+        t.smxc2[0] = '}';
+    }
+    t.cachesec = 0;
+}
+
+void modes_off(glbblk *b, const NumberModes *m) {
+    TextState &t = b->txt;
+    t.fixon = m->fixon;
+    t.fixfac = m->fixfac;
+    t.mixon = m->mixon;
+    t.smxon = m->smxon;
+    t.smxalf[0] = m->smxalf;
+    t.smxc1[0] = m->c1;
+    t.smxc2[0] = m->c2;
+    t.cachesec = 0;
+}
+
+// The text of number cut to the buffer limit of 50 characters.
+bool number_text(glbblk *b, double x, int ndig, char *out) {
+    if (ndig < -1 || ndig > 100) {
+        qqwarn(b, 2, ndig);
+        return false;
+    }
+    char t[160];
+    qqnumtxt(b, x, ndig, t, sizeof t);
+    qqscpy(out, t, 50);
+    return true;
+}
+
+}  // namespace
+
+void number(double x, int ndig, int nx, int ny) noexcept {
+    glbblk *b = KX_ENTRY("number");
+    if (!b) return;
+    char t[51];
+    if (!number_text(b, x, ndig, t)) return;
+    NumberModes m;
+    modes_on(b, &m);
+    qqmessag(b, t, nx, ny);
+    modes_off(b, &m);
+}
+
+int nlnumb(double x, int ndig) noexcept {
+    glbblk *b = KX_ENTRY("nlnumb");
+    if (!b) return 0;
+    char t[51];
+    if (!number_text(b, x, ndig, t)) return 0;
+    NumberModes m;
+    modes_on(b, &m);
+    int n = qqtxtlen(b, t);
+    modes_off(b, &m);
+    return n;
+}
+
+void rlnumb(double x, int ndig, double xp, double yp) noexcept {
+    glbblk *b = KX_ENTRY("rlnumb");
+    if (!b) return;
+    char t[51];
+    if (!number_text(b, x, ndig, t)) return;
+    int nx = 999, ny = 999;
+    if (!(std::fabs(xp - 999.0) < 0.1 && std::fabs(yp - 999.0) < 0.1)) {
+        double px = xp, py = yp;
+        if (b->txt.userpos && !b->txt.userpos(b, xp, yp, &px, &py)) return;
+        nx = (int)std::trunc(px + 0.5);
+        ny = (int)std::trunc(py + 0.5);
+    }
+    NumberModes m;
+    modes_on(b, &m);
+    unsigned char keep = b->core.ynoflp;
+    b->core.ynoflp = 1;
+    qqmessag(b, t, nx, ny);
+    b->core.ynoflp = keep;
+    modes_off(b, &m);
+}

@@ -1,0 +1,153 @@
+"""Axis systems: automatic scaling, the positions of ticks and labels in the
+native metafile, and bad input."""
+import math
+import time
+
+import pytest
+
+import kolvex
+from axes_support import read_plog, segments
+
+X0, Y0, XL, YL = 494, 1799, 1980, 1400   # defaults of the DA4L page
+
+
+def session(name="axes.met"):
+    kolvex.metafl("PLOG")
+    kolvex.setfil(name)
+    kolvex.filmod("DELE")
+    kolvex.kolini()
+
+
+def finish():
+    kolvex.unit(0)
+    kolvex.kolfin()
+
+
+def warnings_of(capfd):
+    return [l for l in capfd.readouterr().out.splitlines() if l.startswith(" <<<< Warning")]
+
+
+@pytest.mark.parametrize("lo, hi, length, want", [
+    (1.0, 2.0, 2000, (1.0, 2.0, 1.0, 0.2, 1)),
+    (0.0, 7.0, 2000, (0.0, 7.0, 0.0, 1.0, -1)),
+    (0.0, 7.0, 1000, (0.0, 7.0, 0.0, 2.0, -1)),
+    (3.0, 7.5, 2000, (3.0, 7.5, 3.0, 1.0, -1)),
+    (3.2, 7.5, 2000, (3.2, 7.5, 4.0, 1.0, -1)),
+    (-3.5, 3.5, 2000, (-3.5, 3.5, -3.0, 1.0, -1)),
+    (0.0, 0.35, 2000, (0.0, 0.35, 0.0, 0.05, 2)),
+])
+def test_automatic_scaling_of_linear_axes(lo, hi, length, want):
+    session()
+    kolvex.axslen(length, 1000)
+    got = kolvex.gaxpar(lo, hi, "NOEX", "X")
+    assert got[:4] == pytest.approx(want[:4]) and got[4] == want[4]
+    finish()
+
+
+def test_setscl_feeds_graf_and_reversed_limits_come_back_exchanged(capfd):
+    session()
+    kolvex.scale("LOG", "Y")
+    kolvex.setscl([1.0, 1000.0], 2, "Y")
+    kolvex.setscl([5.0, 5.0], 2, "X")
+    kolvex.graf(0, 0, 0, 0, 0, 0, 0, 0)
+    assert kolvex.getgrf("Y") == pytest.approx((0.0, 3.0, 0.0, 1.0))
+    assert kolvex.getgrf("X")[:2] == pytest.approx((4.0, 6.0))
+    assert kolvex.yposn(10.0) == pytest.approx(Y0 - (YL - 1) / 3)
+    kolvex.endgrf()
+    assert warnings_of(capfd) == [
+        " <<<< Warning 25: Minimum equal maximum (added -1 and +1) in setscl!"]
+    assert kolvex.gaxpar(7.0, 0.0, "NOEX", "X") == pytest.approx((7.0, 0.0, 7.0, -1.0, -1))
+    assert kolvex.gaxpar(0.3, 9.5, "EXTE", "X")[:2] == pytest.approx((0.0, 10.0))
+    finish()
+
+
+def test_awkward_data_ranges_end_in_a_scaling_or_a_warning(capfd):
+    for data in ([1e-300, 2e-300], [-1e300, 1e300], [3.0] * 5, [-2.5, 0.0, 4.0]):
+        session()
+        kolvex.setscl(data, len(data), "XY")
+        t = time.time()
+        kolvex.graf(0, 0, 0, 0, 0, 0, 0, 0)
+        assert time.time() - t < 5
+        if kolvex.getlev() == 2:
+            a, e, orl, step = kolvex.getgrf("X")
+            assert a <= orl <= e and step > 0
+            kolvex.endgrf()
+        finish()
+    capfd.readouterr()
+    session()
+    kolvex.scale("LOG", "XY")
+    kolvex.setscl([-5.0, -1.0], 2, "XY")
+    kolvex.graf(0, 0, 0, 0, 0, 0, 0, 0)
+    assert kolvex.getgrf("X") == pytest.approx((-1.0, 0.0, -1.0, 1.0))
+    kolvex.endgrf()
+    w = warnings_of(capfd)
+    assert " <<<< Warning 23: Non positive minimum for log scaling (set to 0.1) in graf!" in w
+    assert " <<<< Warning 24: Non positive maximum for log scaling (set to 1.0) in graf!" in w
+    finish()
+
+
+def test_bad_scalings_leave_level_one(capfd):
+    session()
+    cases = [((0, 0, 0, 1, 0, 1, 0, 1), "Warning 10: Begin and end of scaling are equal"),
+             ((0, 1, 0, 0, 0, 1, 0, 1), "Warning 9: Step equal zero"),
+             ((0, 1, 0, math.nan, 0, 1, 0, 1), "Warning 9: Step equal zero"),
+             ((0, 1, 0, 1, math.nan, 1, 0, 1), "Warning 10: Begin and end of scaling are equal")]
+    for args, text in cases:
+        kolvex.graf(*args)
+        assert kolvex.getlev() == 1
+        assert any(text in l for l in warnings_of(capfd))
+    kolvex.graf(0, 10, 2, -1, 0, 1, 0, 1)       # wrong sign: drawn all the same
+    assert kolvex.getlev() == 2
+    kolvex.graf(0, 1, 0, 1, 0, 1, 0, 1)
+    w = warnings_of(capfd)
+    assert any("Warning 50: Incorrect sign for step" in l for l in w)
+    assert w[-1] == " <<<< Warning 3: Incorrect level in graf!   ( 2)"
+    kolvex.endgrf()
+    assert kolvex.getlev() == 1
+    t = time.time()
+    kolvex.graf(0, 1e6, 0, 1, 0, 1e-6, 0, 1e-12)   # a million labels, 1e6 ticks
+    kolvex.endgrf()
+    assert time.time() - t < 5
+    finish()
+
+
+def ticks_of(path, axis_y):
+    """x of the vertical tick segments that start or end on the line y."""
+    out = {}
+    for (x0, y0), (x1, y1) in segments(read_plog(path)):
+        if abs(x0 - x1) < 0.01 and min(abs(y0 - axis_y), abs(y1 - axis_y)) < 0.01 and abs(y1 - y0) > 1:
+            out[round(x0)] = round(abs(y1 - y0))
+    return out
+
+
+@pytest.mark.parametrize("scaling, log", [
+    ((0.0, 10.0, 0.0, 2.0), False),
+    ((10.0, 0.0, 10.0, -2.5), False),
+    ((-0.3, 0.7, -0.2, 0.2), False),
+    ((0.0, 3.0, 0.0, 1.0), True),
+])
+def test_tick_positions_follow_the_scaling(tmp_path, scaling, log):
+    session("ticks.met")
+    kolvex.setgrf("TICK", "NONE", "NONE", "NONE")
+    kolvex.frame(0)
+    kolvex.noline("X")
+    if log:
+        kolvex.scale("LOG", "X")
+    a, e, orl, s = scaling
+    kolvex.graf(a, e, orl, s, 0.0, 1.0, 0.0, 1.0)
+    kolvex.endgrf()
+    finish()
+    got = ticks_of(tmp_path / "ticks.met", Y0)
+    f = (XL - 1) / (e - a)
+    want = {}
+    if log:
+        for i in range(0, 4):
+            want[math.trunc(i * f + X0 + 0.5)] = 24
+        for dec in range(0, 3):
+            for j in range(2, 10):
+                want[X0 + round((dec + math.log10(j)) * f)] = 16
+    else:
+        ds = s / 2
+        for i in range(-math.trunc((orl - a) / ds + 1e-4), math.trunc((e - orl) / ds + 1e-4) + 1):
+            want[math.trunc(i * f * ds + (orl - a) * f + X0 + 0.5)] = 24 if i % 2 == 0 else 16
+    assert got == want
