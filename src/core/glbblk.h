@@ -13,6 +13,7 @@
 #include "core/session_state.h"
 #include "devices/device_state.h"
 #include "devices/vector_state.h"
+#include "plots/style_state.h"
 #include "raster/canvas_state.h"
 #include "raster/colour_state.h"
 
@@ -25,4 +26,5 @@ struct glbblk {
     VectorState vec;      // drivers of SVG, IPE and Java
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency
+    StyleState sty;       // line style number, shading pattern, fill switches
 };

@@ -10,6 +10,7 @@ extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
+extern const Subsystem kxsub_styles;
 
 namespace {
 
@@ -25,6 +26,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_vector,
     &kxsub_canvas,
     &kxsub_colour,
+    &kxsub_styles,
 };
 
 }  // namespace
