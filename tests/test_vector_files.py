@@ -37,7 +37,7 @@ def session(device, name, page=None, mode=None):
     kolvex.unit(0)
     kolvex.pagera()
     kolvex.color("RED")
-    kolvex.linwid(5)
+    kolvex.linwid(20)
     kolvex.pagera()
     kolvex.setrgb(0.0, 0.5, 1.0)
     kolvex.penwid(0.5)
@@ -77,7 +77,7 @@ def test_svg_sessions_are_read_and_rendered(tmp_path, page, mode, size):
     from PIL import Image
     im = np.asarray(Image.open("plot.png").convert("RGB")).astype(int)
     assert im.shape[1::-1] == size
-    # The red frame of width 5 and the light blue one both show.
+    # The red frame of width 20 and the light blue one both show.
     red = (im[..., 0] > 200) & (im[..., 1] < 80) & (im[..., 2] < 80)
     blue = (im[..., 2] > im[..., 1] + 40) & (im[..., 1] > im[..., 0] + 20)
     assert red.sum() > 1000 and blue.sum() > 300
@@ -85,7 +85,12 @@ def test_svg_sessions_are_read_and_rendered(tmp_path, page, mode, size):
     # A new page keeps the one picture; every group is closed.
     assert text.count("<svg ") == 1 and text.endswith("</g>\n</svg>\n")
     assert text.count("<g ") == text.count("</g>")
-    assert 'stroke-width="5.000"' in text and 'stroke-width="0.500"' in text
+    # Widths scale like the coordinates, never below the thinnest line.
+    w, h = (2969, 2099) if page is None else (2099, 2969)
+    if mode == "PORT":
+        w, h = h, w
+    sc = min((size[0] - 1) / w, (size[1] - 1) / h)
+    assert f'stroke-width="{20 * sc:.3f}"' in text and 'stroke-width="0.500"' not in text
     if mode == "PORT":
         # The page turns: its frame stands upright in the left of the picture.
         cols = np.nonzero(red.any(axis=0))[0]

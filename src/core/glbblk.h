@@ -13,6 +13,7 @@
 #include "core/session_state.h"
 #include "devices/device_state.h"
 #include "devices/vector_state.h"
+#include "plots/style_state.h"
 #include "plots/curve_state.h"
 #include "raster/canvas_state.h"
 #include "raster/colour_state.h"
@@ -32,6 +33,7 @@ struct glbblk {
     TextState txt;        // fonts, text settings, the string being drawn
     NumberState num;      // numbers as text
     AxesState ax;         // axis settings and the scaling record
+    StyleState sty;       // line style number, shading pattern, fill switches
     CurveState crv;       // curves, symbols, attribute cycles
     LegendState leg;      // legend lines, layout and curve records
 };

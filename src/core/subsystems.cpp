@@ -13,6 +13,7 @@ extern const Subsystem kxsub_vector;
 extern const Subsystem kxsub_text;
 extern const Subsystem kxsub_numbers;
 extern const Subsystem kxsub_axes;
+extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_curves;
 
 namespace {
@@ -32,6 +33,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_text,
     &kxsub_numbers,
     &kxsub_axes,
+    &kxsub_styles,
     &kxsub_curves,
 };
 

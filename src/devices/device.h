@@ -108,6 +108,17 @@ int qqin(glbblk *b, double x, double y) noexcept;
 void qqclippage(glbblk *b) noexcept;
 // Sends the clip window to a driver that clips itself.
 void qqclipdev(glbblk *b, int narrowing) noexcept;
+// Fills a polygon of n points in plot coordinates (the origin shift is
+// added on the way, as to every position) with the current pattern: solid
+// fill goes to a driver that takes polygons, everything else is hatched
+// with lines through qqmove and qqdraw, so that it is clipped like a line.
+// The arrays may be changed.  Without the fill of the plots nothing is
+// drawn.
+void qqfillpoly(glbblk *b, double *x, double *y, int n) noexcept;
+// Hands a solid polygon (plot coordinates without origin shift) to the
+// driver when it fills polygons itself; returns 1 when the driver drew it,
+// 0 when the caller must hatch.  No checks of pattern or hardware mode.
+int qqdevpoly(glbblk *b, const double *x, const double *y, int n) noexcept;
 // Resets the dash pattern to its first element (lintyp, myline, solid).
 void qqdshres(glbblk *b) noexcept;
 

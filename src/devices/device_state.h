@@ -53,4 +53,7 @@ struct DeviceState {
     // segment test of hidden lines or shields.  Null when not in use.
     void (*plane)(glbblk *b, double *x, double *y);
     int (*segtest)(glbblk *b, double x0, double y0, double x1, double y1);
+    // The polygon fill of the plots with the current pattern (qqfillpoly),
+    // set when a block is made: the layer hands fills upward through it.
+    void (*fillfn)(glbblk *b, double *x, double *y, int n);
 };

@@ -624,13 +624,14 @@ void shdcrv(const double *x1ray, const double *y1ray, int n1, const double *x2ra
     b->core.ynoflp = 1;
     qqclip(b, 0);
     if (k >= 3) {
-        if (pattern != 0) qqpatfill(b, px, py, k, pattern);
         if (outline) {
             qqsolid(b);
             qqmove(b, px[0], py[0]);
             for (int i = 1; i < k; ++i) qqdraw(b, px[i], py[i]);
             qqdraw(b, px[0], py[0]);
+            qqflsh(b);
         }
+        if (pattern != 0) qqpatfill(b, px, py, k, pattern);  // may change px, py
     }
     qqflsh(b);
     qqclip(b, 1);

@@ -17,6 +17,7 @@
 #include "kolvex.h"
 #include "plots/curve_draw.h"
 #include "plots/curves.h"
+#include "plots/fill.h"
 #include "plots/legend_link.h"
 
 namespace {
@@ -497,11 +498,7 @@ void legend(const char *cbuf, int npos) noexcept {
         ih = t - 2 * f;
     }
     if (g.bgd != -1) {
-        qqsetc(b, g.bgd);
-        double bx[4] = {(double)ix, (double)(ix + iw), (double)(ix + iw), (double)ix};
-        double by[4] = {(double)iy, (double)iy, (double)(iy + ih), (double)(iy + ih)};
-        qqsolidfill(b, bx, by, 4);
-        qqsetc(b, save.colour);
+        qqrectf(b, ix, iy, ix + iw - 1, iy + ih - 1, g.bgd);
     }
     if (f != 0) qqlegbox(b, ix, iy, iw, ih, f);
 

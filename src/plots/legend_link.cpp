@@ -4,6 +4,7 @@
 #include "axes/axes_state.h"
 #include "axes/label_text.h"
 #include "devices/device.h"
+#include "plots/fill.h"
 #include "plots/legend_link.h"
 
 int qqleghgt(glbblk *b) noexcept { return qqaxth(b); }
@@ -33,17 +34,7 @@ void qqlegtext(glbblk *b, const char *text, int n, int x, int y) noexcept {
 int qqlegframe(glbblk *b) noexcept { return b->ax.frmthk; }
 
 void qqlegbox(glbblk *b, int x, int y, int w, int h, int f) noexcept {
-    // f lines, outward from the box for a positive thickness, inward for a
-    // negative one.
-    int n = f < 0 ? -f : f, step = f < 0 ? 1 : -1;
-    for (int i = 0; i < n; ++i) {
-        int o = i * step;
-        qqmove(b, x + o, y + o);
-        qqdraw(b, x + w - 1 - o, y + o);
-        qqdraw(b, x + w - 1 - o, y + h - 1 - o);
-        qqdraw(b, x + o, y + h - 1 - o);
-        qqdraw(b, x + o, y + o);
-    }
+    qqframe(b, x, y, w, h, f, 0.0, -1);
     qqflsh(b);
 }
 

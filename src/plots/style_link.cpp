@@ -1,60 +1,56 @@
-// Line styles and patterns as the curve routines use them.
-#include <cmath>
+// Line styles, patterns and fills as the curve routines use them, on top of
+// the line-style and fill settings.
+#include <cstring>
 
 #include "devices/device.h"
 #include "plots/curve_draw.h"
 #include "plots/curves.h"
-
-namespace {
-
-const int kStyles[8][5] = {
-    {1, 1}, {2, 1, 10}, {2, 10, 10}, {4, 30, 15, 10, 15},
-    {4, 1, 15, 15, 15}, {2, 20, 15}, {2, 1, 20}, {2, 30, 20},
-};
-
-}  // namespace
+#include "plots/fill.h"
+#include "plots/line_styles.h"
+#include "plots/patterns.h"
 
 void qqsetstyle(glbblk *b, int ltyp) noexcept {
     if (ltyp < 0 || ltyp > 7) return;
     qqflsh(b);
-    DeviceState &d = b->dev;
-    double uf = b->core.unitf > 0 ? b->core.unitf : 1.0;
-    d.dshn = kStyles[ltyp][0];
-    for (int i = 0; i < d.dshn; ++i) {
-        int v = (int)(kStyles[ltyp][1 + i] / uf + 0.5);
-        d.dshl[i] = v < 1 ? 1 : v;
-    }
-    qqdshres(b);
+    qqlintyp(b, ltyp);
 }
 
-int qqgetstyle(glbblk *b) noexcept {
-    const DeviceState &d = b->dev;
-    for (int k = 0; k < 8; ++k) {
-        if (kStyles[k][0] != (d.dshn < 1 ? 1 : d.dshn)) continue;
-        if (k == 0) return 0;
-        bool same = true;
-        double uf = b->core.unitf > 0 ? b->core.unitf : 1.0;
-        for (int i = 0; i < d.dshn; ++i) {
-            int v = (int)(kStyles[k][1 + i] / uf + 0.5);
-            if ((v < 1 ? 1 : v) != d.dshl[i]) same = false;
-        }
-        if (same) return k;
-    }
-    return 8;
-}
+int qqgetstyle(glbblk *b) noexcept { return b->sty.ltyp; }
 
 void qqstylesave(glbblk *b, CurveSave *s) noexcept {
-    s->ltyp = qqgetstyle(b);
-    s->pattern = 0;
+    s->ltyp = b->sty.ltyp;
+    s->pattern = qqgetpat(b);
 }
 
-void qqstylerestore(glbblk *b, const CurveSave *s) noexcept {}
+void qqstylerestore(glbblk *b, const CurveSave *s) noexcept {
+    b->sty.ltyp = s->ltyp;
+    if (qqgetpat(b) != s->pattern) qqshdpat(b, s->pattern);
+}
 
 void qqpatfill(glbblk *b, const double *x, const double *y, int n, int pattern) noexcept {
-    if (pattern != 0) qqsolidfill(b, x, y, n);
+    if (pattern == 0 || n < 3) return;
+    int saved = qqgetpat(b);
+    if (saved != pattern) qqshdpat(b, pattern);
+    // The fill may change its arrays: small polygons go through a copy,
+    // large ones (shaded areas between curves) are the caller's own.
+    if (n <= 256) {
+        double cx[256], cy[256];
+        std::memcpy(cx, x, sizeof(double) * n);
+        std::memcpy(cy, y, sizeof(double) * n);
+        qqpfill(b, cx, cy, n);
+    } else {
+        qqpfill(b, const_cast<double *>(x), const_cast<double *>(y), n);
+    }
+    if (saved != pattern) qqshdpat(b, saved);
 }
 
-int qqgetpattern(glbblk *b) noexcept { return 16; }
-void qqsetpattern(glbblk *b, int pattern) noexcept {}
-int qqpatcycle(glbblk *b, int index) noexcept { return (index - 1) % 18; }
-bool qqarealine(glbblk *b) noexcept { return true; }
+void qqsolidfill(glbblk *b, const double *x, const double *y, int n) noexcept {
+    qqpatfill(b, x, y, n, QQ_SOLID_PATTERN);
+}
+
+int qqgetpattern(glbblk *b) noexcept { return qqgetpat(b); }
+void qqsetpattern(glbblk *b, int pattern) noexcept { qqshdpat(b, pattern); }
+int qqpatcycle(glbblk *b, int index) noexcept {
+    return index >= 1 && index <= 30 ? b->sty.patcycl[index - 1] : 0;
+}
+bool qqarealine(glbblk *b) noexcept { return b->sty.outline != 0; }
