@@ -22,8 +22,6 @@
 
 namespace {
 
-constexpr char kLegendMix = '/';
-
 // One shown entry: its line number and its cell.
 struct Cell {
     int line;  // 1 .. nlin
@@ -64,27 +62,29 @@ int trimmed(const char *buf, int m, int i, const char **text) {
 }
 
 // Text lines of an entry: with mixleg the control character splits it.
-int entry_lines(const LegendState &g, const char *buf, int i) {
+int entry_lines(glbblk *b, const LegendState &g, const char *buf, int i) {
     if (!g.mix) return 1;
+    const char mixc = qqlegmix(b);
     const char *t = buf + (size_t)(i - 1) * g.nmaxln;
     int n = 1;
     for (int k = 0; k < g.nmaxln; ++k)
-        if (t[k] == kLegendMix) ++n;
+        if (t[k] == mixc) ++n;
     return n;
 }
 
 // Calls fn(text, length, index) for each text line of entry i.
 template <class Fn>
-void each_text_line(const LegendState &g, const char *buf, int i, Fn fn) {
+void each_text_line(glbblk *b, const LegendState &g, const char *buf, int i, Fn fn) {
     const char *t;
     int n = trimmed(buf, g.nmaxln, i, &t);
     if (!g.mix) {
         fn(t, n, 0);
         return;
     }
+    const char mixc = qqlegmix(b);
     int start = 0, part = 0;
     for (int k = 0; k <= n; ++k)
-        if (k == n || t[k] == kLegendMix) {
+        if (k == n || t[k] == mixc) {
             int e = k;
             while (e > start && t[e - 1] == ' ') --e;
             fn(t + start, e - start, part++);
@@ -151,9 +151,9 @@ void layout(glbblk *b, const char *buf, Layout *L) {
             cl.col = j;
             cl.row = 0;
         }
-        cl.lines = entry_lines(g, buf, cl.line);
+        cl.lines = entry_lines(b, g, buf, cl.line);
         int w = 0;
-        each_text_line(g, buf, cl.line, [&](const char *t, int n, int) {
+        each_text_line(b, g, buf, cl.line, [&](const char *t, int n, int) {
             int tw = n > 0 ? qqlegwidth(b, t, n) : 0;
             if (tw > w) w = tw;
         });
@@ -582,7 +582,7 @@ void legend(const char *cbuf, int npos) noexcept {
             if (r.colour != -1) qqsetc(b, r.colour);
         }
         int cx = colx[cl.col] + p + L.d, cy = rowy[cl.row];
-        each_text_line(g, cbuf, cl.line, [&](const char *txt, int n, int part) {
+        each_text_line(b, g, cbuf, cl.line, [&](const char *txt, int n, int part) {
             if (n > 0) qqlegtext(b, txt, n, cx, cy + part * L.l);
         });
     }

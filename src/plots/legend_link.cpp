@@ -47,3 +47,5 @@ void qqlegaxis(glbblk *b, LegendAxis *a) noexcept {
     a->rx = b->ax.legx;
     a->ty = b->ax.legy;
 }
+
+char qqlegmix(glbblk *b) noexcept { return b->txt.mixchr[3] ? b->txt.mixchr[3] : '/'; }

@@ -22,3 +22,5 @@ int qqlegframe(glbblk *b) noexcept;
 // The frame of thickness f round the box (x, y, w, h).
 void qqlegbox(glbblk *b, int x, int y, int w, int h, int f) noexcept;
 void qqlegaxis(glbblk *b, LegendAxis *a) noexcept;
+// The legend control character of the text settings (setmix), '/' by default.
+char qqlegmix(glbblk *b) noexcept;
