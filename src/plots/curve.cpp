@@ -45,27 +45,24 @@ struct Breaker {
 // unit elsewhere) become the column's first point, its lowest and highest
 // point in their order, and its last point.  A line one unit wide covers
 // the same places, so the picture does not change, and a million points
-// cost a few thousand segments on the page.
-struct ColumnThinner {
-    glbblk *b;
-    double scale;   // columns per plot unit
+// cost a few thousand segments on the page.  The loop keeps everything in
+// locals: it runs once per point of the largest curves.
+void thin_line(glbblk *b, const AxisMap &m, const double *x, const double *y, int n, double scale) {
+    const double ax = m.ax, fx = m.fx, ox = m.ox, ay = m.ay, fy = m.fy, oy = m.oy;
     bool pen = false, open = false;
     long long key = 0;
-    double fx = 0, fy = 0, lx = 0, ly = 0;
-    double lox = 0, loy = 0, hix = 0, hiy = 0;
-    long long ilo = 0, ihi = 0, ifirst = 0, ilast = 0;
-
-    void put(double x, double y) {
+    double fx0 = 0, fy0 = 0, lx = 0, ly = 0, lox = 0, loy = 0, hix = 0, hiy = 0;
+    int ifirst = 0, ilast = 0, ilo = 0, ihi = 0;
+    auto put = [&](double px, double py) {
         if (pen) {
-            qqdraw(b, x, y);
+            qqdraw(b, px, py);
         } else {
-            qqmove(b, x, y);
+            qqmove(b, px, py);
             pen = true;
         }
-    }
-    void emit() {
-        if (!open) return;
-        put(fx, fy);
+    };
+    auto emit = [&]() {
+        put(fx0, fy0);
         if (ilast != ifirst) {
             bool lo = ilo != ifirst && ilo != ilast, hi = ihi != ifirst && ihi != ilast;
             if (lo && hi && ilo > ihi) {
@@ -77,30 +74,35 @@ struct ColumnThinner {
             }
             put(lx, ly);
         }
-        open = false;
-    }
-    void point(long long i, double x, double y) {
-        // x is held within a million units: the shifted product is
-        // positive, and truncation is the floor.
-        long long k = (long long)(x * scale + 4e6);
-        if (open && k == key) {
-            lx = x, ly = y, ilast = i;
-            if (y < loy) loy = y, lox = x, ilo = i;
-            if (y > hiy) hiy = y, hix = x, ihi = i;
-            return;
+    };
+    for (int i = 0; i < n; ++i) {
+        double vx = x[i], vy = y[i];
+        if (!(std::fabs(vx) <= 1.7976931348623157e308 && std::fabs(vy) <= 1.7976931348623157e308)) {
+            if (open) emit();
+            open = pen = false;
+            continue;
         }
-        emit();
+        double rx = (vx - ax) * fx + ox, ry = oy - (vy - ay) * fy;
+        rx = rx < -1e6 ? -1e6 : rx > 1e6 ? 1e6 : rx;
+        ry = ry < -1e6 ? -1e6 : ry > 1e6 ? 1e6 : ry;
+        // rx is held within a million units: the shifted product is
+        // positive, and truncation is the floor.
+        long long k = (long long)(rx * scale + 4e6);
+        if (k == key && open) {
+            lx = rx, ly = ry, ilast = i;
+            if (ry < loy) loy = ry, lox = rx, ilo = i;
+            if (ry > hiy) hiy = ry, hix = rx, ihi = i;
+            continue;
+        }
+        if (open) emit();
         open = true;
         key = k;
-        fx = lx = lox = hix = x;
-        fy = ly = loy = hiy = y;
+        fx0 = lx = lox = hix = rx;
+        fy0 = ly = loy = hiy = ry;
         ifirst = ilast = ilo = ihi = i;
     }
-    void gap() {
-        emit();
-        pen = false;
-    }
-};
+    if (open) emit();
+}
 
 // Whether a polyline may be thinned: a solid line without offset that no
 // later stage (3-D plane, transformation, hidden lines or shields) looks at.
@@ -120,30 +122,28 @@ void draw_line(glbblk *b, const AxisMap &m, const double *x, const double *y, in
     Breaker br{b->crv};
     double px, py;
     if (m.type == 0 && !m.logx && !m.logy && !b->crv.gapon[0] && !b->crv.gapon[1]) {
+        if (thinnable(b) && n > 64) {
+            thin_line(b, m, x, y, n, column_scale(b));
+            return;
+        }
         // The common case in one tight loop.
-        const bool thin = thinnable(b) && n > 64;
-        ColumnThinner th{b, column_scale(b)};
         bool pen = false;
         for (int i = 0; i < n; ++i) {
             double vx = x[i], vy = y[i];
             if (!good(vx, vy)) {
                 pen = false;
-                if (thin) th.gap();
                 continue;
             }
             double rx = (vx - m.ax) * m.fx + m.ox, ry = m.oy - (vy - m.ay) * m.fy;
             rx = rx < -1e6 ? -1e6 : rx > 1e6 ? 1e6 : rx;
             ry = ry < -1e6 ? -1e6 : ry > 1e6 ? 1e6 : ry;
-            if (thin) {
-                th.point(i, rx, ry);
-            } else if (pen) {
+            if (pen) {
                 qqdraw(b, rx, ry);
             } else {
                 qqmove(b, rx, ry);
                 pen = true;
             }
         }
-        if (thin) th.emit();
         return;
     }
     for (int i = 0; i < n; ++i) {
