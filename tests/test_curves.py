@@ -229,3 +229,31 @@ def test_log_axis_refuses_non_positive_values(capfd):
     kolvex.graf(0.0, 10.0, 0.0, 2.0, 0.0, 3.0, 0.0, 1.0)
     kolvex.curve([1.0, 2.0], [0.0, 10.0], 2)
     assert "Warning 27: Non positive values for log scaling in curve!" in capfd.readouterr().out
+
+
+def test_thinned_dense_curve_looks_like_the_full_one():
+    from PIL import Image
+
+    rng = np.random.default_rng(3)
+    n = 20000
+    x = np.sort(rng.uniform(0, 10, n))
+    y = np.cumsum(rng.normal(0, 0.05, n))
+    y = (y - y.min()) / (y.max() - y.min()) * 3.6 - 1.8
+    pictures = []
+    for name, pieces in (("whole.png", [(0, n)]), ("parts.png", [(i, min(i + 60, n)) for i in range(0, n, 59)])):
+        kolvex.metafl("PNG")
+        kolvex.setfil(name)
+        kolvex.filmod("DELE")
+        kolvex.kolini()
+        kolvex.unit(0)
+        kolvex.axspos(NXA, NYA)
+        kolvex.axslen(NXL, NYL)
+        kolvex.graf(XA, XE, 0.0, 2.0, YA, YE, YA, 1.0)
+        for a, b in pieces:  # pieces of 60 points are drawn point by point
+            kolvex.curve(x[a:b], y[a:b], b - a)
+        kolvex.endgrf()
+        kolvex.kolfin()
+        pictures.append(np.asarray(Image.open(name).convert("L")) > 0)
+    whole, parts = pictures
+    differ = np.count_nonzero(whole != parts)
+    assert differ <= 0.002 * np.count_nonzero(parts), differ

@@ -48,6 +48,9 @@ struct Breaker {
 // cost a few thousand segments on the page.  The loop keeps everything in
 // locals: it runs once per point of the largest curves.
 void thin_line(glbblk *b, const AxisMap &m, const double *x, const double *y, int n, double scale) {
+    // Columns are the device's own: a raster device rounds devscl times
+    // the shifted position to its pixel.
+    const double shift = b->dev.nxsh * scale + 0.5 + 4e6;
     const double ax = m.ax, fx = m.fx, ox = m.ox, ay = m.ay, fy = m.fy, oy = m.oy;
     bool pen = false, open = false;
     long long key = 0;
@@ -87,7 +90,7 @@ void thin_line(glbblk *b, const AxisMap &m, const double *x, const double *y, in
         ry = ry < -1e6 ? -1e6 : ry > 1e6 ? 1e6 : ry;
         // rx is held within a million units: the shifted product is
         // positive, and truncation is the floor.
-        long long k = (long long)(rx * scale + 4e6);
+        long long k = (long long)(rx * scale + shift);
         if (k == key && open) {
             lx = rx, ly = ry, ilast = i;
             if (ry < loy) loy = ry, lox = rx, ilo = i;
@@ -115,7 +118,8 @@ double column_scale(glbblk *b) {
     int dev = b->core.devcod;
     bool raster = dev < 101 || (dev >= 601 && dev <= 700);
     double s = b->sess.devscl;
-    return raster && s > 0 && s < 1 ? s : 1.0;
+    // A turned page has its pixel columns across plot y: plot units there.
+    return raster && s > 0 && s < 1 && b->sess.pagrot != 1 ? s : 1.0;
 }
 
 void draw_line(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
