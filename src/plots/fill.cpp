@@ -48,6 +48,24 @@ bool line_only_device(int dev) {
     return (dev >= 201 && dev <= 300 && dev != 221 && dev != 231) || (dev >= 401 && dev <= 500);
 }
 
+// A solid fill drawn as lines takes the thin line: the layer's wide-line
+// outlines would only spill over the edge.  Returns the width to put back.
+int thin_lines(glbblk *b) {
+    int w = b->dev.lnwid;
+    if (w > 1) {
+        qqflsh(b);
+        b->dev.lnwid = 1;
+    }
+    return w;
+}
+
+void wide_again(glbblk *b, int w) {
+    if (w > 1) {
+        qqflsh(b);
+        b->dev.lnwid = w;
+    }
+}
+
 void hatch(glbblk *b, double *x, double *y, int n) {
     StyleState &s = b->sty;
     double d = s.patdst;
@@ -75,6 +93,7 @@ void hatch(glbblk *b, double *x, double *y, int n) {
     l.gap = s.bungap;
     l.limit = b->dev.pl3on == 0 && b->dev.trfon != 1;
     s.hatching = 1;
+    int width = s.patnum == QQ_SOLID_PATTERN ? thin_lines(b) : 1;
     int angle = s.patang;
     for (int pass = 0; pass < 1 + (s.patcrs ? 1 : 0); ++pass) {
         if (pass == 1) angle = angle < 90 ? angle + 90 : 180 - angle;
@@ -87,6 +106,7 @@ void hatch(glbblk *b, double *x, double *y, int n) {
         if (over) break;
     }
     qqflsh(b);
+    wide_again(b, width);
     s.hatching = 0;
     std::free(work);
     if (restyle) {
@@ -169,6 +189,7 @@ void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     // Lines from the top, 1.4 / unitf apart, and one at the lower edge.
     int old = d.curclr;
     qqsetc(b, colour);
+    int width = thin_lines(b);
     double step = 1.4 / b->core.unitf;
     for (double yy = (double)ay; yy < (double)by; yy += step) {
         qqrmov(b, (double)ax, yy);
@@ -177,6 +198,7 @@ void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     qqrmov(b, (double)ax, (double)by);
     qqrdrw(b, (double)bx, (double)by);
     qqflsh(b);
+    wide_again(b, width);
     if (d.curclr != old) qqsetc(b, old);
 }
 
