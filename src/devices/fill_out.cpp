@@ -17,7 +17,7 @@ void qqfillpoly(glbblk *b, double *x, double *y, int n) noexcept {
 int qqdevpoly(glbblk *b, const double *x, const double *y, int n) noexcept {
     DeviceState &d = b->dev;
     const DriverOps *drv = d.drv;
-    if (n < 3 || !drv || !drv->fill_polygon || !(drv->caps & QQ_CAP_FILL)) return 0;
+    if (n < 3 || !drv || !drv->fill_polygon) return 0;
     qqflsh(b);
     if (d.nxsh == 0 && d.nysh == 0 && d.trfon != 1) return drv->fill_polygon(b, x, y, n);
     // Shifted and transformed positions: small polygons on the stack.
