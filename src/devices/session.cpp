@@ -183,6 +183,9 @@ void newpag() noexcept {
     b->sess.pageno++;
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->new_page) drv->new_page(b);
+    // A page starts with the format's own pen: a width that the device
+    // draws goes to it again.
+    if (b->dev.lnwid < 0 && drv && drv->width) drv->width(b, -b->dev.lnwid, 0);
 }
 
 void erase() noexcept {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/session.h"
@@ -42,10 +43,28 @@ void rotate(double *x, double *y, int n, double c, double s) {
     }
 }
 
-// Whether the devices of these codes have no filled shapes of their own:
-// the native metafile and the plotters take fills as lines.
-bool line_only_device(int dev) {
-    return (dev >= 201 && dev <= 300 && dev != 221 && dev != 231) || (dev >= 401 && dev <= 500);
+// Whether the device has no filled shapes of its own (the native metafile
+// and the plotters): fills reach it as lines.
+bool line_only_device(const glbblk *b) {
+    return !(b->dev.drv && b->dev.drv->fill_rect);
+}
+
+// A solid fill drawn as lines takes the thin line: the layer's wide-line
+// outlines would only spill over the edge.  Returns the width to put back.
+int thin_lines(glbblk *b) {
+    int w = b->dev.lnwid;
+    if (w > 1) {
+        qqflsh(b);
+        b->dev.lnwid = 1;
+    }
+    return w;
+}
+
+void wide_again(glbblk *b, int w) {
+    if (w > 1) {
+        qqflsh(b);
+        b->dev.lnwid = w;
+    }
 }
 
 void hatch(glbblk *b, double *x, double *y, int n) {
@@ -53,7 +72,7 @@ void hatch(glbblk *b, double *x, double *y, int n) {
     double d = s.patdst;
     // The native metafile writes no fills: a solid one comes as lines of
     // the metafile's own spacing.
-    if (s.patnum == QQ_SOLID_PATTERN && line_only_device(b->core.devcod)) d = 1.4 / b->core.unitf;
+    if (s.patnum == QQ_SOLID_PATTERN && line_only_device(b)) d = 1.4 / b->core.unitf;
     int *work = qqsweepwork(n);
     if (!work) {
         qqwar0(b, 53);
@@ -75,6 +94,7 @@ void hatch(glbblk *b, double *x, double *y, int n) {
     l.gap = s.bungap;
     l.limit = b->dev.pl3on == 0 && b->dev.trfon != 1;
     s.hatching = 1;
+    int width = s.patnum == QQ_SOLID_PATTERN ? thin_lines(b) : 1;
     int angle = s.patang;
     for (int pass = 0; pass < 1 + (s.patcrs ? 1 : 0); ++pass) {
         if (pass == 1) angle = angle < 90 ? angle + 90 : 180 - angle;
@@ -87,6 +107,7 @@ void hatch(glbblk *b, double *x, double *y, int n) {
         if (over) break;
     }
     qqflsh(b);
+    wide_again(b, width);
     s.hatching = 0;
     std::free(work);
     if (restyle) {
@@ -162,13 +183,14 @@ void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     if (by > d.clpy2) by = d.clpy2;
     if (ax > bx || ay > by) return;
     const DriverOps *drv = d.drv;
-    if (drv && drv->fill_rect && !line_only_device(b->core.devcod)) {
+    if (drv && drv->fill_rect && !line_only_device(b)) {
         drv->fill_rect(b, (int)ax, (int)ay, (int)bx, (int)by, colour);
         return;
     }
     // Lines from the top, 1.4 / unitf apart, and one at the lower edge.
     int old = d.curclr;
     qqsetc(b, colour);
+    int width = thin_lines(b);
     double step = 1.4 / b->core.unitf;
     for (double yy = (double)ay; yy < (double)by; yy += step) {
         qqrmov(b, (double)ax, yy);
@@ -177,6 +199,7 @@ void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     qqrmov(b, (double)ax, (double)by);
     qqrdrw(b, (double)bx, (double)by);
     qqflsh(b);
+    wide_again(b, width);
     if (d.curclr != old) qqsetc(b, old);
 }
 
@@ -189,10 +212,10 @@ void qqframe(glbblk *b, int x, int y, int w, int h, int t, double angle, int col
     qqdshsave(b, &saved);
     qqlintyp(b, 0);
     int at = t < 0 ? -t : t;
-    int dev = b->core.devcod;
+    int kind = qqdevkind(b);
     double s = b->sess.devscl;
     bool device = std::fabs(angle) <= 0.001 && d.pl3on == 0 && d.trfon != 1 && d.segtest == nullptr &&
-                  ((dev < 100 && dev != 81) || (dev >= 601 && dev <= 700)) && s > 0;
+                  (kind == QQ_KIND_SCREEN || kind == QQ_KIND_RASTER) && s > 0;
     double ox = x + d.nxsh, oy = y + d.nysh;
     if (device) {
         double ext = at;  // the frame's outer reach

@@ -123,19 +123,27 @@ int qqsweep(glbblk *b, const double *x, const double *y, int n, const SweepLines
     sort_by_y(y, n, order, tmp);
     double ymin = y[order[0]], ymax = y[order[n - 1]];
     double d = l.d;
+    double lo = ymin, hi = ymax;
+    bool limited = l.limit && clip_range(b, l, &lo, &hi);
+    if (!limited || lo < ymin) lo = ymin;
+    if (!limited || hi > ymax) hi = ymax;
+    if (lo > hi) return 0;
+    // However fine the spacing, a sweep draws a bounded number of lines:
+    // beyond that they are closer than any device shows.
+    // Lines a tenth of a plot coordinate apart already look solid on every
+    // device.
+    const double MAXLINES = 400000;
+    if (d < 0.1) d = 0.1;
+    if ((hi - lo) / d > MAXLINES) d = (hi - lo) / MAXLINES;
     double first = std::trunc(ymin / d - 0.5) * d;
     double kend = std::floor((ymax + d / 2 - first) / d);
     double kbeg = 0;
-    double lo, hi;
-    if (l.limit && clip_range(b, l, &lo, &hi)) {
-        double a = std::floor((lo - first) / d), z = std::ceil((hi - first) / d);
+    if (limited) {
+        double a = std::floor((lo - first) / d) - 1, z = std::ceil((hi - first) / d) + 1;
         if (a > kbeg) kbeg = a;
         if (z < kend) kend = z;
     }
-    // However far the polygon reaches, a sweep ends in reasonable time.
-    const double MAXLINES = 2e7;
-    if (!(kend - kbeg < MAXLINES)) kend = kbeg + MAXLINES;
-    if (kend < kbeg) return 0;
+    if (!(kend >= kbeg) || !(kend - kbeg <= MAXLINES + 4)) return 0;
     for (int i = 0; i < n; ++i) link[i] = i + 1;
     link[n - 1] = -1;
     int head = 0;

@@ -1,5 +1,6 @@
 // Filled shapes on the canvas: the polygon scan converter, discs,
 // rectangles and single pixels.
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -119,7 +120,7 @@ int active_edges(const Painter<Pen> &p, const Vertices &v, int n, int ya, int yb
         if (first[i] >= 0) order[start[first[i]]++] = i;
     // start[r] now ends row r's edges: the edges of row r are
     // order[start[r - 1] .. start[r]).
-    int nact = 0, next = 0, overflow = 0;
+    int nact = 0, next = 0, overflow = 0, xc;
     int cross[MAXCROSS];
     for (int row = ya; row <= yb; ++row) {
         int end = start[row - ya];
@@ -133,7 +134,6 @@ int active_edges(const Painter<Pen> &p, const Vertices &v, int n, int ya, int yb
                 active[k] = active[--nact];
                 continue;
             }
-            int xc;
             if (edge_cross(v, i, n, row, &xc)) {
                 if (nc == MAXCROSS)
                     full = true;
@@ -142,10 +142,28 @@ int active_edges(const Painter<Pen> &p, const Vertices &v, int n, int ya, int yb
             }
             ++k;
         }
-        if (full)
-            overflow |= full_row(p, v, n, row);
-        else
-            fill_pairs(p, row, cross, nc);
+        if (full) {
+            // The table keeps the first crossings in the polygon's order:
+            // the edges of the lowest numbers, found with a bounded heap.
+            int heap[MAXCROSS], nh = 0;
+            for (int k = 0; k < nact; ++k) {
+                int i = active[k];
+                if (!edge_cross(v, i, n, row, &xc)) continue;
+                if (nh < MAXCROSS) {
+                    heap[nh++] = i;
+                    std::push_heap(heap, heap + nh);
+                } else if (i < heap[0]) {
+                    std::pop_heap(heap, heap + nh);
+                    heap[nh - 1] = i;
+                    std::push_heap(heap, heap + nh);
+                }
+            }
+            nc = 0;
+            for (int k = 0; k < nh; ++k)
+                if (edge_cross(v, heap[k], n, row, &xc)) cross[nc++] = xc;
+            overflow = 1;
+        }
+        fill_pairs(p, row, cross, nc);
     }
     std::free(first);
     return overflow;
