@@ -589,8 +589,7 @@ class Table:
         """Adds the points of a glyph; returns its stroke entries."""
         entries = []
         for s in strokes:
-            if len(s) < 2:
-                s = list(s) * 2 if s else s
+            # a stroke of one point only moves the pen: it marks a width
             if not s:
                 continue
             start = len(self.pts) + 1
@@ -719,8 +718,9 @@ def greek_section(name, path, unit=1.0, extra=True, grid=None):
     t = Table(name, True)
     for st in seq:
         if grid:
+            # the default font's cell: centred, the cell's right edge marked
             st = grid(st)
-            t.add_glyph(normalise(st, 1.0) if st else [])
+            t.add_glyph(st + [[(6, 0)]] if st else [])
         else:
             t.add_glyph(normalise(st, unit))
     return t

@@ -536,16 +536,22 @@ void qqmesshgt(glbblk *b, const char *text, int x, int y, int height, int ang) n
     t.cachesec = 0;
 }
 
-int qqtxtlen(glbblk *b, const char *text) noexcept {
+namespace {
+
+int measure_text(glbblk *b, const char *text, int warn) {
     if (!text) return 0;
     TextState &t = b->txt;
     int n = 0;
-    if (qqtxtcodes(b, text, t.codes, QQ_NCODES, &n, 0) < 0 || n == 0) return 0;
+    if (qqtxtcodes(b, text, t.codes, QQ_NCODES, &n, warn) < 0 || n == 0) return 0;
     t.ncodes = n;
     qqtxteushft(b);
     if (t.ncodes == 0) return 0;
     return qqnint(measure_loaded(b));
 }
+
+}  // namespace
+
+int qqtxtlen(glbblk *b, const char *text) noexcept { return measure_text(b, text, 0); }
 
 int qqtxtlenh(glbblk *b, const char *text, int height) noexcept {
     TextState &t = b->txt;
@@ -609,5 +615,5 @@ void rlmess(const char *cstr, double xp, double yp) noexcept {
 int nlmess(const char *cstr) noexcept {
     glbblk *b = KX_ENTRY("nlmess");
     if (!b) return 0;
-    return qqtxtlen(b, cstr);
+    return measure_text(b, cstr, 1);
 }
