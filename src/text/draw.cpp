@@ -500,7 +500,6 @@ void qqmessag(glbblk *b, const char *text, int x, int y) noexcept {
     if (!text) return;
     bool keep = x == 999 && y == 999;
     if (!keep) {
-        y = qqyflpi(b, y);
         if (t.hjus != 0 || t.vjus != 0) {
             double dx = 0.0, dy = 0.0;
             if (t.hjus != 0) {
@@ -593,6 +592,7 @@ void qqtxthooks(glbblk *b, int (*userpos)(glbblk *, double, double, double *, do
 void messag(const char *cstr, int nx, int ny) noexcept {
     glbblk *b = KX_ENTRY("messag");
     if (!b) return;
+    if (!(nx == 999 && ny == 999)) ny = qqyflpi(b, ny);
     qqmessag(b, cstr, nx, ny);
 }
 
@@ -604,12 +604,13 @@ void rlmess(const char *cstr, double xp, double yp) noexcept {
         return;
     }
     double px = xp, py = yp;
-    if (b->txt.userpos && !b->txt.userpos(b, xp, yp, &px, &py)) return;
+    if (b->txt.userpos) {
+        if (!b->txt.userpos(b, xp, yp, &px, &py)) return;
+    } else {
+        py = qqyflp(b, yp);  // no axis system hook: the values are plot coordinates
+    }
     // the axis system gives plot coordinates already turned by the origin
-    unsigned char keepflip = b->core.ynoflp;
-    b->core.ynoflp = 1;
     qqmessag(b, cstr, qqround(px), qqround(py));
-    b->core.ynoflp = keepflip;
 }
 
 int nlmess(const char *cstr) noexcept {
