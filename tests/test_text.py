@@ -243,3 +243,14 @@ def test_same_strokes_on_svg_and_png(tmp_path):
         return out
     assert (a & near(b)).sum() >= 0.97 * a.sum()
     assert (b & near(a)).sum() >= 0.97 * b.sum()
+
+
+def test_script_digits_fall_back_with_one_extra_gap():
+    start()
+    k.simplx()
+    one, a_std = k.nlmess("1"), k.nlmess("11")
+    k.basalf("SCRI")
+    a = k.nlmess("a")
+    gap = 9  # 0.25 of the height 36
+    assert k.nlmess("a1") == pytest.approx(a + 2 * gap + one, abs=1)
+    assert k.nlmess("11") == a_std  # no letter before: no extra gap
