@@ -254,3 +254,21 @@ def test_script_digits_fall_back_with_one_extra_gap():
     gap = 9  # 0.25 of the height 36
     assert k.nlmess("a1") == pytest.approx(a + 2 * gap + one, abs=1)
     assert k.nlmess("11") == a_std  # no letter before: no extra gap
+
+
+def test_reset_rows_of_text_settings():
+    start()
+    base = k.nlmess("AB")
+    k.height(72)
+    k.chawth(0.5)
+    k.fixspc(2.0)
+    k.reset("HEIG")
+    k.reset("CHAW")
+    k.reset("FIXS")
+    assert k.nlmess("AB") == base
+    k.newmix()
+    k.reset("NEWM")
+    assert k.getmix("EXP") == "["
+    k.basalf("GREE")
+    k.reset("BASA")
+    assert k.getalf() == "STANDARD"

@@ -583,6 +583,50 @@ void qqtxtchar(glbblk *b, int code) noexcept {
     t.cachesec = 0;
 }
 
+void qqtxthwstroke(glbblk *b, const QQHwChar *c) noexcept {
+    if (!c) return;
+    TextState &t = b->txt;
+    // The character stands in the STANDARD section of the stroke font at the
+    // driver's place, size and angle; the string's working state is kept.
+    double px = t.penx, py = t.peny, sn = t.sina, cs = t.cosa, vs = t.vshift, vo = t.voff;
+    double wf = t.curwfac, sp = t.curspc, sh = t.curshear;
+    int hg = t.curhgt, fx = t.curfix, meas = t.measure;
+    double r = c->angle * b->core.xdegr;
+    t.sina = std::sin(r);
+    t.cosa = std::cos(r);
+    t.curhgt = c->height >= 1 && c->height < 1e6 ? qqnint(c->height) : 1;
+    t.curwfac = 1.0;
+    t.curspc = 0.0;
+    t.curshear = 0.0;
+    t.curfix = 0;
+    t.measure = 0;
+    t.vshift = c->shift;
+    t.voff = 0.0;
+    t.cachesec = 0;
+    const TextSection *s = qqtxtsection(b, 1);
+    int i = (c->code < 32 ? 32 : c->code) - 31;
+    if (i > 1 && i <= s->limit) {
+        int rec = find_record(s, i);
+        t.penx = c->x;
+        t.peny = c->y;
+        if (c->pitch > 0) qqtxtadvance(b, (c->pitch - glyph_units(t, s, rec) * t.xscl) * 0.5);
+        if (rec >= 0) draw_glyph(b, s, rec, false);
+    }
+    t.penx = px;
+    t.peny = py;
+    t.sina = sn;
+    t.cosa = cs;
+    t.vshift = vs;
+    t.voff = vo;
+    t.curwfac = wf;
+    t.curspc = sp;
+    t.curshear = sh;
+    t.curhgt = hg;
+    t.curfix = fx;
+    t.measure = meas;
+    t.cachesec = 0;
+}
+
 void qqtxthooks(glbblk *b, int (*userpos)(glbblk *, double, double, double *, double *),
                 void (*symbol)(glbblk *, int, double, double, double, int)) noexcept {
     b->txt.userpos = userpos;
