@@ -290,6 +290,39 @@ void run_codes(glbblk *b) {
     t.ibufn = 0;
 }
 
+// Runs the string: in TeX mode through the formula parser, measured first
+// and drawn from the same pen when the measure found no error (shift mode
+// off for both passes); else through the character loop.
+void run_string(glbblk *b) {
+    TextState &t = b->txt;
+    if (!(t.texon && t.tex)) {
+        run_codes(b);
+        return;
+    }
+    int smx = t.smxon, m = t.measure;
+    t.smxon = 0;
+    double px = t.penx, py = t.peny;
+    t.measure = 1;
+    int err = t.tex(b, 1);
+    t.measure = m;
+    if (!m) {
+        t.penx = px;
+        t.peny = py;
+        t.curhgt = t.starthgt;
+        t.cachesec = 0;
+        if (!err) t.tex(b, 0);
+    } else if (!err) {
+        t.penx = px;
+        t.peny = py;
+        t.curhgt = t.starthgt;
+        t.cachesec = 0;
+        t.tex(b, 1);
+    }
+    double dx = t.penx - t.strx, dy = t.peny - t.stry;
+    if (m) t.maxlen = std::sqrt(dx * dx + dy * dy);
+    t.smxon = smx;
+}
+
 // The string's codes: 0, or -1 when nothing is to be drawn.
 int load_codes(glbblk *b, const char *text) {
     TextState &t = b->txt;
@@ -310,7 +343,7 @@ double measure_loaded(glbblk *b) {
     t.measure = 1;
     t.penx = t.peny = 0.0;
     t.strx = t.stry = 0.0;
-    run_codes(b);
+    run_string(b);
     t.measure = 0;
     double len = t.maxlen;
     t.penx = px;
@@ -343,6 +376,11 @@ void text_box(glbblk *b, double ox, double oy, double len, double bx[4], double 
     double E = (t.basfac + t.expfac - 1.0) * h;
     int n = count_raise(t);
     double nh = h, nu = 0.0;
+    if (t.texon && t.tex) {
+        n = 0;
+        nh = qqnint(t.texhgt);
+        nu = qqnint(t.texdep);
+    }
     double top = m + (nh - h) + n * E;
     double H = 2 * m + nh + nu + n * E;
     double W = (double)(int)(len + 2 * m);
@@ -434,7 +472,7 @@ void draw_string(glbblk *b, const char *text, int x, int y, bool keep) {
     t.strx = t.penx;
     t.stry = t.peny;
     t.measure = 0;
-    run_codes(b);
+    run_string(b);
     if (!t.cntlab && !b->dev.pl3on)
         test_point(b, t.penx - t.lastgap * t.cosa, t.peny + t.lastgap * t.sina, "Endpoint");
     t.curhgt = t.height;
@@ -570,6 +608,13 @@ void qqtxtext(glbblk *b, const char *text, int *nh, int *nu) noexcept {
     *nu = 0;
     if (!text || qqtxtcodes(b, text, t.codes, QQ_NCODES, &n, 0) < 0) return;
     t.ncodes = n;
+    if (t.texon && t.tex) {
+        if (n == 0) return;
+        measure_loaded(b);
+        *nh = qqnint(t.texhgt);
+        *nu = qqnint(t.texdep);
+        return;
+    }
     *nh = t.height + qqnint(count_raise(t) * (t.basfac + t.expfac - 1.0) * t.height);
 }
 
