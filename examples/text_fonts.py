@@ -70,7 +70,7 @@ def font_page(font, device):
     k.chacod("ISO3")
     k.messag("ISO3: " + pair_bytes("ISO3", list(range(0xA1, 0xC0)) + list(range(0xC0, 0xE0))), 80, y)
     y += 80
-    k.chacod("STAN")
+    k.chacod("UTF8")
     if font in ("helve", "helves", "helvet", "serif"):
         k.shdcha()
         k.height(60)
@@ -103,12 +103,7 @@ def features_page(device):
     k.chaang(30.0)
     k.messag("chaang 30", 1300, 410)
     k.chaang(0.0)
-    k.fixspc(1.0)
-    k.messag("fixspc: iiiii WWWWW", 1800, 410)
-    k.fixspc(1.0)
-    k.chaspc(0.0)
     # angles round a point
-    k.fixspc(1.0)
     for a in range(0, 360, 45):
         k.angle(a)
         k.messag("   angle %d" % a, 600, 900)
@@ -137,6 +132,8 @@ def features_page(device):
     k.txtbgd(-1)
     k.frmess(0)
     k.paghdr("kolvex", "text page", 4, 0)
+    k.fixspc(1.0)  # stays on to the end of the session
+    k.messag("fixspc: iiiii WWWWW", 1800, 410)
     k.kolfin()
 
 

@@ -12,7 +12,7 @@ from conftest import needs
 
 def start(device="PLOG", name="t", size=None):
     k.metafl(device)
-    k.setfil(f"{name}.{device.lower()}")
+    k.setfil(f"{name}." + ("met" if device == "PLOG" else device.lower()))
     k.filmod("DELE")
     if size:
         k.winsiz(*size)
@@ -243,3 +243,66 @@ def test_same_strokes_on_svg_and_png(tmp_path):
         return out
     assert (a & near(b)).sum() >= 0.97 * a.sum()
     assert (b & near(a)).sum() >= 0.97 * b.sum()
+
+
+def test_script_digits_fall_back_with_one_extra_gap():
+    start()
+    k.simplx()
+    one, a_std = k.nlmess("1"), k.nlmess("11")
+    k.basalf("SCRI")
+    a = k.nlmess("a")
+    gap = 9  # 0.25 of the height 36
+    assert k.nlmess("a1") == pytest.approx(a + 2 * gap + one, abs=1)
+    assert k.nlmess("11") == a_std  # no letter before: no extra gap
+
+
+def test_reset_rows_of_text_settings():
+    start()
+    base = k.nlmess("AB")
+    k.height(72)
+    k.chawth(0.5)
+    k.fixspc(2.0)
+    k.reset("HEIG")
+    k.reset("CHAW")
+    k.reset("FIXS")
+    assert k.nlmess("AB") == base
+    k.newmix()
+    k.reset("NEWM")
+    assert k.getmix("EXP") == "["
+    k.basalf("GREE")
+    k.reset("BASA")
+    assert k.getalf() == "STANDARD"
+
+
+def plog_points(path):
+    """The positions of a native metafile in plot coordinates."""
+    lines = open(path).read().split("\n")
+    fields = [float(line[i:i + 10]) for line in lines[1:] for i in range(0, len(line), 10)]
+    hi = max(2969, 2099)
+    pts, i = [], 0
+    while i < len(fields):
+        v = fields[i]
+        if v <= 1.5 and i + 1 < len(fields):
+            pts.append((v * hi, 2099 - fields[i + 1] * hi))
+            i += 2
+        else:
+            i += 1
+    return np.array(pts)
+
+
+def test_same_points_in_the_metafile_and_svg():
+    def page(device):
+        start(device, "pts", size=(2969, 2099))
+        k.triplx()
+        k.height(50)
+        k.angle(15)
+        k.mixalf()
+        k.messag("Metafile = SVG: x[2$ ÄÖ", 300, 800)
+        k.kolfin()
+    page("PLOG")
+    page("SVG")
+    a, b = plog_points("pts.met"), svg_points("pts.svg")
+    assert len(a) > 200
+    d_ab = np.sqrt(((a[:, None, :] - b[None, :, :]) ** 2).sum(-1)).min(1)
+    d_ba = np.sqrt(((b[:, None, :] - a[None, :, :]) ** 2).sum(-1)).min(1)
+    assert d_ab.max() < 1.0 and d_ba.max() < 1.0  # the SVG scale is 1 within 1e-3
