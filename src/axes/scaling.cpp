@@ -6,6 +6,7 @@
 
 #include "axes/axes.h"
 #include "axes/label_text.h"
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -737,14 +738,21 @@ void gaxpar(double a1, double a2, const char *copt, const char *cax, double *a, 
 
 namespace {
 
-bool pixel_device(int dev) { return dev < 101 || dev == 221 || dev == 231 || (dev >= 601 && dev <= 700); }
+// Devices that draw in pixels: the screen, the raster formats, and the
+// Windows metafiles, whose units are device pixels too.
+bool pixel_device(const glbblk *b) {
+    const DeviceFamily *f = b->core.fam;
+    if (!f) return false;
+    if (f->kind == QQ_KIND_SCREEN || f->kind == QQ_KIND_RASTER) return true;
+    return std::strcmp(f->name, "WMF") == 0 || std::strcmp(f->name, "EMF") == 0;
+}
 
 }  // namespace
 
 int nxpixl(int ix, int iy) noexcept {
     glbblk *b = KX_ENTRY("nxpixl");
     if (!b) return 0;
-    if (!pixel_device(b->core.devcod)) {
+    if (!pixel_device(b)) {
         qqwar1(b, 161, "Bad output device");
         return 0;
     }
@@ -755,7 +763,7 @@ int nxpixl(int ix, int iy) noexcept {
 int nypixl(int ix, int iy) noexcept {
     glbblk *b = KX_ENTRY("nypixl");
     if (!b) return 0;
-    if (!pixel_device(b->core.devcod)) {
+    if (!pixel_device(b)) {
         qqwar1(b, 161, "Bad output device");
         return 0;
     }
