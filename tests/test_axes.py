@@ -151,3 +151,49 @@ def test_tick_positions_follow_the_scaling(tmp_path, scaling, log):
         for i in range(-math.trunc((orl - a) / ds + 1e-4), math.trunc((e - orl) / ds + 1e-4) + 1):
             want[math.trunc(i * f * ds + (orl - a) * f + X0 + 0.5)] = 24 if i % 2 == 0 else 16
     assert got == want
+
+
+def _strokes(path):
+    return sorted((round(a[0], 1), round(a[1], 1), round(b[0], 1), round(b[1], 1))
+                  for a, b in segments(read_plog(path)))
+
+
+@pytest.mark.parametrize("axis, vert", [("X", False), ("X", True), ("Y", False), ("Y", True)])
+def test_label_positions_follow_the_formulas(tmp_path, axis, vert):
+    """The labels of graf against the same texts drawn by messag where the
+    formulas put them (no ticks, so the base line is the label distance)."""
+    a, e, orl, step = -0.5, 2.5, 0.0, 0.5
+    session("graf.met")
+    kolvex.setgrf("LABE" if axis == "X" else "NONE", "LABE" if axis == "Y" else "NONE", "NONE", "NONE")
+    kolvex.frame(0)
+    kolvex.noline("XY")
+    kolvex.ticks(0, "XY")
+    if vert:
+        kolvex.labtyp("VERT", axis)
+    kolvex.graf(a, e, orl, step, a, e, orl, step)
+    kolvex.endgrf()
+    finish()
+    session("messag.met")
+    h = 36
+    length = XL if axis == "X" else YL
+    f = (length - 1) / (e - a)
+    for i in range(6):
+        v = orl + i * step
+        text = kolvex.fcha(v, 1)
+        w = kolvex.nlmess(text)
+        d = (v - a) * f
+        if axis == "X" and not vert:
+            kolvex.messag(text, math.trunc(d + X0 + 0.5 - w / 2), Y0 + 24)
+        elif axis == "X":
+            wmax = max(kolvex.nlmess(kolvex.fcha(orl + k * step, 1)) for k in range(6))
+            kolvex.angle(90)
+            kolvex.messag(text, math.trunc(d + X0 + 0.5 - h / 2), Y0 + 24 + w)
+            assert wmax >= w
+        elif not vert:
+            kolvex.messag(text, X0 - 24 - w, math.trunc(Y0 - 0.5 - d - h / 2))
+        else:
+            kolvex.angle(90)
+            kolvex.messag(text, X0 - 24 - h, math.trunc(Y0 - 0.5 - d + w / 2))
+        kolvex.angle(0)
+    finish()
+    assert _strokes(tmp_path / "graf.met") == _strokes(tmp_path / "messag.met")

@@ -494,7 +494,7 @@ void autres(int ixdim, int iydim) noexcept {
     ax.autrx = nx;
     ax.autry = ny;
     if (b->core.level > 1 && mode != 2) {
-        bool screen = b->core.devcod < 101;
+        bool screen = b->core.fam && b->core.fam->kind == QQ_KIND_SCREEN;
         int rx = (ax.rec.nxl - 1 + nx - 2) / (nx - 1);
         int ry = (ax.rec.nyl - 1 + ny - 2) / (ny - 1);
         if (rx < 1) rx = 1;
