@@ -190,6 +190,11 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     } else {
         E = power ? (int)std::trunc(B * h + 0.5) : h;
     }
+    if (c.measure) {
+        ax.ndig[axis] = savdig;
+        if (mixed) qqaxmixend(b, &mix);
+        return E;
+    }
     double o = lab == 4 ? h - B * h / 2 : h / 2;
     double w10 = power ? qqaxtw(b, "10") : 0;
     for (int i = p.first; i <= p.last; i += p.inc) {
@@ -298,6 +303,10 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool ticks_on, bool labels_o
 int qqaxis(glbblk *b, const AxisCall &c) noexcept {
     AxesState &ax = b->ax;
     int axis = c.axis;
+    if (c.measure) {
+        if (c.level < 3 || ax.lab[axis] == 0) return 0;
+        return draw_labels(b, c, 0);
+    }
     int sg = c.side == 1 ? -1 : 1;
     int tp = ax.ticpos[axis];
     int dir = tp == 1 ? -sg : sg;
@@ -329,6 +338,21 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
         E = draw_labels(b, c, base);
         colour_off(b, clr, saved);
     }
-    if (c.level >= 4) draw_name(b, c, E, ticks_on, labels_on);
+    if (c.level >= 4) {
+        if (c.crossed) {
+            // The name stands beside the part of the axis from the origin.
+            AxisCall n = c;
+            if (axis == 0) {
+                n.x0 = ax.crsx;
+                n.len = c.x0 + c.len - ax.crsx;
+            } else {
+                n.y0 = ax.crsy;
+                n.len = ax.crsy - (c.y0 - c.len);
+            }
+            draw_name(b, n, E, ticks_on, labels_on);
+        } else {
+            draw_name(b, c, E, ticks_on, labels_on);
+        }
+    }
     return E;
 }

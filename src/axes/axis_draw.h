@@ -13,6 +13,7 @@ struct AxisCall {
     int logax;         // 1 logarithmic
     int level;         // highest element drawn: 1 line, 2 ticks, 3 labels, 4 name
     int crossed;       // 1 in a crossed system: no label at 0
+    int measure;       // 1: draw nothing, only give the label extent
 };
 
 // Draws the axis; returns the extent of its labels across the axis.

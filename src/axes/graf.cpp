@@ -60,7 +60,7 @@ void fill_box(glbblk *b, int x1, int y1, int x2, int y2, int clr) {
 
 // The extents of the four sides of the system for center: below, left,
 // above, right.
-void side_extents(glbblk *b, int ext[4]) {
+void side_extents(glbblk *b, const double v[2][4], int ext[4]) {
     const AxesState &ax = b->ax;
     int h = qqaxth(b);
     for (int s = 0; s < 4; ++s) {
@@ -71,9 +71,18 @@ void side_extents(glbblk *b, int ext[4]) {
         int tp = ax.ticpos[axis];
         if (lev >= 2 && ax.ntic[axis] > 0) e += tp == 0 ? ax.ticmaj : tp == 2 ? ax.ticmaj / 2 : 0;
         if (lev >= 3 && ax.lab[axis] != 0) {
-            bool wide = (axis == 0) == (ax.labori[axis] == 1);
-            // A rough extent of labels that run across the axis.
-            e += ax.labdis[axis] + (wide ? 4 * h : h);
+            AxisCall c{};
+            c.axis = axis;
+            c.a = v[axis][0];
+            c.e = v[axis][1];
+            c.orl = v[axis][2];
+            c.step = v[axis][3];
+            c.len = ax.nlen[axis];
+            c.side = s == 0 || s == 3 ? 0 : 1;
+            c.logax = ax.scl[axis];
+            c.level = lev;
+            c.measure = 1;
+            e += ax.labdis[axis] + qqaxis(b, c);
         }
         if (lev >= 4 && ax.name[axis][0]) e += ax.namdis[axis] + ax.hname;
         ext[s] = e;
@@ -97,14 +106,15 @@ void side_extents(glbblk *b, int ext[4]) {
     }
 }
 
-void do_center(glbblk *b, int px, int py, int xl, int yl) {
+void do_center(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) {
     int ext[4];
-    side_extents(b, ext);
+    side_extents(b, v, ext);
     int bottom = ext[0], left = ext[1], top = ext[2], right = ext[3];
     qqflsh(b);
     b->dev.nxsh = (b->core.nxp - xl - right - left) / 2 - px + left;
     b->dev.nysh = (yl + b->core.nyp + top + bottom) / 2 - py - bottom;
     b->ax.centdone = 1;
+    b->ax.centpage = b->sess.pageno;
 }
 
 }  // namespace
@@ -202,7 +212,7 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
     dg.chkx[1] = r.xmax;
     dg.chky[0] = r.ymin;
     dg.chky[1] = r.ymax;
-    if (ax.center && !ax.centdone) do_center(b, px, py, xl, yl);
+    if (ax.center && (!ax.centdone || ax.centpage != b->sess.pageno)) do_center(b, v, px, py, xl, yl);
     qqaxrect(b, px, py, xl, yl);
     ax.legx = px + xl - 1;
     ax.legy = py - yl + 1;
