@@ -234,3 +234,37 @@ def test_example_page_on_png_and_svg_alike(tmp_path):
     assert a.shape == b.shape and b.sum() > 5000
     assert (a & _dilate(b, 2)).sum() >= 0.97 * a.sum()
     assert (b & _dilate(a, 2)).sum() >= 0.97 * b.sum()
+
+
+def test_setting_warnings_and_crossed_systems(capfd, tmp_path):
+    session("cros.met")
+    kolvex.mylab("a", 1, "X")
+    kolvex.mylab("b", 1, "X")
+    kolvex.mylab("c", 101, "X")
+    kolvex.titlin("t", 5)
+    kolvex.axstyp("CROS")
+    kolvex.scale("LOG", "X")
+    kolvex.graf(0, 2, 0, 1, -1, 1, -1, 1)
+    assert kolvex.getlev() == 1
+    kolvex.scale("LIN", "X")
+    kolvex.graf(1, 2, 1, 1, -1, 1, -1, 1)
+    assert kolvex.getlev() == 1
+    kolvex.graf(-2, 2, -2, 1, -1, 1, -1, 1)
+    assert kolvex.getlev() == 2
+    kolvex.grid(-1, 0)
+    kolvex.endgrf()
+    assert warnings_of(capfd) == [
+        " <<<< Warning 6: Same tick number as in a call before in mylab!   ( 1)",
+        " <<<< Warning 2: Incorrect parameter in mylab!   ( 101)",
+        " <<<< Warning 2: Incorrect parameter in titlin!   ( 5)",
+        " <<<< Warning 150: Crossed axis systems must have linear scaling in graf!",
+        " <<<< Warning 151: No origin found for crossed axis system in graf!",
+        " <<<< Warning 2: Incorrect parameter in grid!   ( -1)"]
+    # nograf computes the system and draws nothing.
+    kolvex.axstyp("RECT")
+    kolvex.nograf()
+    kolvex.graf(0, 1, 0, 1, 0, 1, 0, 1)
+    assert kolvex.xposn(1.0) == pytest.approx(X0 + XL - 1)
+    kolvex.endgrf()
+    finish()
+    assert read_plog(tmp_path / "cros.met") and len(segments(read_plog(tmp_path / "cros.met"))) > 20

@@ -1,6 +1,7 @@
 // The rectangular axis system: graf and endgrf, free axes, titles, grid
 // lines and the lines through the origin.
 #include <cmath>
+#include <algorithm>
 #include <cstring>
 
 #include "axes/axes.h"
@@ -472,4 +473,81 @@ void addlab(const char *cstr, double v, int itic, const char *cax) noexcept {
         x = sg < 0 ? base - h : base;
     }
     qqaxtxt(b, cstr ? cstr : "", x, y, rot);
+}
+
+// ---------------------------------------------------------------------------
+// Colour bars with an axis.
+
+namespace {
+
+void colour_bar(glbblk *b, int logax, double a, double e, double orl, double step, int nl, const char *cname,
+                int it, int ndir, int nx, int ny) {
+    AxesState &ax = b->ax;
+    if (it != 0 && it != 1) {
+        qqwarn(b, 2, it);
+        return;
+    }
+    if (ndir != 0 && ndir != 1) {
+        qqwarn(b, 2, ndir);
+        return;
+    }
+    if (qqtstscl(b, a, e, orl, step, nl)) return;
+    int y = qqyflpi(b, ny);
+    int w = ax.widbar;
+    // One rectangle for each colour of the colour range, lower bound first.
+    int lo = b->clr.minidx, hi = b->clr.maxidx;
+    if (hi < lo) std::swap(lo, hi);
+    int n = hi - lo + 1;
+    for (int k = 0; k < n; ++k) {
+        // Neighbours share their border row so that no gap shows between them.
+        int p0 = (int)((double)k * nl / n), p1 = (int)((double)(k + 1) * nl / n);
+        if (p1 > nl - 1) p1 = nl - 1;
+        if (p1 < p0) p1 = p0;
+        if (ndir == 0)
+            fill_box(b, nx, y - p1, nx + w - 1, y - p0, lo + k);
+        else
+            fill_box(b, nx + p0, y - w + 1, nx + p1, y, lo + k);
+    }
+    if (ndir == 0)
+        draw_frame(b, nx, y - nl + 1, nx + w - 1, y, 1, ax.frmcol);
+    else
+        draw_frame(b, nx, y - w + 1, nx + nl - 1, y, 1, ax.frmcol);
+    char savname[QQ_NAMELEN + 1];
+    std::memcpy(savname, ax.name[2], sizeof savname);
+    qqscpy(ax.name[2], cname ? cname : "", QQ_NAMELEN);
+    AxisCall c{};
+    c.axis = 2;
+    c.a = a;
+    c.e = e;
+    c.orl = orl;
+    c.step = step;
+    c.len = nl;
+    c.logax = logax;
+    c.level = 4;
+    c.side = it;
+    if (ndir == 0) {
+        c.geo = 2;
+        c.x0 = it == 0 ? nx + w - 1 : nx;
+        c.y0 = y;
+    } else {
+        c.geo = 1;
+        c.x0 = nx;
+        c.y0 = it == 0 ? y : y - w + 1;
+    }
+    qqaxis(b, c);
+    std::memcpy(ax.name[2], savname, sizeof savname);
+}
+
+}  // namespace
+
+void zaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx,
+           int ny) noexcept {
+    glbblk *b = KX_ENTRY("zaxis");
+    if (b) colour_bar(b, 0, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
+}
+
+void zaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx,
+           int ny) noexcept {
+    glbblk *b = KX_ENTRY("zaxlg");
+    if (b) colour_bar(b, 1, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
 }
