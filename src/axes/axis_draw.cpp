@@ -169,7 +169,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     }
     if (lab == 12 && jus == 0) jus = ax.rgtlab ? 2 : 1;
     int savdig = ax.ndig[axis];
-    if (ax.autdig[axis]) ax.ndig[axis] = qqaxdig(c.orl, c.step);
+    if (ax.autdig[axis] && !ax.autscl[axis]) ax.ndig[axis] = qqaxdig(c.orl, c.step);
     double f = (c.len - 1) / (c.e - c.a);
     bool neg = c.side == 1;
     bool vert = ax.labori[axis] == 1;
@@ -266,7 +266,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     return E;
 }
 
-void draw_name(glbblk *b, const AxisCall &c, int E, bool ticks_on, bool labels_on) {
+void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
     const AxesState &ax = b->ax;
     int axis = c.axis;
     const char *nm = ax.name[axis];
@@ -274,7 +274,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool ticks_on, bool labels_o
     int sg = c.side == 1 ? -1 : 1;
     int tp = ax.ticpos[axis];
     int dist = ax.namdis[axis];
-    if (ticks_on) dist += tp == 0 ? ax.ticmaj : tp == 2 ? ax.ticmaj / 2 : 0;
+    dist += tp == 0 ? ax.ticmaj : tp == 2 ? ax.ticmaj / 2 : 0;
     if (labels_on) dist += ax.labdis[axis];
     dist *= sg;
     if (!labels_on) E = 0;
@@ -350,9 +350,9 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
                 n.y0 = ax.crsy;
                 n.len = ax.crsy - (c.y0 - c.len);
             }
-            draw_name(b, n, E, ticks_on, labels_on);
+            draw_name(b, n, E, labels_on);
         } else {
-            draw_name(b, c, E, ticks_on, labels_on);
+            draw_name(b, c, E, labels_on);
         }
     }
     return E;

@@ -145,12 +145,10 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
     qqautscl(b, 1, &ya, &ye, &yor, &ystp);
     int xl = ax.nlen[0], yl = ax.nlen[1];
     int px = ax.nxa, py = ax.nya;
-    if (qqtstscl(b, xa, xe, xor_, xstp, xl) || qqtstscl(b, ya, ye, yor, ystp, yl)) {
+    if (qqtstscl(b, xa, xe, xor_, xstp, xl, px, 4) || qqtstscl(b, ya, ye, yor, ystp, yl, py, 5)) {
         b->core.level = 1;
         return;
     }
-    if (px + b->dev.nxsh < 0) qqwarn(b, 4, px);
-    if (py - yl + 1 + b->dev.nysh < 0) qqwarn(b, 5, py);
     bool crossed = ax.axtyp == 1;
     if (crossed && (ax.scl[0] || ax.scl[1])) {
         qqwar1(b, 150, "Crossed axis systems must have linear scaling");
@@ -285,7 +283,7 @@ void free_axis(glbblk *b, int axis, int logax, double a, double e, double orl, d
         qqwarn(b, 2, side);
         return;
     }
-    if (qqtstscl(b, a, e, orl, step, len)) return;
+    if (qqtstscl(b, a, e, orl, step, len, 0, 0)) return;
     // The axis draws with its own name and scaling type for the call.
     char savname[QQ_NAMELEN + 1];
     std::memcpy(savname, ax.name[axis], sizeof savname);
@@ -491,7 +489,7 @@ void colour_bar(glbblk *b, int logax, double a, double e, double orl, double ste
         qqwarn(b, 2, ndir);
         return;
     }
-    if (qqtstscl(b, a, e, orl, step, nl)) return;
+    if (qqtstscl(b, a, e, orl, step, nl, 0, 0)) return;
     int y = qqyflpi(b, ny);
     int w = ax.widbar;
     // One rectangle for each colour of the colour range, lower bound first.

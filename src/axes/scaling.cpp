@@ -212,7 +212,7 @@ void qqautscl(glbblk *b, int axis, double *pa, double *pe, double *por, double *
     *pstep = s;
 }
 
-int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len) noexcept {
+int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len, int pos, int which) noexcept {
     // A NaN fails the comparisons as a zero range or step does.
     if (!(std::fabs(e - a) >= 1e-35)) {
         qqwar0(b, 10);
@@ -225,6 +225,11 @@ int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len) no
     if (len < 2) {
         qqwar0(b, 11);
         return 1;
+    }
+    if (which) {
+        // The left end of an X axis, the top of a Y axis, origin shift added.
+        int p = which == 4 ? pos + b->dev.nxsh : pos - len + 1 + b->dev.nysh;
+        if (p < 0) qqwarn(b, which, pos);
     }
     double lo = a < e ? a : e, hi = a < e ? e : a;
     if (!(orl >= lo - 1e-35 * std::fabs(lo) && orl <= hi + 1e-35 * std::fabs(hi))) qqwar0(b, 12);
