@@ -299,6 +299,8 @@ KOLVEX_API void xaxlg(double a, double e, double orl, double step, int nl, const
 KOLVEX_API void yaxgit(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void yaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void yaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void zaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void zaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx, int ny) KOLVEX_NOEXCEPT;
 
 /* Curves and interpolation */
 KOLVEX_API void barwth(double xf) KOLVEX_NOEXCEPT;

@@ -151,3 +151,120 @@ def test_tick_positions_follow_the_scaling(tmp_path, scaling, log):
         for i in range(-math.trunc((orl - a) / ds + 1e-4), math.trunc((e - orl) / ds + 1e-4) + 1):
             want[math.trunc(i * f * ds + (orl - a) * f + X0 + 0.5)] = 24 if i % 2 == 0 else 16
     assert got == want
+
+
+def _strokes(path):
+    return sorted((round(a[0], 1), round(a[1], 1), round(b[0], 1), round(b[1], 1))
+                  for a, b in segments(read_plog(path)))
+
+
+@pytest.mark.parametrize("axis, vert", [("X", False), ("X", True), ("Y", False), ("Y", True)])
+def test_label_positions_follow_the_formulas(tmp_path, axis, vert):
+    """The labels of graf against the same texts drawn by messag where the
+    formulas put them (no ticks, so the base line is the label distance)."""
+    a, e, orl, step = -0.5, 2.5, 0.0, 0.5
+    session("graf.met")
+    kolvex.setgrf("LABE" if axis == "X" else "NONE", "LABE" if axis == "Y" else "NONE", "NONE", "NONE")
+    kolvex.frame(0)
+    kolvex.noline("XY")
+    kolvex.ticks(0, "XY")
+    if vert:
+        kolvex.labtyp("VERT", axis)
+    kolvex.graf(a, e, orl, step, a, e, orl, step)
+    kolvex.endgrf()
+    finish()
+    session("messag.met")
+    h = 36
+    length = XL if axis == "X" else YL
+    f = (length - 1) / (e - a)
+    for i in range(6):
+        v = orl + i * step
+        text = kolvex.fcha(v, 1)
+        w = kolvex.nlmess(text)
+        d = (v - a) * f
+        if axis == "X" and not vert:
+            kolvex.messag(text, math.trunc(d + X0 + 0.5 - w / 2), Y0 + 24)
+        elif axis == "X":
+            wmax = max(kolvex.nlmess(kolvex.fcha(orl + k * step, 1)) for k in range(6))
+            kolvex.angle(90)
+            kolvex.messag(text, math.trunc(d + X0 + 0.5 - h / 2), Y0 + 24 + w)
+            assert wmax >= w
+        elif not vert:
+            kolvex.messag(text, X0 - 24 - w, math.trunc(Y0 - 0.5 - d - h / 2))
+        else:
+            kolvex.angle(90)
+            kolvex.messag(text, X0 - 24 - h, math.trunc(Y0 - 0.5 - d + w / 2))
+        kolvex.angle(0)
+    finish()
+    assert _strokes(tmp_path / "graf.met") == _strokes(tmp_path / "messag.met")
+
+
+def _dilate(mask, r):
+    out = mask.copy()
+    h, w = mask.shape
+    for dy in range(-r, r + 1):
+        for dx in range(-r, r + 1):
+            out[max(dy, 0):h + min(dy, 0), max(dx, 0):w + min(dx, 0)] |= \
+                mask[max(-dy, 0):h + min(-dy, 0), max(-dx, 0):w + min(-dx, 0)]
+    return out
+
+
+def test_example_page_on_png_and_svg_alike(tmp_path):
+    """The example's page of axes drawn as PNG and as SVG (rendered by
+    rsvg-convert) has its dark pixels in the same places."""
+    import importlib.util
+    import os
+    import shutil
+    import subprocess
+    np = pytest.importorskip("numpy")
+    Image = pytest.importorskip("PIL.Image")
+    if not shutil.which("rsvg-convert"):
+        pytest.skip("rsvg-convert is not installed")
+    path = os.path.join(os.path.dirname(__file__), "..", "examples", "axes.py")
+    spec = importlib.util.spec_from_file_location("axes_example", path)
+    ex = importlib.util.module_from_spec(spec)
+    spec.loader.exec_module(ex)
+    kolvex.unit(0)
+    ex.draw("PNG", "axes.png")
+    ex.draw("SVG", "axes.svg")
+    subprocess.run(["rsvg-convert", "-w", "853", "-h", "603", "-b", "white", "-o", "svg.png", "axes.svg"],
+                   check=True)
+    a = np.asarray(Image.open("svg.png").convert("L")) < 128
+    b = np.asarray(Image.open("axes.png").convert("L")) < 128
+    assert a.shape == b.shape and b.sum() > 5000
+    assert (a & _dilate(b, 2)).sum() >= 0.97 * a.sum()
+    assert (b & _dilate(a, 2)).sum() >= 0.97 * b.sum()
+
+
+def test_setting_warnings_and_crossed_systems(capfd, tmp_path):
+    session("cros.met")
+    kolvex.mylab("a", 1, "X")
+    kolvex.mylab("b", 1, "X")
+    kolvex.mylab("c", 101, "X")
+    kolvex.titlin("t", 5)
+    kolvex.axstyp("CROS")
+    kolvex.scale("LOG", "X")
+    kolvex.graf(0, 2, 0, 1, -1, 1, -1, 1)
+    assert kolvex.getlev() == 1
+    kolvex.scale("LIN", "X")
+    kolvex.graf(1, 2, 1, 1, -1, 1, -1, 1)
+    assert kolvex.getlev() == 1
+    kolvex.graf(-2, 2, -2, 1, -1, 1, -1, 1)
+    assert kolvex.getlev() == 2
+    kolvex.grid(-1, 0)
+    kolvex.endgrf()
+    assert warnings_of(capfd) == [
+        " <<<< Warning 6: Same tick number as in a call before in mylab!   ( 1)",
+        " <<<< Warning 2: Incorrect parameter in mylab!   ( 101)",
+        " <<<< Warning 2: Incorrect parameter in titlin!   ( 5)",
+        " <<<< Warning 150: Crossed axis systems must have linear scaling in graf!",
+        " <<<< Warning 151: No origin found for crossed axis system in graf!",
+        " <<<< Warning 2: Incorrect parameter in grid!   ( -1)"]
+    # nograf computes the system and draws nothing.
+    kolvex.axstyp("RECT")
+    kolvex.nograf()
+    kolvex.graf(0, 1, 0, 1, 0, 1, 0, 1)
+    assert kolvex.xposn(1.0) == pytest.approx(X0 + XL - 1)
+    kolvex.endgrf()
+    finish()
+    assert read_plog(tmp_path / "cros.met") and len(segments(read_plog(tmp_path / "cros.met"))) > 20

@@ -25,8 +25,10 @@ double qqyinv(glbblk *b, double yp) noexcept;
 // the digits of the axis.  Does nothing for an axis without the flag.
 void qqautscl(glbblk *b, int axis, double *a, double *e, double *orl, double *step) noexcept;
 // The tests of one axis before an axis system is drawn.  Returns 1 when
-// the scaling is refused (warnings 9, 10, 11 given), 0 otherwise.
-int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len) noexcept;
+// the scaling is refused (warnings 9, 10, 11 given), 0 otherwise.  which
+// 4 tests pos as the left end of an X axis, 5 as the lower end of a Y
+// axis (warnings 4 and 5 when the axis leaves the page); 0 no position.
+int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len, int pos, int which) noexcept;
 
 // Digits for the labels of an axis with automatic digits: the larger need
 // of the first label and the step.

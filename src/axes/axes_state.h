@@ -76,6 +76,7 @@ struct AxesState {
     int grace;              // margin of the clip rectangle
     int center;             // 1 after center, until the page ends
     int centdone;           // 1 once a graf on this page was centred
+    int centpage;           // the page it was centred on
     char title[4][QQ_NAMELEN + 1];
     int titul[4];           // 1 when the line is underlined
     int htit;               // title height, 0 the character height

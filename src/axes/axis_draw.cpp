@@ -72,7 +72,7 @@ void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centre
     double lo = (c.orl - c.a) / ds + 1e-4, hi = (c.e - c.orl) / ds + 1e-4;
     if (!std::isfinite(lo) || !std::isfinite(hi) || std::fabs(lo) + std::fabs(hi) > kMaxMarks) return;
     long i0 = -(long)std::trunc(lo), i1 = (long)std::trunc(hi);
-    bool isx = c.axis == 0;
+    bool isx = qqaxgeo(c) == 0;
     auto tick = [&](double pos, int len) {
         double a0 = centred ? -len / 2 : 0, a1 = centred ? len - len / 2 : len;
         double p0x, p0y, p1x, p1y;
@@ -175,14 +175,15 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     }
     if (lab == 12 && jus == 0) jus = ax.rgtlab ? 2 : 1;
     int savdig = ax.ndig[axis];
-    if (ax.autdig[axis]) ax.ndig[axis] = qqaxdig(c.orl, c.step);
+    if (ax.autdig[axis] && !ax.autscl[axis]) ax.ndig[axis] = qqaxdig(c.orl, c.step);
     double f = (c.len - 1) / (c.e - c.a);
     bool neg = c.side == 1;
     bool vert = ax.labori[axis] == 1;
     char t[QQ_LABLEN + 1];
     // Labels whose width sets the extent: measure them all first.
     int E;
-    bool wide_extent = (axis == 0 && vert) || (axis == 1 && !vert);
+    bool xgeo = qqaxgeo(c) == 0;
+    bool wide_extent = xgeo == vert;
     if (wide_extent) {
         double wmax = 0;
         for (int i = p.first; i <= p.last; i += p.inc) {
@@ -196,6 +197,11 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     } else {
         E = power ? (int)std::trunc(B * h + 0.5) : h;
     }
+    if (c.measure) {
+        ax.ndig[axis] = savdig;
+        if (mixed) qqaxmixend(b, &mix);
+        return E;
+    }
     double o = lab == 4 ? h - B * h / 2 : h / 2;
     double w10 = power ? qqaxtw(b, "10") : 0;
     for (int i = p.first; i <= p.last; i += p.inc) {
@@ -208,7 +214,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
         double d = (v - c.a) * f;
         double x, y;
         int rot = 0;
-        if (axis == 0 && !vert) {
+        if (xgeo && !vert) {
             double wj = power && lab == 3 ? w10 : w;
             x = std::trunc(d + c.x0 + 0.5 - wj / 2);
             if (neg)
@@ -219,7 +225,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
                 if (x < c.x0) x = c.x0;
                 if (x + w > c.x0 + c.len) x = c.x0 + c.len - w;
             }
-        } else if (axis == 0) {
+        } else if (xgeo) {
             rot = 90;
             x = std::trunc(d + c.x0 + 0.5 - o);
             if (neg)
@@ -266,7 +272,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     return E;
 }
 
-void draw_name(glbblk *b, const AxisCall &c, int E, bool ticks_on, bool labels_on) {
+void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
     const AxesState &ax = b->ax;
     int axis = c.axis;
     const char *nm = ax.name[axis];
@@ -274,7 +280,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool ticks_on, bool labels_o
     int sg = c.side == 1 ? -1 : 1;
     int tp = ax.ticpos[axis];
     int dist = ax.namdis[axis];
-    if (ticks_on) dist += tp == 0 ? ax.ticmaj : tp == 2 ? ax.ticmaj / 2 : 0;
+    dist += tp == 0 ? ax.ticmaj : tp == 2 ? ax.ticmaj / 2 : 0;
     if (labels_on) dist += ax.labdis[axis];
     dist *= sg;
     if (!labels_on) E = 0;
@@ -285,7 +291,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool ticks_on, bool labels_o
     double joff = jus == 0 ? std::trunc((c.len - nw) / 2) : jus == 2 ? c.len - nw : 0;
     int clr = ax.axclr[axis][3];
     int saved = colour_on(b, clr);
-    if (axis == 0) {
+    if (qqaxgeo(c) == 0) {
         double y = sg > 0 ? c.y0 + dist + E + nh - ax.hname : c.y0 + dist - ax.hname - nu - E;
         qqaxtxt(b, nm, c.x0 + joff, y, 0);
     } else if (sg < 0) {
@@ -304,6 +310,10 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool ticks_on, bool labels_o
 int qqaxis(glbblk *b, const AxisCall &c) noexcept {
     AxesState &ax = b->ax;
     int axis = c.axis;
+    if (c.measure) {
+        if (c.level < 3 || ax.lab[axis] == 0) return 0;
+        return draw_labels(b, c, 0);
+    }
     int sg = c.side == 1 ? -1 : 1;
     int tp = ax.ticpos[axis];
     int dir = tp == 1 ? -sg : sg;
@@ -313,7 +323,7 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
     if (c.level >= 1 && !ax.noline[axis]) {
         int clr = ax.axclr[axis][0];
         int saved = colour_on(b, clr);
-        if (axis == 0)
+        if (qqaxgeo(c) == 0)
             qqline(b, c.x0, c.y0, c.x0 + c.len - 1, c.y0);
         else
             qqline(b, c.x0, c.y0, c.x0, c.y0 - c.len + 1);
@@ -327,7 +337,7 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
     }
     int E = 0;
     if (labels_on) {
-        double across = axis == 0 ? c.y0 : c.x0;
+        double across = qqaxgeo(c) == 0 ? c.y0 : c.x0;
         double base = across + sg * ax.labdis[axis];
         if (ticks_on) base += tp == 0 ? sg * ax.ticmaj : tp == 2 ? sg * (ax.ticmaj / 2) : 0;
         int clr = ax.axclr[axis][2];
@@ -335,6 +345,21 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
         E = draw_labels(b, c, base);
         colour_off(b, clr, saved);
     }
-    if (c.level >= 4) draw_name(b, c, E, ticks_on, labels_on);
+    if (c.level >= 4) {
+        if (c.crossed) {
+            // The name stands beside the part of the axis from the origin.
+            AxisCall n = c;
+            if (qqaxgeo(c) == 0) {
+                n.x0 = ax.crsx;
+                n.len = c.x0 + c.len - ax.crsx;
+            } else {
+                n.y0 = ax.crsy;
+                n.len = ax.crsy - (c.y0 - c.len);
+            }
+            draw_name(b, n, E, labels_on);
+        } else {
+            draw_name(b, c, E, labels_on);
+        }
+    }
     return E;
 }

@@ -13,7 +13,12 @@ struct AxisCall {
     int logax;         // 1 logarithmic
     int level;         // highest element drawn: 1 line, 2 ticks, 3 labels, 4 name
     int crossed;       // 1 in a crossed system: no label at 0
+    int measure;       // 1: draw nothing, only give the label extent
+    int geo;           // 0 placed as its axis; 1 as an X axis, 2 as a Y axis
 };
+
+// Whether the axis is placed as an X (0) or a Y axis (1).
+inline int qqaxgeo(const AxisCall &c) { return c.geo ? c.geo - 1 : c.axis; }
 
 // Draws the axis; returns the extent of its labels across the axis.
 int qqaxis(glbblk *b, const AxisCall &c) noexcept;

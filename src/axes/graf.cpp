@@ -1,6 +1,7 @@
 // The rectangular axis system: graf and endgrf, free axes, titles, grid
 // lines and the lines through the origin.
 #include <cmath>
+#include <algorithm>
 #include <cstring>
 
 #include "axes/axes.h"
@@ -60,7 +61,7 @@ void fill_box(glbblk *b, int x1, int y1, int x2, int y2, int clr) {
 
 // The extents of the four sides of the system for center: below, left,
 // above, right.
-void side_extents(glbblk *b, int ext[4]) {
+void side_extents(glbblk *b, const double v[2][4], int ext[4]) {
     const AxesState &ax = b->ax;
     int h = qqaxth(b);
     for (int s = 0; s < 4; ++s) {
@@ -71,9 +72,18 @@ void side_extents(glbblk *b, int ext[4]) {
         int tp = ax.ticpos[axis];
         if (lev >= 2 && ax.ntic[axis] > 0) e += tp == 0 ? ax.ticmaj : tp == 2 ? ax.ticmaj / 2 : 0;
         if (lev >= 3 && ax.lab[axis] != 0) {
-            bool wide = (axis == 0) == (ax.labori[axis] == 1);
-            // A rough extent of labels that run across the axis.
-            e += ax.labdis[axis] + (wide ? 4 * h : h);
+            AxisCall c{};
+            c.axis = axis;
+            c.a = v[axis][0];
+            c.e = v[axis][1];
+            c.orl = v[axis][2];
+            c.step = v[axis][3];
+            c.len = ax.nlen[axis];
+            c.side = s == 0 || s == 3 ? 0 : 1;
+            c.logax = ax.scl[axis];
+            c.level = lev;
+            c.measure = 1;
+            e += ax.labdis[axis] + qqaxis(b, c);
         }
         if (lev >= 4 && ax.name[axis][0]) e += ax.namdis[axis] + ax.hname;
         ext[s] = e;
@@ -97,14 +107,15 @@ void side_extents(glbblk *b, int ext[4]) {
     }
 }
 
-void do_center(glbblk *b, int px, int py, int xl, int yl) {
+void do_center(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) {
     int ext[4];
-    side_extents(b, ext);
+    side_extents(b, v, ext);
     int bottom = ext[0], left = ext[1], top = ext[2], right = ext[3];
     qqflsh(b);
     b->dev.nxsh = (b->core.nxp - xl - right - left) / 2 - px + left;
     b->dev.nysh = (yl + b->core.nyp + top + bottom) / 2 - py - bottom;
     b->ax.centdone = 1;
+    b->ax.centpage = b->sess.pageno;
 }
 
 }  // namespace
@@ -134,12 +145,10 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
     qqautscl(b, 1, &ya, &ye, &yor, &ystp);
     int xl = ax.nlen[0], yl = ax.nlen[1];
     int px = ax.nxa, py = ax.nya;
-    if (qqtstscl(b, xa, xe, xor_, xstp, xl) || qqtstscl(b, ya, ye, yor, ystp, yl)) {
+    if (qqtstscl(b, xa, xe, xor_, xstp, xl, px, 4) || qqtstscl(b, ya, ye, yor, ystp, yl, py, 5)) {
         b->core.level = 1;
         return;
     }
-    if (px + b->dev.nxsh < 0) qqwarn(b, 4, px);
-    if (py - yl + 1 + b->dev.nysh < 0) qqwarn(b, 5, py);
     bool crossed = ax.axtyp == 1;
     if (crossed && (ax.scl[0] || ax.scl[1])) {
         qqwar1(b, 150, "Crossed axis systems must have linear scaling");
@@ -202,7 +211,7 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
     dg.chkx[1] = r.xmax;
     dg.chky[0] = r.ymin;
     dg.chky[1] = r.ymax;
-    if (ax.center && !ax.centdone) do_center(b, px, py, xl, yl);
+    if (ax.center && (!ax.centdone || ax.centpage != b->sess.pageno)) do_center(b, v, px, py, xl, yl);
     qqaxrect(b, px, py, xl, yl);
     ax.legx = px + xl - 1;
     ax.legy = py - yl + 1;
@@ -274,7 +283,7 @@ void free_axis(glbblk *b, int axis, int logax, double a, double e, double orl, d
         qqwarn(b, 2, side);
         return;
     }
-    if (qqtstscl(b, a, e, orl, step, len)) return;
+    if (qqtstscl(b, a, e, orl, step, len, 0, 0)) return;
     // The axis draws with its own name and scaling type for the call.
     char savname[QQ_NAMELEN + 1];
     std::memcpy(savname, ax.name[axis], sizeof savname);
@@ -462,4 +471,81 @@ void addlab(const char *cstr, double v, int itic, const char *cax) noexcept {
         x = sg < 0 ? base - h : base;
     }
     qqaxtxt(b, cstr ? cstr : "", x, y, rot);
+}
+
+// ---------------------------------------------------------------------------
+// Colour bars with an axis.
+
+namespace {
+
+void colour_bar(glbblk *b, int logax, double a, double e, double orl, double step, int nl, const char *cname,
+                int it, int ndir, int nx, int ny) {
+    AxesState &ax = b->ax;
+    if (it != 0 && it != 1) {
+        qqwarn(b, 2, it);
+        return;
+    }
+    if (ndir != 0 && ndir != 1) {
+        qqwarn(b, 2, ndir);
+        return;
+    }
+    if (qqtstscl(b, a, e, orl, step, nl, 0, 0)) return;
+    int y = qqyflpi(b, ny);
+    int w = ax.widbar;
+    // One rectangle for each colour of the colour range, lower bound first.
+    int lo = b->clr.minidx, hi = b->clr.maxidx;
+    if (hi < lo) std::swap(lo, hi);
+    int n = hi - lo + 1;
+    for (int k = 0; k < n; ++k) {
+        // Neighbours share their border row so that no gap shows between them.
+        int p0 = (int)((double)k * nl / n), p1 = (int)((double)(k + 1) * nl / n);
+        if (p1 > nl - 1) p1 = nl - 1;
+        if (p1 < p0) p1 = p0;
+        if (ndir == 0)
+            fill_box(b, nx, y - p1, nx + w - 1, y - p0, lo + k);
+        else
+            fill_box(b, nx + p0, y - w + 1, nx + p1, y, lo + k);
+    }
+    if (ndir == 0)
+        draw_frame(b, nx, y - nl + 1, nx + w - 1, y, 1, ax.frmcol);
+    else
+        draw_frame(b, nx, y - w + 1, nx + nl - 1, y, 1, ax.frmcol);
+    char savname[QQ_NAMELEN + 1];
+    std::memcpy(savname, ax.name[2], sizeof savname);
+    qqscpy(ax.name[2], cname ? cname : "", QQ_NAMELEN);
+    AxisCall c{};
+    c.axis = 2;
+    c.a = a;
+    c.e = e;
+    c.orl = orl;
+    c.step = step;
+    c.len = nl;
+    c.logax = logax;
+    c.level = 4;
+    c.side = it;
+    if (ndir == 0) {
+        c.geo = 2;
+        c.x0 = it == 0 ? nx + w - 1 : nx;
+        c.y0 = y;
+    } else {
+        c.geo = 1;
+        c.x0 = nx;
+        c.y0 = it == 0 ? y : y - w + 1;
+    }
+    qqaxis(b, c);
+    std::memcpy(ax.name[2], savname, sizeof savname);
+}
+
+}  // namespace
+
+void zaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx,
+           int ny) noexcept {
+    glbblk *b = KX_ENTRY("zaxis");
+    if (b) colour_bar(b, 0, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
+}
+
+void zaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx,
+           int ny) noexcept {
+    glbblk *b = KX_ENTRY("zaxlg");
+    if (b) colour_bar(b, 1, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
 }

@@ -6,6 +6,7 @@
 
 #include "axes/axes.h"
 #include "axes/label_text.h"
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -211,7 +212,7 @@ void qqautscl(glbblk *b, int axis, double *pa, double *pe, double *por, double *
     *pstep = s;
 }
 
-int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len) noexcept {
+int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len, int pos, int which) noexcept {
     // A NaN fails the comparisons as a zero range or step does.
     if (!(std::fabs(e - a) >= 1e-35)) {
         qqwar0(b, 10);
@@ -224,6 +225,11 @@ int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len) no
     if (len < 2) {
         qqwar0(b, 11);
         return 1;
+    }
+    if (which) {
+        // The left end of an X axis, the top of a Y axis, origin shift added.
+        int p = which == 4 ? pos + b->dev.nxsh : pos - len + 1 + b->dev.nysh;
+        if (p < 0) qqwarn(b, which, pos);
     }
     double lo = a < e ? a : e, hi = a < e ? e : a;
     if (!(orl >= lo - 1e-35 * std::fabs(lo) && orl <= hi + 1e-35 * std::fabs(hi))) qqwar0(b, 12);
@@ -493,7 +499,7 @@ void autres(int ixdim, int iydim) noexcept {
     ax.autrx = nx;
     ax.autry = ny;
     if (b->core.level > 1 && mode != 2) {
-        bool screen = b->core.devcod < 101;
+        bool screen = b->core.fam && b->core.fam->kind == QQ_KIND_SCREEN;
         int rx = (ax.rec.nxl - 1 + nx - 2) / (nx - 1);
         int ry = (ax.rec.nyl - 1 + ny - 2) / (ny - 1);
         if (rx < 1) rx = 1;
@@ -737,14 +743,21 @@ void gaxpar(double a1, double a2, const char *copt, const char *cax, double *a, 
 
 namespace {
 
-bool pixel_device(int dev) { return dev < 101 || dev == 221 || dev == 231 || (dev >= 601 && dev <= 700); }
+// Devices that draw in pixels: the screen, the raster formats, and the
+// Windows metafiles, whose units are device pixels too.
+bool pixel_device(const glbblk *b) {
+    const DeviceFamily *f = b->core.fam;
+    if (!f) return false;
+    if (f->kind == QQ_KIND_SCREEN || f->kind == QQ_KIND_RASTER) return true;
+    return std::strcmp(f->name, "WMF") == 0 || std::strcmp(f->name, "EMF") == 0;
+}
 
 }  // namespace
 
 int nxpixl(int ix, int iy) noexcept {
     glbblk *b = KX_ENTRY("nxpixl");
     if (!b) return 0;
-    if (!pixel_device(b->core.devcod)) {
+    if (!pixel_device(b)) {
         qqwar1(b, 161, "Bad output device");
         return 0;
     }
@@ -755,7 +768,7 @@ int nxpixl(int ix, int iy) noexcept {
 int nypixl(int ix, int iy) noexcept {
     glbblk *b = KX_ENTRY("nypixl");
     if (!b) return 0;
-    if (!pixel_device(b->core.devcod)) {
+    if (!pixel_device(b)) {
         qqwar1(b, 161, "Bad output device");
         return 0;
     }
