@@ -373,6 +373,8 @@ KOLVEX_API void recfll(int nx, int ny, int nw, int nh, int ncol) KOLVEX_NOEXCEPT
 KOLVEX_API void rectan(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void shdfac(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void shdpat(int ipat) KOLVEX_NOEXCEPT;
+KOLVEX_API void xdraw(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
 
 #ifdef __cplusplus
 }

@@ -115,6 +115,15 @@ void qqclipdev(glbblk *b, int narrowing) noexcept;
 // The arrays may be changed.  Without the fill of the plots nothing is
 // drawn.
 void qqfillpoly(glbblk *b, double *x, double *y, int n) noexcept;
+// Hatches several polygons together with horizontal lines d apart in
+// their own frame, from the lowest y - d/2 to the highest + d/2, so that
+// holes and islands cancel (the shading of outline characters, contour
+// and map shading).  Each line goes to the caller's move and draw; more
+// than maxcross crossings on a line give warning 26 and end the hatching
+// (returns 1).  Without the fill of the plots nothing is drawn.
+int qqhatchpolys(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
+                 double d, int maxcross, void (*move)(glbblk *, double, double),
+                 void (*draw)(glbblk *, double, double)) noexcept;
 // Hands a solid polygon (plot coordinates without origin shift) to the
 // driver when it fills polygons itself; returns 1 when the driver drew it,
 // 0 when the caller must hatch.  No checks of pattern or hardware mode.

@@ -14,10 +14,16 @@ void qqfillpoly(glbblk *b, double *x, double *y, int n) noexcept {
     if (b->dev.fillfn) b->dev.fillfn(b, x, y, n);
 }
 
+int qqhatchpolys(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
+                 double d, int maxcross, void (*move)(glbblk *, double, double),
+                 void (*draw)(glbblk *, double, double)) noexcept {
+    return b->dev.hatchfn ? b->dev.hatchfn(b, x, y, n, npoly, d, maxcross, move, draw) : 0;
+}
+
 int qqdevpoly(glbblk *b, const double *x, const double *y, int n) noexcept {
     DeviceState &d = b->dev;
     const DriverOps *drv = d.drv;
-    if (n < 3 || !drv || !drv->fill_polygon) return 0;
+    if (n < 2 || !drv || !drv->fill_polygon) return 0;
     qqflsh(b);
     if (d.nxsh == 0 && d.nysh == 0 && d.trfon != 1) return drv->fill_polygon(b, x, y, n);
     // Shifted and transformed positions: small polygons on the stack.

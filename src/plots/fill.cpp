@@ -16,6 +16,7 @@
 #include "plots/line_styles.h"
 #include "plots/patterns.h"
 #include "plots/sweep.h"
+#include "raster/image_mode.h"
 
 namespace {
 
@@ -128,7 +129,7 @@ bool coincide(const double *x, const double *y, int n) {
 
 void qqpfill(glbblk *b, double *x, double *y, int n) noexcept {
     StyleState &s = b->sty;
-    if (n < 3 || s.pattyp == 0) return;
+    if (n < 2 || s.pattyp == 0) return;
     qqflsh(b);
     const DeviceState &d = b->dev;
     if (d.hwshd && s.patnum == QQ_SOLID_PATTERN) {
@@ -282,7 +283,9 @@ void areaf(const int *nxray, const int *nyray, int n) noexcept {
         x[i] = nxray[i];
         y[i] = qqyflp(b, nyray[i]);
     }
+    qqtprfig(b, 1);
     qqarea(b, x, y, n);
+    qqtprfig(b, 0);
     if (x != sx) std::free(x);
 }
 
@@ -318,4 +321,30 @@ void pagfll(int ncol) noexcept {
     const DeviceState &d = b->dev;
     qqrectf(b, -d.nxsh, -d.nysh, b->core.nxp - d.nxsh, b->core.nyp - d.nysh,
             ncol < 0 ? d.curclr : ncol);
+}
+
+// The pen without dash pattern or offset: positions go straight into the
+// polyline buffer, with the origin shift and the page origin's y.
+namespace {
+template <class Step>
+void plain_pen(glbblk *b, Step step) {
+    DeviceState &d = b->dev;
+    int n = d.dshn;
+    double off = d.lnoff;
+    d.dshn = 1;
+    d.lnoff = 0;
+    step();
+    d.dshn = n;
+    d.lnoff = off;
+}
+}  // namespace
+
+void xmove(double x, double y) noexcept {
+    glbblk *b = KX_ENTRY("xmove");
+    if (b) plain_pen(b, [&] { qqmove(b, x, qqyflp(b, y)); });
+}
+
+void xdraw(double x, double y) noexcept {
+    glbblk *b = KX_ENTRY("xdraw");
+    if (b) plain_pen(b, [&] { qqdraw(b, x, qqyflp(b, y)); });
 }

@@ -13,6 +13,7 @@
 #include "kolvex.h"
 #include "plots/fill.h"
 #include "plots/line_styles.h"
+#include "plots/sweep.h"
 
 namespace {
 
@@ -55,8 +56,17 @@ void apply_code(glbblk *b, int code) {
     s.patdst = s.shdfct * (double)d / b->core.unitf;
 }
 
+int hatch_polys(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
+                double d, int maxcross, void (*move)(glbblk *, double, double),
+                void (*draw)(glbblk *, double, double)) {
+    if (!move || !draw) return 0;
+    SweepPen pen{move, draw};
+    return qqsweepn(b, x, y, n, npoly, d, maxcross, 0, 0, 0, pen);
+}
+
 void styles_first(glbblk *b) {
     b->dev.fillfn = qqpfill;
+    b->dev.hatchfn = hatch_polys;
     b->sty.shdfct = 1.0;
     b->sty.outline = 1;
     b->sty.logofill = 1;
@@ -66,6 +76,7 @@ void styles_first(glbblk *b) {
 void styles_init(glbblk *b) {
     StyleState &s = b->sty;
     b->dev.fillfn = qqpfill;
+    b->dev.hatchfn = hatch_polys;
     qqlintyp(b, 0);
     s.shdfct = 1.0;
     s.outline = 1;

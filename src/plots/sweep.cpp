@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <initializer_list>
 
 #include "core/glbblk.h"
 #include "core/warnings.h"
@@ -201,4 +202,116 @@ int qqsweep(glbblk *b, const double *x, const double *y, int n, const SweepLines
         }
     }
     return 0;
+}
+
+int qqsweepn(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
+             double d, int maxcross, int inverted, double xleft, double xright, const SweepPen &pen) noexcept {
+    if (npoly < 1 || maxcross < 1 || !(d > 0) || !std::isfinite(d)) return 0;
+    // All vertices finite, and their count, for one allocation.
+    size_t total = 0;
+    double ymin = 1e300, ymax = -1e300;
+    for (int p = 0; p < npoly; ++p) {
+        if (n[p] < 3) continue;
+        for (int i = 0; i < n[p]; ++i) {
+            if (!std::isfinite(x[p][i]) || !std::isfinite(y[p][i])) return 0;
+            if (y[p][i] < ymin) ymin = y[p][i];
+            if (y[p][i] > ymax) ymax = y[p][i];
+        }
+        total += (size_t)n[p];
+    }
+    if (total == 0 || total > 0x3fffffff) return 0;
+    int *work = (int *)std::malloc(sizeof(int) * (3 * total + 2 * (size_t)npoly));
+    double *cross = (double *)std::malloc(sizeof(double) * ((size_t)maxcross + 1));
+    if (!work || !cross) {
+        std::free(work);
+        std::free(cross);
+        qqwar0(b, 53);
+        return 0;
+    }
+    // Per polygon: its sorted order, its links and its list head.
+    int *order = work, *link = work + total, *tmp = work + 2 * total;
+    int *base = work + 3 * total, *head = base + npoly;
+    size_t at = 0;
+    for (int p = 0; p < npoly; ++p) {
+        base[p] = (int)at;
+        head[p] = -1;
+        if (n[p] < 3) continue;
+        sort_by_y(y[p], n[p], order + at, tmp);
+        for (int i = 0; i < n[p]; ++i) link[at + i] = i + 1;
+        link[at + n[p] - 1] = -1;
+        head[p] = 0;
+        at += (size_t)n[p];
+    }
+    const double MAXLINES = 400000;
+    if (d < 0.1) d = 0.1;
+    if ((ymax - ymin + d) / d > MAXLINES) d = (ymax - ymin + d) / MAXLINES;
+    int result = 0;
+    for (double k = 0;; ++k) {
+        double yy = ymin - d / 2 + k * d;
+        if (yy > ymax + d / 2) break;
+        int nc = 0, count = 0;
+        for (int p = 0; p < npoly; ++p) {
+            if (head[p] == -1) continue;
+            const double *px = x[p], *py = y[p];
+            int m = n[p], *ord = order + base[p], *lnk = link + base[p];
+            int prev = -1, cur = head[p];
+            while (cur != -1) {
+                int v = ord[cur];
+                double yv = py[v];
+                if (yv > yy) break;
+                int a = v == 0 ? m - 1 : v - 1, c = v == m - 1 ? 0 : v + 1;
+                int next = lnk[cur];
+                if ((yv >= py[c] && yv >= py[a]) || (yy >= py[c] && yy >= py[a])) {
+                    if (prev == -1)
+                        head[p] = next;
+                    else
+                        lnk[prev] = next;
+                    cur = next;
+                    continue;
+                }
+                for (int w : {c, a})
+                    if (py[w] > yy) {
+                        if (nc < maxcross) cross[nc++] = px[v] + (px[w] - px[v]) * (yy - yv) / (py[w] - yv);
+                        ++count;
+                    }
+                prev = cur;
+                cur = next;
+            }
+        }
+        if (count > maxcross) {
+            qqwarn(b, 26, count);
+            result = 1;
+            break;
+        }
+        sort_small(cross, nc);
+        int m = 0;
+        for (int i = 0; i < nc; ++i) {
+            if (m > 0 && cross[m - 1] == cross[i])
+                --m;
+            else
+                cross[m++] = cross[i];
+        }
+        if (inverted) {
+            double from = xleft;
+            for (int i = 0; i + 1 < m; i += 2) {
+                if (cross[i] > from) {
+                    pen.move(b, from, yy);
+                    pen.draw(b, cross[i], yy);
+                }
+                from = cross[i + 1];
+            }
+            if (xright > from) {
+                pen.move(b, from, yy);
+                pen.draw(b, xright, yy);
+            }
+        } else {
+            for (int i = 0; i + 1 < m; i += 2) {
+                pen.move(b, cross[i + 1], yy);
+                pen.draw(b, cross[i], yy);
+            }
+        }
+    }
+    std::free(work);
+    std::free(cross);
+    return result;
 }
