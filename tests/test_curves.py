@@ -257,3 +257,18 @@ def test_thinned_dense_curve_looks_like_the_full_one():
     whole, parts = pictures
     differ = np.count_nonzero(whole != parts)
     assert differ <= 0.002 * np.count_nonzero(parts), differ
+
+
+def test_symbol_and_user_symbol_warnings_and_reset(capfd):
+    session()
+    kolvex.unit(6)
+    kolvex.mysymb([0.0, 2.0, 0.0], [1.0, 0.0, -1.0], 3, 30, 0)
+    kolvex.symbol(30, 5000, 100)
+    kolvex.polcrv("STEP")
+    kolvex.reset("POLCRV")
+    kolvex.curve([2.0, 4.0], [0.0, 1.0], 2)
+    lines = finish()
+    out = capfd.readouterr().out
+    assert "Warning 108: values out of range in mysymb!" in out
+    assert "Warning 193: ( 5000/  100) out of page in symbol!" in out
+    close(lines[-1], [(px(2), py(0)), (px(4), py(1))])  # a plain line again

@@ -46,9 +46,33 @@ void curves_release(glbblk *b) {
     b->crv.usrn = 0;
 }
 
+void reset_bartyp(glbblk *b) { b->crv.bartyp = 0; }
+void reset_barwth(glbblk *b) { b->crv.barwth = 0.75; }
+void reset_chncrv(glbblk *b) { b->crv.chncrv = 0; }
+void reset_gapcrv(glbblk *b) {
+    for (int k = 0; k < 3; ++k) b->crv.gapon[k] = 0;
+}
+void reset_legclr(glbblk *b) { b->leg.clrflag = 0; }
+void reset_mixleg(glbblk *b) { b->leg.mix = 0; }
+void reset_polcrv(glbblk *b) { b->crv.polcrv = CRV_LINE; }
+void reset_splmod(glbblk *b) {
+    b->crv.splgrd = 3;
+    b->crv.splnpt = 200;
+}
+void reset_symrot(glbblk *b) { b->crv.symrot = 0.0; }
+void reset_thkcrv(glbblk *b) { b->crv.thkcrv = 1; }
+// The legend's line count goes with the attribute state of the curves.
+void reset_legend(glbblk *b) { qqresatt(b); }
+
+const ResetEntry kResets[] = {
+    {"BART", reset_bartyp}, {"BARW", reset_barwth}, {"CHNC", reset_chncrv}, {"GAPC", reset_gapcrv},
+    {"LEGC", reset_legclr}, {"LEGE", reset_legend}, {"MIXL", reset_mixleg}, {"POLC", reset_polcrv},
+    {"SPLM", reset_splmod}, {"SYMR", reset_symrot}, {"THKC", reset_thkcrv}, {nullptr, nullptr},
+};
+
 }  // namespace
 
-extern const Subsystem kxsub_curves = {"curves", nullptr, curves_init, curves_release, nullptr, nullptr};
+extern const Subsystem kxsub_curves = {"curves", nullptr, curves_init, curves_release, kResets, nullptr};
 
 void qqresatt(glbblk *b) noexcept {
     // A fresh axis system starts the cycles and the legend's records anew.
