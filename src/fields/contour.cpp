@@ -1,7 +1,9 @@
 // contur, contur2, conmat, concrv and conpts: one level of a gridded
 // function traced and drawn through the contour pen, or returned as lines.
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 #include "core/guard.h"
 #include "core/warnings.h"
@@ -17,10 +19,17 @@ namespace {
 
 inline bool finite(double v) { return std::fabs(v) <= 1.7976931348623157e308; }
 
+// Whether the grid holds a value that is not a finite number (all bits of
+// the exponent set); integer tests that the compiler turns into vector code.
 bool any_hole(const double *z, size_t n) {
-    for (size_t k = 0; k < n; ++k)
-        if (!finite(z[k])) return true;
-    return false;
+    const uint64_t exp = 0x7ff0000000000000ull;
+    uint64_t bad = 0;
+    for (size_t k = 0; k < n; ++k) {
+        uint64_t v;
+        std::memcpy(&v, &z[k], sizeof v);
+        bad |= (uint64_t)((v & exp) == exp);
+    }
+    return bad != 0;
 }
 
 // Tracer output to the pen, converted to plot coordinates.

@@ -12,8 +12,8 @@
 // (NaN or infinite) makes a hole: no line enters a cell with such a corner;
 // lines that end at a hole are found from the hole's border.
 //
-// Memory: two bit tables of n*m + 1 bits for one level (the edge marks and
-// the interior start candidates); nothing per point.
+// Memory: two bit tables of n*m + 1 bits for one level (the edge marks
+// and the interior's starting edges); nothing per point.
 #pragma once
 
 #include <cmath>
@@ -30,8 +30,7 @@ struct ConGrid {
 
 namespace qqcon {
 
-// Bit tables numbered as the edge marks are: grid point (i, j) is bit
-// j*n + i + 1, so the interior scan order is the order of the bits.
+// The edge marks: grid point (i, j) is bit j*n + i + 1.
 struct Bits {
     uint64_t *w = nullptr;
     size_t nw = 0;
@@ -176,8 +175,7 @@ template <class Sink> struct Tracer {
     bool run(bool holes) {
         const int n = g.n, m = g.m;
         size_t nbits = (size_t)n * (size_t)m + 1;
-        Bits cand;
-        if (!marks.alloc(nbits) || !cand.alloc(nbits)) return false;
+        if (!marks.alloc(nbits)) return false;
         // The boundary, counter-clockwise.
         for (int i = 1; i < n; ++i)
             if (starts(i - 1, 0, i, 0)) trace(i - 1, 0, i, 0);
@@ -188,26 +186,30 @@ template <class Sink> struct Tracer {
         for (int j = m - 2; j >= 0; --j)
             if (starts(0, j + 1, 0, j)) trace(0, j + 1, 0, j);
         if (holes) hole_starts();
-        // The interior: the candidates are found column by column, the
-        // order of the values in memory, then taken in the order of the
-        // rows, so that the lines come in the scan's order.
+        // The interior.  The edges that may start a line are found in the
+        // storage order of the matrix, column by column, into a table of
+        // bits numbered i*m + j; the scan then takes them row by row from
+        // that small table, so that the lines come in the order of the
+        // rows without reading the matrix across its columns.
         if (m > 2) {
+            Bits cand;
+            if (!cand.alloc(nbits)) return false;
+            const double big = 1.7976931348623157e308;
             for (int i = 1; i < n; ++i) {
                 const double *zl = g.z + (size_t)(i - 1) * m, *zh = g.z + (size_t)i * m;
-                for (int j = 1; j < m - 1; ++j)
-                    if (zl[j] <= lev && zh[j] > lev && finite(zl[j]) && finite(zh[j]))
-                        cand.test(bit(i, j), 1);
-            }
-            for (size_t k = 0; k < cand.nw; ++k) {
-                uint64_t w = cand.w[k];
-                while (w) {
-                    int b = __builtin_ctzll(w);
-                    w &= w - 1;
-                    size_t idx = k * 64 + (size_t)b - 1;
-                    int i = (int)(idx % (size_t)n), j = (int)(idx / (size_t)n);
-                    if (!marks.test(idx + 1, 0)) trace(i - 1, j, i, j);
+                size_t k = (size_t)i * m;
+                for (int j = 0; j < m; ++j, ++k) {
+                    uint64_t f = (uint64_t)((zl[j] <= lev) & (zh[j] > lev) & (zl[j] >= -big) &
+                                            (zh[j] <= big));
+                    cand.w[k >> 6] |= f << (k & 63);
                 }
             }
+            for (int j = 1; j < m - 1; ++j)
+                for (int i = 1; i < n; ++i) {
+                    size_t k = (size_t)i * m + j;
+                    if ((cand.w[k >> 6] >> (k & 63) & 1) && !marks.test(bit(i, j), 0))
+                        trace(i - 1, j, i, j);
+                }
         }
         return true;
     }
