@@ -142,11 +142,48 @@ void word(glbblk *b, const char *text) { qqlbuf(b, text, (int)std::strlen(text))
 
 void newline(glbblk *b) { qqlbuf(b, nullptr, -1); }
 
+// One word that ends in its blank and holds no other: what qqlbuf does
+// with it, without the search for blanks.  The path writer's hot spot.
+inline void put(glbblk *b, const char *w, int len) {
+    SessionState &s = b->sess;
+    if (!s.lnbuf) return;
+    if (s.lnpos + len > s.lnlen && s.lnpos > 0) qqlbuf(b, nullptr, -1);
+    std::memcpy(s.lnbuf + s.lnpos, w, (size_t)len);
+    s.lnpos += len;
+}
+
+// The decimal digits of 0 to 99 in pairs.
+struct DigitPairs {
+    char d[200];
+    constexpr DigitPairs() : d() {
+        for (int i = 0; i < 100; ++i) {
+            d[2 * i] = (char)('0' + i / 10);
+            d[2 * i + 1] = (char)('0' + i % 10);
+        }
+    }
+};
+constexpr DigitPairs kPairs;
+
 // An integer and the blank behind it.
-void inum(glbblk *b, long long v) {
+inline void inum(glbblk *b, long long v) {
     char t[24];
-    int n = std::snprintf(t, sizeof t, "%lld ", v);
-    qqlbuf(b, t, n);
+    char *e = t + sizeof t, *q = e;
+    *--q = ' ';
+    unsigned long long u = v < 0 ? 0ULL - (unsigned long long)v : (unsigned long long)v;
+    while (u >= 100) {
+        unsigned k = (unsigned)(u % 100);
+        u /= 100;
+        q -= 2;
+        std::memcpy(q, kPairs.d + 2 * k, 2);
+    }
+    if (u >= 10) {
+        q -= 2;
+        std::memcpy(q, kPairs.d + 2 * u, 2);
+    } else {
+        *--q = (char)('0' + u);
+    }
+    if (v < 0) *--q = '-';
+    put(b, q, (int)(e - q));
 }
 
 // A decimal number with prec decimals and the blank behind it, whatever
@@ -213,13 +250,13 @@ void write_path(glbblk *b) {
     bool dot = n == 2 && p.pathx[0] == p.pathx[1] && p.pathy[0] == p.pathy[1];
     inum(b, dot ? p.pathx[0] - 2LL : p.pathx[0]);
     inum(b, p.pathy[0]);
-    word(b, "u ");
+    put(b, "u ", 2);
     for (int i = 1; i < n; ++i) {
         inum(b, dot ? p.pathx[i] + 2LL : p.pathx[i]);
         inum(b, p.pathy[i]);
-        word(b, "d ");
+        put(b, "d ", 2);
     }
-    word(b, "p ");
+    put(b, "p ", 2);
 }
 
 // Codes 2 draw, 3 move, 9 end path, 999 close; positions in device units.
@@ -355,6 +392,9 @@ int ps_open(glbblk *b) {
     if (s.sclm == 0) sc = std::fmin(sc, 2.0 * c.unitf * s.sclf);
     s.devscl = sc;
     s.colbits = 24;
+
+    // Long drawings make files of megabytes: write them in large blocks.
+    if (s.fhnd) std::setvbuf(s.fhnd, nullptr, _IOFBF, 1 << 16);
 
     bool eps = dev == 503, sing = p.pssing != 0;
     char t[256];
