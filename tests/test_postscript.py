@@ -235,6 +235,17 @@ def page(native_build, tmp_path_factory):  # noqa: F811
 
 
 @needs("gs")
+def test_exported_image_is_read(page, tmp_path):
+    if not png_device_built(tmp_path):
+        pytest.skip("PNG device not built")
+    ghostscript(page / "ps_test_page.export.ps", tmp_path / "export.png", res=40)
+    from PIL import Image
+    im = np.asarray(Image.open(tmp_path / "export.png").convert("RGB"))
+    for what in ("star", "rect", "curve"):
+        assert colour_mask(im, COLOURS[what]).sum() > 20, what
+
+
+@needs("gs")
 def test_ps_rendering_matches_the_png(page, tmp_path):
     if not png_device_built(tmp_path):
         pytest.skip("PNG device not built")

@@ -12,6 +12,8 @@
 #include "devices/device.h"
 #include "devices/postscript.h"
 #include "kolvex.h"
+#include "raster/canvas.h"
+#include "raster/writers.h"
 #include "testkit.h"
 
 namespace {
@@ -181,6 +183,34 @@ TEST(ps_long_lines_pages_and_grey) {
     CHECK(has(t, "%%Pages: 3 \n%%EOF \n"));
 }
 
+TEST(ps_export_of_an_image) {
+    std::string dir = testkit::temp_dir();
+    if (chdir(dir.c_str()) != 0) return;
+    filmod("DELE");
+    setfil("e.png");
+    winsiz(41, 17);  // wider than high: turned onto the sheet
+    metafl("PNG");
+    kolini();
+    glbblk *b = qqcur();
+    b->diag.outu = 0;
+    CHECK_EQ(qqwritefile(b, "e.ps", QQ_WPS), 0);
+    kolfin();
+    delglb();
+    std::string t = testkit::read_file("e.ps");
+    CHECK(has(t, "%!PS-Adobe-2.0\n%%BoundingBox:  21 28 575 823\n%%Creator: KOLVEX  10.3\n"
+                 "21.260 28.346 translate \n/DeviceRGB setcolorspace\ngsave 552.756 0 translate \n"
+                 "90 rotate\n793.701 329.095 scale \n<<\n/ImageType 1\n/Width 41\n/Height 17\n"
+                 "/BitsPerComponent 8\n/Decode [0 1 0 1 0 1]\n/ImageMatrix [41 0 0 -17 0 17]\n"
+                 "/DataSource currentfile /ASCIIHexDecode filter\n>> image\n"));
+    // 41 by 17 pixels of 6 digits: 52 lines of 80 and one of 22.
+    size_t data = t.find(">> image\n") + 9, end = t.find("\n> grestore showpage\n");
+    CHECK(end != std::string::npos && end + 21 == t.size());
+    std::string hex = t.substr(data, end - data);
+    CHECK_EQ((int)hex.size(), 41 * 17 * 6 + 52);
+    CHECK(hex.find_first_not_of("0123456789ABCDEF\n") == std::string::npos);
+    CHECK(hex.substr(80, 1) == "\n" && hex.substr(hex.size() - 23, 1) == "\n");
+}
+
 TEST(ps_strings_are_escaped) {
     char out[64];
     CHECK_EQ(qqpsesc("a(b)c\\d", 7, out, sizeof out), 10);
@@ -250,6 +280,8 @@ TEST(ps_test_page) {
         qqmove(b, 1000, 100);
         qqdraw(b, 2600, 900);
         qqflsh(b);
+        // The raster page exported as a PostScript image, too.
+        if (qqcanvasof(b)) CHECK_EQ(qqwritefile(b, (base + "export.ps").c_str(), QQ_WPS), 0);
         kolfin();
         delglb();
         CHECK(testkit::read_file(file).size() > 1000);
