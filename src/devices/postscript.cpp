@@ -24,6 +24,7 @@
 #include <ctime>
 #include <sys/stat.h>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -718,25 +719,52 @@ void ps_release(glbblk *b) { free_path(b); }
 
 extern const Subsystem kxsub_postscript = {"postscript", nullptr, nullptr, ps_release, nullptr, nullptr};
 
-extern const DriverOps kxdrv_postscript = [] {
-    DriverOps d{};
-    d.family = "PostScript";
-    d.caps = QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_CLIP | QQ_CAP_IMAGE | QQ_CAP_DEEP;
-    d.open = ps_open;
-    d.line = ps_line;
-    d.colour = ps_colour;
-    d.width = ps_width;
-    d.linestyle = ps_linestyle;
-    d.clip = ps_clip;
-    d.fill_polygon = ps_fill;
-    d.fill_rect = ps_rect;
-    d.new_page = ps_new_page;
-    d.close = ps_close;
-    d.image = ps_image;
-    d.character = ps_character;
-    d.textstyle = ps_textstyle;
-    return d;
-}();
+namespace {
+
+// Hardware line widths, fills, clipping and images; colours as red,
+// green, blue.  No markers, no clear, no update.
+const DriverOps kOps = {
+    .open = ps_open,
+    .line = ps_line,
+    .colour = ps_colour,
+    .width = ps_width,
+    .linestyle = ps_linestyle,
+    .clip = ps_clip,
+    .fill_polygon = ps_fill,
+    .fill_rect = ps_rect,
+    .new_page = ps_new_page,
+    .close = ps_close,
+    .image = ps_image,
+    .character = ps_character,
+    .textstyle = ps_textstyle,
+};
+
+// Printed on white paper, POST in the grey table; PSCL paints the dark
+// background of the screen, EPS and PS stay white.
+constexpr unsigned kGreyPaper = QQ_CLR_WHITE_SHEET | QQ_CLR_BACK_LAST | QQ_CLR_KEEP_REVERSED | QQ_CLR_GREY_TABLE;
+constexpr unsigned kDarkPage = QQ_CLR_TURN_ON_WHITE;
+constexpr unsigned kWhitePage = QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK;
+const DeviceKey kKeys[] = {
+    {"POST", 501, "psc", kGreyPaper},
+    {"PSCL", 502, "psc", kDarkPage},
+    {"EPS ", 503, "eps", kWhitePage},
+    {"PS  ", 504, "ps", kWhitePage},
+    {},
+};
+
+}  // namespace
+
+extern const DeviceFamily kxfam_postscript = {
+    .name = "PostScript",
+    .keys = kKeys,
+    .lo = 501,
+    .hi = 504,
+    .kind = QQ_KIND_PAGE,
+    .file = 0,
+    .lnlen = 80,
+    .viewer = "koldrv",
+    .ops = &kOps,
+};
 
 int qqpsesc(const char *text, int n, char *out, int size) noexcept {
     if (!out || size < 1) return -1;
