@@ -22,7 +22,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <sys/stat.h>
+#include <stdio_ext.h>
+#include <unistd.h>
 
 #include "core/family.h"
 #include "core/glbblk.h"
@@ -678,14 +679,14 @@ void ps_image(glbblk *b) {
 int ps_character(glbblk *, const QQHwChar *) { return 0; }
 void ps_textstyle(glbblk *) {}
 
-// A plot file whose writing failed is removed rather than left to look
-// like a picture; only a regular file is removed.
+// A plot file whose writing failed (a full disk) is emptied rather than
+// left to look like a picture; the session closes it as any other.
 void discard_file(glbblk *b) {
     SessionState &s = b->sess;
-    std::fclose(s.fhnd);
-    s.fhnd = nullptr;
-    struct stat st;
-    if (stat(s.fname, &st) == 0 && S_ISREG(st.st_mode)) std::remove(s.fname);
+    // What the stream still holds must not reach the file at its close.
+    __fpurge(s.fhnd);
+    std::clearerr(s.fhnd);
+    if (ftruncate(fileno(s.fhnd), 0) == 0) std::rewind(s.fhnd);
     qqwar0(b, 36);
 }
 
