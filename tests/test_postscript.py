@@ -247,6 +247,19 @@ def test_exported_image_is_read(page, tmp_path):
 
 
 @needs("gs")
+def test_sector_and_triangle_are_filled(page, tmp_path):
+    ghostscript(page / "ps_test_page.shapes.ps", tmp_path / "shapes.png", res=40)
+    from PIL import Image
+    im = np.asarray(Image.open(tmp_path / "shapes.png").convert("RGB"))
+    red, blue = colour_mask(im, (255, 0, 0)), colour_mask(im, (0, 0, 255))
+    # A ring sector of 120 degrees between radii 200 and 600, and a
+    # triangle of base 800 and height 800, in plot coordinates.
+    unit = (min(5600 / 2969, 3900 / 2099) * C * 40 / 72) ** 2
+    assert abs(red.sum() - np.pi * (600 ** 2 - 200 ** 2) / 3 * unit) < 0.05 * red.sum()
+    assert abs(blue.sum() - 800 * 800 / 2 * unit) < 0.05 * blue.sum()
+
+
+@needs("gs")
 def test_ps_rendering_matches_the_png(page, tmp_path):
     if not png_device_built(tmp_path):
         pytest.skip("PNG device not built")

@@ -674,6 +674,40 @@ void ps_image(glbblk *b) {
     word(b, "> grestore ");
 }
 
+// The ring sector of /sec: centre and radii in device units, the angles
+// with two decimals (turned a quarter on a landscape plot), the colour.
+int ps_sector(glbblk *b, double x, double y, double r1, double r2, double a1, double a2, int colour) {
+    int ix, iy;
+    map_int(b, x, y, &ix, &iy);
+    double s = b->sess.devscl;
+    inum(b, ix);
+    inum(b, iy);
+    inum(b, dev_int(r1 * s));
+    inum(b, dev_int(r2 * s));
+    double turn = b->ps.land ? 90.0 : 0.0;
+    fnum(b, a1 + turn, 2);
+    fnum(b, a2 + turn, 2);
+    int r, g, bl;
+    qqclrrgb(b, colour, &r, &g, &bl);
+    inum(b, r);
+    inum(b, g);
+    inum(b, bl);
+    word(b, "sec ");
+    return 1;
+}
+
+// The triangle of /tri, filled in the current colour.
+int ps_triangle(glbblk *b, const double *x, const double *y) {
+    for (int i = 0; i < 3; ++i) {
+        int ix, iy;
+        map_int(b, x[i], y[i], &ix, &iy);
+        inum(b, ix);
+        inum(b, iy);
+    }
+    word(b, "tri ");
+    return 1;
+}
+
 // Hardware characters come with the fonts of the text layer, which fills
 // these two operations; until then the layer strokes every character.
 int ps_character(glbblk *, const QQHwChar *) { return 0; }
@@ -738,6 +772,8 @@ const DriverOps kOps = {
     .image = ps_image,
     .character = ps_character,
     .textstyle = ps_textstyle,
+    .sector = ps_sector,
+    .triangle = ps_triangle,
 };
 
 // Printed on white paper, POST in the grey table; PSCL paints the dark

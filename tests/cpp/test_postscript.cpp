@@ -142,7 +142,10 @@ TEST(ps_paths_widths_and_fills) {
     drv->fill_rect(b, 500, 2969, 500, 2869, 0x010000FF);  // no width: a stripe of 4 units
     drv->fill_rect(b, 3000, 0, 3100, 10, 0x010000FF);     // off the page: nothing
     penwid(0.5);
+    CHECK_EQ(drv->sector(b, 100, 2869, 10, 50.2, 0, 90.5, 0x0100FF00), 1);
+    CHECK_EQ(drv->triangle(b, px, py), 1);
     std::string t = flat(close_ps("paths.ps"));
+    CHECK(has(t, "200 200 20 100 0.00 90.50 0 255 0 sec 0 0 200 0 200 200 tri "));
     CHECK(has(t, "5.00 cm setlinewidth 198 0 u 202 0 d p 20 0 u 40 0 d 60 0 d p 60 0 u 100 0 d p "));
     // Each change of style sets the width again; a sharp join carries the
     // miter limit in units of the width.
@@ -286,4 +289,19 @@ TEST(ps_test_page) {
         delglb();
         CHECK(testkit::read_file(file).size() > 1000);
     }
+    // The sector and the triangle of the prolog, for the interpreter.
+    std::string shapes = base + "shapes.ps";
+    setfil(shapes.c_str());
+    filmod("DELE");
+    metafl("PS");
+    kolini();
+    glbblk *b = qqcur();
+    b->diag.outu = 0;
+    const DriverOps *drv = b->dev.drv;
+    drv->sector(b, 1000, 1000, 200, 600, 30, 150, 0x010000FF);  // red
+    setrgb(0, 0, 1);
+    const double tx[] = {2000, 2800, 2400}, ty[] = {1800, 1800, 1000};
+    drv->triangle(b, tx, ty);  // blue
+    kolfin();
+    delglb();
 }
