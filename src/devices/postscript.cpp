@@ -381,6 +381,7 @@ int ps_open(glbblk *b) {
     p.r = p.g = p.bl = 0;
     p.cap = p.join = 2;
     p.miter = 2.0;
+    p.clipped = 0;
 
     // The paper and the device scale.
     p.land = nxp > nyp && s.pagrot != 2;
@@ -525,6 +526,10 @@ void ps_linestyle(glbblk *b) {
 }
 
 void ps_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
+    // The page is the clip region of a new page: a reset before any
+    // clipping has nothing to undo.
+    if (reset && !b->ps.clipped) return;
+    b->ps.clipped = !reset;
     end_path(b);
     if (reset) {
         x1 = y1 = 0;

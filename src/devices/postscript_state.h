@@ -17,4 +17,5 @@ struct PsState {
     unsigned char r, g, bl;  // colour last written
     int cap, join;           // setlinecap and setlinejoin last written
     double miter;            // lnmlt value last written
+    unsigned char clipped;   // a clip window other than the page is in force
 };
