@@ -197,13 +197,15 @@ void fnum(glbblk *b, double v, int prec) {
     qqlbuf(b, t, n);
 }
 
-// trunc(v + 0.5), kept within the integers.
-int dev_int(double v) {
-    v += 0.5;
+// trunc(v), kept within the integers whatever a scale factor made of v.
+int trunc_int(double v) {
     if (!(v > -2e9)) return -2000000000;
     if (v > 2e9) return 2000000000;
     return (int)v;
 }
+
+// trunc(v + 0.5): a position in device units.
+int dev_int(double v) { return trunc_int(v + 0.5); }
 
 // Plot position to device units: portrait paper (sX, s(nyp - Y)), or on
 // a landscape plot (sY, sX).
@@ -410,9 +412,9 @@ int ps_open(glbblk *b) {
     }
     double h = s.hwscl;
     double ex = p.land ? nyp : nxp, ey = p.land ? nxp : nyp;
-    std::snprintf(t, sizeof t, "%s %d %d %d %d\n", "%%BoundingBox: ", (int)std::trunc(ox * kPoints),
-                  (int)std::trunc(oy * kPoints), (int)std::trunc((ex * sc * h + ox) * kPoints + 1.0),
-                  (int)std::trunc((ey * sc * h + oy) * kPoints + 1.0));
+    std::snprintf(t, sizeof t, "%s %d %d %d %d\n", "%%BoundingBox: ", trunc_int(ox * kPoints),
+                  trunc_int(oy * kPoints), trunc_int((ex * sc * h + ox) * kPoints + 1.0),
+                  trunc_int((ey * sc * h + oy) * kPoints + 1.0));
     head(b, t);
     qqfmtf(t, 16, 11.5, 4, 1);
     head(b, "%%Creator: KOLVEX  ");
