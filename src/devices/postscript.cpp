@@ -146,12 +146,20 @@ void newline(glbblk *b) { qqlbuf(b, nullptr, -1); }
 
 // One word that ends in its blank and holds no other: what qqlbuf does
 // with it, without the search for blanks.  The path writer's hot spot.
-inline void put(glbblk *b, const char *w, int len) {
+// The line buffer holds lnlen + 2 bytes.
+inline char *room(glbblk *b, int len) {
     SessionState &s = b->sess;
-    if (!s.lnbuf) return;
+    if (!s.lnbuf) return nullptr;
     if (s.lnpos + len > s.lnlen && s.lnpos > 0) qqlbuf(b, nullptr, -1);
-    std::memcpy(s.lnbuf + s.lnpos, w, (size_t)len);
+    char *d = s.lnbuf + s.lnpos;
     s.lnpos += len;
+    return d;
+}
+
+// A word given as a literal, of a length known here.
+template <int N>
+inline void put(glbblk *b, const char (&w)[N]) {
+    if (char *d = room(b, N - 1)) std::memcpy(d, w, N - 1);
 }
 
 // The decimal digits of 0 to 99 in pairs.
@@ -166,10 +174,12 @@ struct DigitPairs {
 };
 constexpr DigitPairs kPairs;
 
-// An integer and the blank behind it.
+// An integer and the blank behind it.  The digits are built at the end of
+// a scratch area with 16 readable bytes behind their start, so that the
+// usual short number goes into the line as one fixed-size copy.
 inline void inum(glbblk *b, long long v) {
-    char t[24];
-    char *e = t + sizeof t, *q = e;
+    char t[40];
+    char *e = t + 24, *q = e;
     *--q = ' ';
     unsigned long long u = v < 0 ? 0ULL - (unsigned long long)v : (unsigned long long)v;
     while (u >= 100) {
@@ -185,7 +195,14 @@ inline void inum(glbblk *b, long long v) {
         *--q = (char)('0' + u);
     }
     if (v < 0) *--q = '-';
-    put(b, q, (int)(e - q));
+    int len = (int)(e - q);
+    SessionState &s = b->sess;
+    char *d = room(b, len);
+    if (!d) return;
+    if (d + 16 <= s.lnbuf + s.lnlen + 2)
+        std::memcpy(d, q, 16);  // bytes past the line's end are never written out
+    else
+        std::memcpy(d, q, (size_t)len);
 }
 
 // A decimal number with prec decimals and the blank behind it, whatever
@@ -254,13 +271,13 @@ void write_path(glbblk *b) {
     bool dot = n == 2 && p.pathx[0] == p.pathx[1] && p.pathy[0] == p.pathy[1];
     inum(b, dot ? p.pathx[0] - 2LL : p.pathx[0]);
     inum(b, p.pathy[0]);
-    put(b, "u ", 2);
+    put(b, "u ");
     for (int i = 1; i < n; ++i) {
         inum(b, dot ? p.pathx[i] + 2LL : p.pathx[i]);
         inum(b, p.pathy[i]);
-        put(b, "d ", 2);
+        put(b, "d ");
     }
-    put(b, "p ", 2);
+    put(b, "p ");
 }
 
 // Codes 2 draw, 3 move, 9 end path, 999 close; positions in device units.
