@@ -422,8 +422,10 @@ void addlab(const char *cstr, double v, int itic, const char *cax) noexcept {
     }
     int k = qqkey(b, "X   +Y   +Z   +XTOP+YLEF+YRIG", 6, cax);
     if (k < 1) return;
+    // The third axis belongs to the systems of level 3, whose own axes
+    // place it; here it only passes the guard.
     if (k == 3) {
-        qqwarc(b, 2, cax);
+        qqentry(3, 3, "addlab");
         return;
     }
     if (itic < 0 || itic > 2) {
