@@ -361,7 +361,7 @@ def maths_glyphs():
         return st
 
     def arc_pts(xa, ya, xb, yb, sign):
-        return [(xa + (xb - xa) * t + sign * 2.0 * math.sin(math.pi * t), ya + (yb - ya) * t)
+        return [(xa + (xb - xa) * t - sign * 3.0 * math.sin(math.pi * t), ya + (yb - ya) * t)
                 for t in [k / 6 for k in range(7)]]
 
     def subset(sign, eq=False, square=False, crossed=False):
@@ -439,8 +439,8 @@ def maths_glyphs():
         117: circled([line(2.4, A + 5.6, 13.6, A - 5.6), line(2.4, A - 5.6, 13.6, A + 5.6)]),
         107: [[(0, 21), (7, 0), (14, 21)], line(3.5, 10.5, 10.5, 10.5)],
         108: [arc(4.5, A, 4.5, 3.5, 0, 360, 16), arc(13.5, A, 4.5, 3.5, 180, 540, 16)],
-        109: [arc(7, 5.5, 5.5, 5.5, 0, 360, 16)[4:] + arc(7, 5.5, 5.5, 5.5, 0, 90, 4)[1:] +
-              [(12.5, 12), (11, 17), (7, 20), (3, 19)]],
+        109: [arc(7, 5.5, 5.5, 5.5, 0, 360, 16),
+              [(12.5, 5.5), (12.8, 10), (12, 15), (9.5, 18.8), (6, 20.5), (3, 19.5)]],
         110: [[(0, 21), (16, 21), (8, 0), (0, 21)]],
         112: [[(0, 16), (7, 0), (14, 16)]],
         113: [[(0, 0), (7, 16), (14, 0)]],
@@ -480,7 +480,7 @@ def maths_glyphs():
         161: [line(0, A, 16, A + 8), line(0, A, 16, A - 8), arc(0, A, 10, 10, -25, 25, 4)],
         162: [circle(3, A, 3, 12)],
         # symbols on the free letters
-        65: [line(0, 0, 0, 16), line(0, 0, 16, 0), [(0, 8), (4, 8), (5, 4), (0, 0)]],  # a right angle
+        65: [[(0, 16), (0, 0), (16, 0)], [(0, 4), (4, 4), (4, 0)]],  # a right angle
         67: [circle(4, 17, 3, 12)],                                                # degree
         80: [line(4, 21, 2, 13)],                                                  # prime
         81: [line(4, 21, 2, 13), line(9, 21, 7, 13)],                              # double prime
@@ -589,8 +589,7 @@ class Table:
         """Adds the points of a glyph; returns its stroke entries."""
         entries = []
         for s in strokes:
-            if len(s) < 2:
-                s = list(s) * 2 if s else s
+            # a stroke of one point only moves the pen: it marks a width
             if not s:
                 continue
             start = len(self.pts) + 1
@@ -719,8 +718,9 @@ def greek_section(name, path, unit=1.0, extra=True, grid=None):
     t = Table(name, True)
     for st in seq:
         if grid:
+            # the default font's cell: centred, the cell's right edge marked
             st = grid(st)
-            t.add_glyph(normalise(st, 1.0) if st else [])
+            t.add_glyph(st + [[(6, 0)]] if st else [])
         else:
             t.add_glyph(normalise(st, unit))
     return t

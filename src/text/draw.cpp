@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -128,7 +129,10 @@ void draw_glyph(glbblk *b, const TextSection *s, int rec, bool italic) {
     });
     if (outline && t.shdon && np >= 3) {
         double unitf = b->core.unitf > 0 ? b->core.unitf : 1.0;
-        double d = (b->core.devcod == 221 ? (double)0.39999f : (double)0.99999f) / unitf;
+        // The Windows metafile's pen is coarse: its fill lines lie closer.
+        const DeviceFamily *fam = b->core.fam;
+        bool wmf = fam && fam->name && std::strcmp(fam->name, "WMF") == 0;
+        double d = (wmf ? (double)0.39999f : (double)0.99999f) / unitf;
         qqtxthatch(b, px, py, np, d);
     }
 }
@@ -290,6 +294,39 @@ void run_codes(glbblk *b) {
     t.ibufn = 0;
 }
 
+// Runs the string: in TeX mode through the formula parser, measured first
+// and drawn from the same pen when the measure found no error (shift mode
+// off for both passes); else through the character loop.
+void run_string(glbblk *b) {
+    TextState &t = b->txt;
+    if (!(t.texon && t.tex)) {
+        run_codes(b);
+        return;
+    }
+    int smx = t.smxon, m = t.measure;
+    t.smxon = 0;
+    double px = t.penx, py = t.peny;
+    t.measure = 1;
+    int err = t.tex(b, 1);
+    t.measure = m;
+    if (!m) {
+        t.penx = px;
+        t.peny = py;
+        t.curhgt = t.starthgt;
+        t.cachesec = 0;
+        if (!err) t.tex(b, 0);
+    } else if (!err) {
+        t.penx = px;
+        t.peny = py;
+        t.curhgt = t.starthgt;
+        t.cachesec = 0;
+        t.tex(b, 1);
+    }
+    double dx = t.penx - t.strx, dy = t.peny - t.stry;
+    if (m) t.maxlen = std::sqrt(dx * dx + dy * dy);
+    t.smxon = smx;
+}
+
 // The string's codes: 0, or -1 when nothing is to be drawn.
 int load_codes(glbblk *b, const char *text) {
     TextState &t = b->txt;
@@ -310,7 +347,7 @@ double measure_loaded(glbblk *b) {
     t.measure = 1;
     t.penx = t.peny = 0.0;
     t.strx = t.stry = 0.0;
-    run_codes(b);
+    run_string(b);
     t.measure = 0;
     double len = t.maxlen;
     t.penx = px;
@@ -343,6 +380,11 @@ void text_box(glbblk *b, double ox, double oy, double len, double bx[4], double 
     double E = (t.basfac + t.expfac - 1.0) * h;
     int n = count_raise(t);
     double nh = h, nu = 0.0;
+    if (t.texon && t.tex) {
+        n = 0;
+        nh = qqnint(t.texhgt);
+        nu = qqnint(t.texdep);
+    }
     double top = m + (nh - h) + n * E;
     double H = 2 * m + nh + nu + n * E;
     double W = (double)(int)(len + 2 * m);
@@ -434,7 +476,7 @@ void draw_string(glbblk *b, const char *text, int x, int y, bool keep) {
     t.strx = t.penx;
     t.stry = t.peny;
     t.measure = 0;
-    run_codes(b);
+    run_string(b);
     if (!t.cntlab && !b->dev.pl3on)
         test_point(b, t.penx - t.lastgap * t.cosa, t.peny + t.lastgap * t.sina, "Endpoint");
     t.curhgt = t.height;
@@ -500,7 +542,6 @@ void qqmessag(glbblk *b, const char *text, int x, int y) noexcept {
     if (!text) return;
     bool keep = x == 999 && y == 999;
     if (!keep) {
-        y = qqyflpi(b, y);
         if (t.hjus != 0 || t.vjus != 0) {
             double dx = 0.0, dy = 0.0;
             if (t.hjus != 0) {
@@ -536,16 +577,22 @@ void qqmesshgt(glbblk *b, const char *text, int x, int y, int height, int ang) n
     t.cachesec = 0;
 }
 
-int qqtxtlen(glbblk *b, const char *text) noexcept {
+namespace {
+
+int measure_text(glbblk *b, const char *text, int warn) {
     if (!text) return 0;
     TextState &t = b->txt;
     int n = 0;
-    if (qqtxtcodes(b, text, t.codes, QQ_NCODES, &n, 0) < 0 || n == 0) return 0;
+    if (qqtxtcodes(b, text, t.codes, QQ_NCODES, &n, warn) < 0 || n == 0) return 0;
     t.ncodes = n;
     qqtxteushft(b);
     if (t.ncodes == 0) return 0;
     return qqnint(measure_loaded(b));
 }
+
+}  // namespace
+
+int qqtxtlen(glbblk *b, const char *text) noexcept { return measure_text(b, text, 0); }
 
 int qqtxtlenh(glbblk *b, const char *text, int height) noexcept {
     TextState &t = b->txt;
@@ -565,6 +612,13 @@ void qqtxtext(glbblk *b, const char *text, int *nh, int *nu) noexcept {
     *nu = 0;
     if (!text || qqtxtcodes(b, text, t.codes, QQ_NCODES, &n, 0) < 0) return;
     t.ncodes = n;
+    if (t.texon && t.tex) {
+        if (n == 0) return;
+        measure_loaded(b);
+        *nh = qqnint(t.texhgt);
+        *nu = qqnint(t.texdep);
+        return;
+    }
     *nh = t.height + qqnint(count_raise(t) * (t.basfac + t.expfac - 1.0) * t.height);
 }
 
@@ -578,6 +632,50 @@ void qqtxtchar(glbblk *b, int code) noexcept {
     t.cachesec = 0;
 }
 
+void qqtxthwstroke(glbblk *b, const QQHwChar *c) noexcept {
+    if (!c) return;
+    TextState &t = b->txt;
+    // The character stands in the STANDARD section of the stroke font at the
+    // driver's place, size and angle; the string's working state is kept.
+    double px = t.penx, py = t.peny, sn = t.sina, cs = t.cosa, vs = t.vshift, vo = t.voff;
+    double wf = t.curwfac, sp = t.curspc, sh = t.curshear;
+    int hg = t.curhgt, fx = t.curfix, meas = t.measure;
+    double r = c->angle * b->core.xdegr;
+    t.sina = std::sin(r);
+    t.cosa = std::cos(r);
+    t.curhgt = c->height >= 1 && c->height < 1e6 ? qqnint(c->height) : 1;
+    t.curwfac = 1.0;
+    t.curspc = 0.0;
+    t.curshear = 0.0;
+    t.curfix = 0;
+    t.measure = 0;
+    t.vshift = c->shift;
+    t.voff = 0.0;
+    t.cachesec = 0;
+    const TextSection *s = qqtxtsection(b, 1);
+    int i = (c->code < 32 ? 32 : c->code) - 31;
+    if (i > 1 && i <= s->limit) {
+        int rec = find_record(s, i);
+        t.penx = c->x;
+        t.peny = c->y;
+        if (c->pitch > 0) qqtxtadvance(b, (c->pitch - glyph_units(t, s, rec) * t.xscl) * 0.5);
+        if (rec >= 0) draw_glyph(b, s, rec, false);
+    }
+    t.penx = px;
+    t.peny = py;
+    t.sina = sn;
+    t.cosa = cs;
+    t.vshift = vs;
+    t.voff = vo;
+    t.curwfac = wf;
+    t.curspc = sp;
+    t.curshear = sh;
+    t.curhgt = hg;
+    t.curfix = fx;
+    t.measure = meas;
+    t.cachesec = 0;
+}
+
 void qqtxthooks(glbblk *b, int (*userpos)(glbblk *, double, double, double *, double *),
                 void (*symbol)(glbblk *, int, double, double, double, int)) noexcept {
     b->txt.userpos = userpos;
@@ -587,6 +685,7 @@ void qqtxthooks(glbblk *b, int (*userpos)(glbblk *, double, double, double *, do
 void messag(const char *cstr, int nx, int ny) noexcept {
     glbblk *b = KX_ENTRY("messag");
     if (!b) return;
+    if (!(nx == 999 && ny == 999)) ny = qqyflpi(b, ny);
     qqmessag(b, cstr, nx, ny);
 }
 
@@ -598,16 +697,17 @@ void rlmess(const char *cstr, double xp, double yp) noexcept {
         return;
     }
     double px = xp, py = yp;
-    if (b->txt.userpos && !b->txt.userpos(b, xp, yp, &px, &py)) return;
+    if (b->txt.userpos) {
+        if (!b->txt.userpos(b, xp, yp, &px, &py)) return;
+    } else {
+        py = qqyflp(b, yp);  // no axis system hook: the values are plot coordinates
+    }
     // the axis system gives plot coordinates already turned by the origin
-    unsigned char keepflip = b->core.ynoflp;
-    b->core.ynoflp = 1;
     qqmessag(b, cstr, qqround(px), qqround(py));
-    b->core.ynoflp = keepflip;
 }
 
 int nlmess(const char *cstr) noexcept {
     glbblk *b = KX_ENTRY("nlmess");
     if (!b) return 0;
-    return qqtxtlen(b, cstr);
+    return measure_text(b, cstr, 1);
 }

@@ -157,15 +157,56 @@ void qqtxtdefaults(glbblk *b) noexcept {
 
 namespace {
 
-void text_init(glbblk *b) {
-    TextState &t = b->txt;
-    qqtxtdefaults(b);
-    t.basalf = 1;
+void text_init(glbblk *b) { qqtxtdefaults(b); }
+
+// reset() rows: each puts one setting back to its session default.
+void reset_angle(glbblk *b) {
+    b->txt.angle = 0;
+    b->txt.sina = 0.0;
+    b->txt.cosa = 1.0;
 }
+void reset_basalf(glbblk *b) { b->txt.basalf = 1; }
+void reset_chaang(glbblk *b) { b->txt.shear = 0.0; }
+void reset_chaspc(glbblk *b) { b->txt.spcadd = 0.0; }
+void reset_chawth(glbblk *b) { b->txt.wfac = 1.0; }
+void reset_eushft(glbblk *b) {
+    b->txt.shfon = 0;
+    b->txt.shfset = 0;
+    std::memset(b->txt.shfchr, 0, sizeof b->txt.shfchr);
+}
+void reset_fixspc(glbblk *b) {
+    b->txt.fixon = 0;
+    b->txt.fixfac = 1.0;
+}
+void reset_frmess(glbblk *b) { b->txt.frmthk = 0; }
+void reset_height(glbblk *b) {
+    double unitf = b->core.unitf > 0 ? b->core.unitf : 1.0;
+    int h = qqround(36.0 / unitf);
+    b->txt.height = h < 1 ? 1 : h;
+}
+void reset_linesp(glbblk *b) { b->txt.linsp = 1.5; }
+void reset_mixalf(glbblk *b) { b->txt.mixon = 0; }
+void reset_mixchr(glbblk *b) { std::memcpy(b->txt.mixchr, "[]$/\\", 5); }
+void reset_setbas(glbblk *b) { b->txt.basfac = 0.6; }
+void reset_setexp(glbblk *b) { b->txt.expfac = 0.8; }
+void reset_shdcha(glbblk *b) { b->txt.shdon = 0; }
+void reset_smxalf(glbblk *b) {
+    b->txt.smxon = 0;
+    std::memset(b->txt.smxalf, 0, sizeof b->txt.smxalf);
+}
+
+const ResetEntry kResets[] = {
+    {"ANGL", reset_angle},   {"BASA", reset_basalf}, {"CHAA", reset_chaang},
+    {"CHAS", reset_chaspc},  {"CHAW", reset_chawth}, {"EUSH", reset_eushft},
+    {"FIXS", reset_fixspc},  {"FRME", reset_frmess}, {"HEIG", reset_height},
+    {"LINS", reset_linesp},  {"MIXA", reset_mixalf}, {"NEWM", reset_mixchr},
+    {"SETB", reset_setbas},  {"SETE", reset_setexp}, {"SETM", reset_mixchr},
+    {"SHDC", reset_shdcha},  {"SMXA", reset_smxalf}, {nullptr, nullptr},
+};
 
 }  // namespace
 
-extern const Subsystem kxsub_text = {"text", nullptr, text_init, nullptr, nullptr, nullptr};
+extern const Subsystem kxsub_text = {"text", nullptr, text_init, nullptr, kResets, nullptr};
 
 const TextSection *qqtxtsection(glbblk *b, int alf) noexcept {
     TextState &t = b->txt;

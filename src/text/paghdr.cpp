@@ -79,13 +79,10 @@ void paghdr(const char *cstr1, const char *cstr2, int iopt, int idir) noexcept {
         default: ang = 90, x = 15, y = len + 100; break;
         }
     }
-    // the corners are page places: no turn of y, no justification
+    // the corners are page places: no justification
     int hj = t.hjus, vj = t.vjus;
-    unsigned char flip = b->core.ynoflp;
     t.hjus = t.vjus = 0;
-    b->core.ynoflp = 1;
     qqmesshgt(b, text, x, y, h, ang);
-    b->core.ynoflp = flip;
     t.hjus = hj;
     t.vjus = vj;
 }

@@ -28,6 +28,12 @@ void qqtxtext(glbblk *b, const char *text, int *nh, int *nu) noexcept;
 // next string continues behind it).
 void qqtxtchar(glbblk *b, int code) noexcept;
 
+// Strokes one character of a hardware font that its driver refused, with
+// the STANDARD glyph of the selected stroke font at the character's place,
+// height and angle (the device layer calls it through a hook).
+struct QQHwChar;
+void qqtxthwstroke(glbblk *b, const QQHwChar *c) noexcept;
+
 // Hooks that higher layers set on a block (null when not set): user
 // coordinates of the axis system to plot coordinates for rlmess (returns 0
 // when it cannot), and the symbol n of the plot layer for the instruction

@@ -100,4 +100,10 @@ struct TextState {
     // frame of thickness n round a rotated box.
     int (*userpos)(glbblk *b, double x, double y, double *px, double *py);
     void (*symbol)(glbblk *b, int n, double x, double y, double size, int angle);
+    // The formula parser of TeX mode: runs over codes[0..ncodes) from the
+    // pen, drawing unless measure is 1; returns 0, or 1 after it reported
+    // an error.  It leaves the height and depth of the formula in texhgt and
+    // texdep for frames.  Null: strings are read as plain text.
+    int (*tex)(glbblk *b, int measure);
+    double texhgt, texdep;
 };
