@@ -269,6 +269,9 @@ void endgrf() noexcept {
     }
     ax.rec.type = 0;
     qqflsh(b);
+    // With buffering on the picture so far is sent out, as sendbf does.
+    const DriverOps *drv = d.drv;
+    if (b->sess.bufsend && drv && drv->update) drv->update(b);
 }
 
 // ---------------------------------------------------------------------------

@@ -129,6 +129,7 @@ int qqnumode(const glbblk *b, char *text, int size) noexcept {
 }
 
 int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept {
+    if (size > 0) out[0] = '\0';  // a refused call leaves an empty text
     if (ndig < -1 || ndig > 100) return -1;
     int fmt = b->num.numfmt;
     char raise = qqraisech(b), back = qqbackch(b);
