@@ -552,5 +552,17 @@ void zaxis(double a, double e, double orl, double step, int nl, const char *cstr
 void zaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx,
            int ny) noexcept {
     glbblk *b = KX_ENTRY("zaxlg");
-    if (b) colour_bar(b, 1, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
+    if (!b) return;
+    // expzlb: the bar reaches to whole decades, at its start or at both ends.
+    int x = b->ax.expzlb;
+    if (x >= 1 && std::isfinite(a) && std::isfinite(e)) {
+        if (a <= e) {
+            a = std::floor(a);
+            if (x == 2) e = std::ceil(e);
+        } else {
+            a = std::ceil(a);
+            if (x == 2) e = std::floor(e);
+        }
+    }
+    colour_bar(b, 1, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
 }
