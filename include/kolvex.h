@@ -173,6 +173,8 @@ KOLVEX_API void line(int nx1, int ny1, int nx2, int ny2) KOLVEX_NOEXCEPT;
 KOLVEX_API void lintyp(int ityp) KOLVEX_NOEXCEPT;
 KOLVEX_API void myline(const int *nray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void solid(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int getlin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int gettyp(void) KOLVEX_NOEXCEPT;
 
 /* Area fill, polygon clipping and patterns */
 KOLVEX_API void areaf(const int *nxray, const int *nyray, int n) KOLVEX_NOEXCEPT;
@@ -187,6 +189,7 @@ KOLVEX_API void shdfac(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void shdpat(int ipat) KOLVEX_NOEXCEPT;
 KOLVEX_API void xdraw(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API int getpat(void) KOLVEX_NOEXCEPT;
 
 #ifdef __cplusplus
 }
