@@ -190,6 +190,7 @@ KOLVEX_API void shdpat(int ipat) KOLVEX_NOEXCEPT;
 KOLVEX_API void xdraw(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API int getpat(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlarea(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
 
 #ifdef __cplusplus
 }
