@@ -346,6 +346,8 @@ KOLVEX_API void line(int nx1, int ny1, int nx2, int ny2) KOLVEX_NOEXCEPT;
 KOLVEX_API void lintyp(int ityp) KOLVEX_NOEXCEPT;
 KOLVEX_API void myline(const int *nray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void solid(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int getlin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int gettyp(void) KOLVEX_NOEXCEPT;
 
 /* Legends */
 KOLVEX_API void legbgd(int nclr) KOLVEX_NOEXCEPT;
@@ -378,6 +380,8 @@ KOLVEX_API void shdfac(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void shdpat(int ipat) KOLVEX_NOEXCEPT;
 KOLVEX_API void xdraw(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API int getpat(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlarea(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
 
 #ifdef __cplusplus
 }
