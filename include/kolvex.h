@@ -114,6 +114,9 @@ KOLVEX_API void lnmlt(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void noclip(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
 
+/* PostScript */
+KOLVEX_API void psmode(const char *copt) KOLVEX_NOEXCEPT;
+
 /* Colours */
 KOLVEX_API void clrcyc(int index, int iclr) KOLVEX_NOEXCEPT;
 KOLVEX_API void color(const char *col) KOLVEX_NOEXCEPT;
@@ -343,6 +346,8 @@ KOLVEX_API void line(int nx1, int ny1, int nx2, int ny2) KOLVEX_NOEXCEPT;
 KOLVEX_API void lintyp(int ityp) KOLVEX_NOEXCEPT;
 KOLVEX_API void myline(const int *nray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void solid(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int getlin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int gettyp(void) KOLVEX_NOEXCEPT;
 
 /* Legends */
 KOLVEX_API void legbgd(int nclr) KOLVEX_NOEXCEPT;
@@ -375,6 +380,8 @@ KOLVEX_API void shdfac(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void shdpat(int ipat) KOLVEX_NOEXCEPT;
 KOLVEX_API void xdraw(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API int getpat(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlarea(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
 
 /* Contour lines */
 KOLVEX_API void conclr(const int *nclray, int n) KOLVEX_NOEXCEPT;

@@ -268,3 +268,35 @@ def test_setting_warnings_and_crossed_systems(capfd, tmp_path):
     kolvex.endgrf()
     finish()
     assert read_plog(tmp_path / "cros.met") and len(segments(read_plog(tmp_path / "cros.met"))) > 20
+
+
+def test_numbers_draw_their_texts(tmp_path, capfd):
+    """number, nlnumb and rlnumb against messag and nlmess of the texts that
+    the number settings give."""
+    session("number.met")
+    kolvex.numode("COMM", "POIN", "NONE", "NOEQ")
+    kolvex.number(1234567.5, 1, 100, 100)
+    assert kolvex.nlnumb(1234567.5, 1) == kolvex.nlmess("1.234.567,5")
+    kolvex.numode("POIN", "NONE", "NONE", "NOEQ")
+    kolvex.numfmt("EXP")
+    kolvex.number(9.996, 2, 100, 300)
+    kolvex.numfmt("FLOA")
+    kolvex.graf(0, 10, 0, 2, 0, 10, 0, 2)
+    kolvex.rlnumb(-0.004, 2, 5.0, 5.0)
+    x, y = kolvex.nxposn(5.0), kolvex.nyposn(5.0)
+    kolvex.endgrf()
+    kolvex.number(2.5, 101, 100, 500)
+    assert kolvex.nlnumb(2.5, -2) == 0
+    finish()
+    assert warnings_of(capfd) == [" <<<< Warning 2: Incorrect parameter in number!   ( 101)",
+                                  " <<<< Warning 2: Incorrect parameter in nlnumb!   ( -2)"]
+    session("messag.met")
+    kolvex.messag("1.234.567,5", 100, 100)
+    kolvex.mixalf()
+    kolvex.messag("1.00*10[1$", 100, 300)
+    kolvex.reset("MIXA")
+    kolvex.graf(0, 10, 0, 2, 0, 10, 0, 2)
+    kolvex.endgrf()
+    kolvex.messag("0.00", x, y)
+    finish()
+    assert _strokes(tmp_path / "number.met") == _strokes(tmp_path / "messag.met")

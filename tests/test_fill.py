@@ -243,6 +243,12 @@ def test_pattern_and_style_settings_warn_and_keep(capfd):
                    " <<<< Warning 2: Incorrect parameter in patcyc!   ( 31)",
                    " <<<< Warning 2: Incorrect parameter in rectan!   ( 0)"]
     # Nothing changed: an outline alone, solid.
+    assert (kolvex.getpat(), kolvex.gettyp(), kolvex.getlin()) == (0, 0, 1)
+    kolvex.mypat(45, 1, 5, 1)
+    kolvex.chndsh()
+    assert (kolvex.getpat(), kolvex.gettyp()) == (45151, 3)
+    kolvex.reset("SHDPAT")
+    kolvex.solid()
     kolvex.areaf([100, 500, 500], [100, 100, 500], 3)
     kolvex.kolfin()
     segs = metafile_segments("f.met")

@@ -286,6 +286,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
     if (!labels_on) E = 0;
     int savh = qqaxsth(b, ax.hname);
     int nh = ax.hname, nu = 0;
+    qqaxtext(b, nm, &nh, &nu);
     double nw = qqaxtw(b, nm);
     int jus = ax.namjus[axis];
     double joff = jus == 0 ? std::trunc((c.len - nw) / 2) : jus == 2 ? c.len - nw : 0;

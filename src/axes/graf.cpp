@@ -269,6 +269,9 @@ void endgrf() noexcept {
     }
     ax.rec.type = 0;
     qqflsh(b);
+    // With buffering on the picture so far is sent out, as sendbf does.
+    const DriverOps *drv = d.drv;
+    if (b->sess.bufsend && drv && drv->update) drv->update(b);
 }
 
 // ---------------------------------------------------------------------------
@@ -422,8 +425,10 @@ void addlab(const char *cstr, double v, int itic, const char *cax) noexcept {
     }
     int k = qqkey(b, "X   +Y   +Z   +XTOP+YLEF+YRIG", 6, cax);
     if (k < 1) return;
+    // The third axis belongs to the systems of level 3, whose own axes
+    // place it; here it only passes the guard.
     if (k == 3) {
-        qqwarc(b, 2, cax);
+        qqentry(3, 3, "addlab");
         return;
     }
     if (itic < 0 || itic > 2) {
@@ -547,5 +552,17 @@ void zaxis(double a, double e, double orl, double step, int nl, const char *cstr
 void zaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx,
            int ny) noexcept {
     glbblk *b = KX_ENTRY("zaxlg");
-    if (b) colour_bar(b, 1, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
+    if (!b) return;
+    // expzlb: the bar reaches to whole decades, at its start or at both ends.
+    int x = b->ax.expzlb;
+    if (x >= 1 && std::isfinite(a) && std::isfinite(e)) {
+        if (a <= e) {
+            a = std::floor(a);
+            if (x == 2) e = std::ceil(e);
+        } else {
+            a = std::ceil(a);
+            if (x == 2) e = std::floor(e);
+        }
+    }
+    colour_bar(b, 1, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
 }

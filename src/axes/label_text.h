@@ -15,6 +15,9 @@ double qqaxtw(glbblk *b, const char *text) noexcept;
 // Draws a text with its upper left corner (before the rotation) at x, y
 // in plot coordinates, turned by angle degrees counter-clockwise.
 void qqaxtxt(glbblk *b, const char *text, double x, double y, int angle) noexcept;
+// The extent of a text above its base line (nh) and below it (nu, 0
+// unless a formula mode gives a depth) at the current height.
+void qqaxtext(glbblk *b, const char *text, int *nh, int *nu) noexcept;
 // The current character height, in plot coordinates.
 int qqaxth(glbblk *b) noexcept;
 // Sets the character height and returns the previous one.

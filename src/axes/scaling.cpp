@@ -571,6 +571,8 @@ void getgrf(double *a, double *e, double *orl, double *step, const char *cax) no
         qqwarc(b, 2, cax ? cax : "");
         return;
     }
+    // The Z axis exists only in the systems of level 3.
+    if (i == 2 && !qqentry(3, 3, "getgrf")) return;
     const ScaleRecord &r = b->ax.rec;
     *a = r.a[i];
     *e = r.e[i];

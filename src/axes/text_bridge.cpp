@@ -25,6 +25,8 @@ void qqaxtxt(glbblk *b, const char *text, double x, double y, int angle) noexcep
 
 int qqaxth(glbblk *b) noexcept { return b->txt.height; }
 
+void qqaxtext(glbblk *b, const char *text, int *nh, int *nu) noexcept { qqtxtext(b, text, nh, nu); }
+
 int qqaxsth(glbblk *b, int h) noexcept {
     int old = b->txt.height;
     if (h >= 1 && h != old) {

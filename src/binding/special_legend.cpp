@@ -10,9 +10,9 @@
 
 namespace {
 
-char *pylegb = nullptr;     // the legend buffer that legini allocated
-Py_ssize_t pylegn = 0;      // its size in bytes
-int pylegf = 0;             // 1 once it exists
+char *pylegb = nullptr;  // the legend buffer that legini allocated
+Py_ssize_t pylegn = 0;   // its size in bytes
+int pylegf = 0;          // 1 once it exists
 
 // A buffer of at least n bytes, blank-filled beyond what it held: the
 // library's legend state (of this thread's block) may ask for more than

@@ -16,6 +16,7 @@ extern const Subsystem kxsub_axes;
 extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_curves;
 extern const Subsystem kxsub_contours;
+extern const Subsystem kxsub_postscript;
 
 namespace {
 
@@ -29,6 +30,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_session,
     &kxsub_devices,
     &kxsub_vector,
+    &kxsub_postscript,
     &kxsub_canvas,
     &kxsub_colour,
     &kxsub_text,

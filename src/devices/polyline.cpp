@@ -194,9 +194,21 @@ void qqdraw(glbblk *b, double x, double y) noexcept {
         return;
     }
     double dx = x - d.curx, dy = d.cury - y;
-    double a = std::fabs(dx) <= 1e-6 ? (dy >= 0 ? 1.570796 : -1.570796) : std::atan2(dy, dx);
-    double len = d.cury == y ? std::fabs(dx) : std::fabs(dy / std::sin(a));
-    double ca = std::cos(a), sa = std::sin(a);
+    // The direction (cos a, sin a) of the angle a of the segment; a nearly
+    // vertical one takes a = +-1.570796.  Taken from the lengths, it costs
+    // no trigonometry per point.
+    double ca, sa, len;
+    if (std::fabs(dx) <= 1e-6) {
+        const double c = 3.2679489653813835e-07, s = 0.99999999999994660;  // of 1.570796
+        ca = c;
+        sa = dy >= 0 ? s : -s;
+        len = d.cury == y ? std::fabs(dx) : std::fabs(dy / sa);
+    } else {
+        double h = std::hypot(dx, dy);
+        ca = dx / h;
+        sa = dy / h;
+        len = d.cury == y ? std::fabs(dx) : h;
+    }
     double px = d.curx, py = d.cury;  // walker position
     double ex = x, ey = y;            // end of the segment
     if (d.lnoff != 0) {

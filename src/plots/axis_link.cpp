@@ -24,4 +24,6 @@ bool qqaxmap(glbblk *b, AxisMap *m) noexcept {
     return true;
 }
 
-void qqaxconv(glbblk *b, double x, double y, double *px, double *py) noexcept { qqpos2(b, x, y, px, py); }
+void qqaxconv(glbblk *b, double x, double y, double *px, double *py) noexcept {
+    qqpos2(b, x, y, px, py);
+}

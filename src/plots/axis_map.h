@@ -31,7 +31,8 @@ inline double qqaxexp(const AxisMap &m, double v) noexcept {
     return m.neglog ? m.negexp : std::log10(v);
 }
 
-inline void qqaxpt(glbblk *b, const AxisMap &m, double x, double y, double *px, double *py) noexcept {
+inline void qqaxpt(glbblk *b, const AxisMap &m, double x, double y, double *px,
+                   double *py) noexcept {
     if (m.type != 0) {
         qqaxconv(b, x, y, px, py);
         return;

@@ -21,7 +21,9 @@ namespace {
 
 // Whether a point takes part: NaN and infinite coordinates cannot be
 // placed, and break the line like a gap.
-inline bool good(double x, double y) { return std::isfinite(x) && std::isfinite(y); }
+inline bool good(double x, double y) {
+    return std::isfinite(x) && std::isfinite(y);
+}
 
 // The line-breaking walker of LINE, STAI and CURV: it knows the last good
 // point and the gap limits.
@@ -234,7 +236,9 @@ void draw_steps(glbblk *b, const AxisMap &m, const double *x, const double *y, i
 
 // The foot of stems and bars: the value 0 of a linear Y axis, the lower
 // end of a logarithmic one.
-double foot_value(const AxisMap &m) { return m.logy ? m.ylow : 0.0; }
+double foot_value(const AxisMap &m) {
+    return m.logy ? m.ylow : 0.0;
+}
 
 void draw_stems(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
     double px, py, qx, qy;
@@ -441,7 +445,8 @@ void qqcurve(glbblk *b, const double *xray, const double *yray, int n) noexcept 
     AxisMap m;
     if (!qqaxmap(b, &m)) return;
     int mode = c.polcrv;
-    if (m.type == 1 && mode != CRV_LINE && mode != CRV_BARS && mode != CRV_STEM && mode != CRV_FBAR) {
+    if (m.type == 1 && mode != CRV_LINE && mode != CRV_BARS && mode != CRV_STEM &&
+        mode != CRV_FBAR) {
         qqwar1(b, 160, "Bad interpolation method for polar scaling");
         return;
     }
@@ -476,15 +481,31 @@ void qqcurve(glbblk *b, const double *xray, const double *yray, int n) noexcept 
             b->dev.lnoff = shift;
             qqdshres(b);
             switch (mode) {
-            case CRV_STEP: draw_steps(b, m, xray, yray, n); break;
-            case CRV_STAI: draw_stairs(b, m, xray, yray, n); break;
-            case CRV_STEM: draw_stems(b, m, xray, yray, n); break;
-            case CRV_BARS: draw_bars(b, m, xray, yray, n, false); break;
-            case CRV_FBAR: draw_bars(b, m, xray, yray, n, p == 1); break;
-            case CRV_SPLI:
-            case CRV_PSPL: warn = draw_spline(b, m, xray, yray, n); break;
-            case CRV_CURV: draw_walked(b, m, xray, yray, n); break;
-            default: draw_line(b, m, xray, yray, n); break;
+                case CRV_STEP:
+                    draw_steps(b, m, xray, yray, n);
+                    break;
+                case CRV_STAI:
+                    draw_stairs(b, m, xray, yray, n);
+                    break;
+                case CRV_STEM:
+                    draw_stems(b, m, xray, yray, n);
+                    break;
+                case CRV_BARS:
+                    draw_bars(b, m, xray, yray, n, false);
+                    break;
+                case CRV_FBAR:
+                    draw_bars(b, m, xray, yray, n, p == 1);
+                    break;
+                case CRV_SPLI:
+                case CRV_PSPL:
+                    warn = draw_spline(b, m, xray, yray, n);
+                    break;
+                case CRV_CURV:
+                    draw_walked(b, m, xray, yray, n);
+                    break;
+                default:
+                    draw_line(b, m, xray, yray, n);
+                    break;
             }
         }
         if (warn == 31)
@@ -517,7 +538,8 @@ void rlsymb(int nsym, double x, double y) noexcept {
     b->core.ynoflp = fl;
 }
 
-void errbar(const double *x, const double *y, const double *err1, const double *err2, int n) noexcept {
+void errbar(const double *x, const double *y, const double *err1, const double *err2,
+            int n) noexcept {
     glbblk *b = KX_ENTRY("errbar");
     if (!b || qqchki(b, n, 1, -1)) return;
     AxisMap m;

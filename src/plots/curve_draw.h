@@ -13,8 +13,8 @@ struct CurveSave {
     int dshn, dshl[10];
     double lnoff;
     unsigned char ynoflp;
-    int ltyp;      // line style number
-    int pattern;   // shading pattern
+    int ltyp;     // line style number
+    int pattern;  // shading pattern
 };
 
 void qqcrvsave(glbblk *b, CurveSave *s) noexcept;

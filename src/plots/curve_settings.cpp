@@ -46,23 +46,41 @@ void curves_release(glbblk *b) {
     b->crv.usrn = 0;
 }
 
-void reset_bartyp(glbblk *b) { b->crv.bartyp = 0; }
-void reset_barwth(glbblk *b) { b->crv.barwth = 0.75; }
-void reset_chncrv(glbblk *b) { b->crv.chncrv = 0; }
+void reset_bartyp(glbblk *b) {
+    b->crv.bartyp = 0;
+}
+void reset_barwth(glbblk *b) {
+    b->crv.barwth = 0.75;
+}
+void reset_chncrv(glbblk *b) {
+    b->crv.chncrv = 0;
+}
 void reset_gapcrv(glbblk *b) {
     for (int k = 0; k < 3; ++k) b->crv.gapon[k] = 0;
 }
-void reset_legclr(glbblk *b) { b->leg.clrflag = 0; }
-void reset_mixleg(glbblk *b) { b->leg.mix = 0; }
-void reset_polcrv(glbblk *b) { b->crv.polcrv = CRV_LINE; }
+void reset_legclr(glbblk *b) {
+    b->leg.clrflag = 0;
+}
+void reset_mixleg(glbblk *b) {
+    b->leg.mix = 0;
+}
+void reset_polcrv(glbblk *b) {
+    b->crv.polcrv = CRV_LINE;
+}
 void reset_splmod(glbblk *b) {
     b->crv.splgrd = 3;
     b->crv.splnpt = 200;
 }
-void reset_symrot(glbblk *b) { b->crv.symrot = 0.0; }
-void reset_thkcrv(glbblk *b) { b->crv.thkcrv = 1; }
+void reset_symrot(glbblk *b) {
+    b->crv.symrot = 0.0;
+}
+void reset_thkcrv(glbblk *b) {
+    b->crv.thkcrv = 1;
+}
 // The legend's line count goes with the attribute state of the curves.
-void reset_legend(glbblk *b) { qqresatt(b); }
+void reset_legend(glbblk *b) {
+    qqresatt(b);
+}
 
 const ResetEntry kResets[] = {
     {"BART", reset_bartyp}, {"BARW", reset_barwth}, {"CHNC", reset_chncrv}, {"GAPC", reset_gapcrv},
@@ -72,7 +90,8 @@ const ResetEntry kResets[] = {
 
 }  // namespace
 
-extern const Subsystem kxsub_curves = {"curves", nullptr, curves_init, curves_release, kResets, nullptr};
+extern const Subsystem kxsub_curves = {"curves",       nullptr, curves_init,
+                                       curves_release, kResets, nullptr};
 
 void qqresatt(glbblk *b) noexcept {
     // A fresh axis system starts the cycles and the legend's records anew.
@@ -244,7 +263,8 @@ void mysymb(const double *xray, const double *yray, int n, int isym, int iflag) 
     }
     bool big = false;
     for (int i = 0; i < n; ++i)
-        if (!(std::fabs(xray[i]) <= 1.0000009536743164) || !(std::fabs(yray[i]) <= 1.0000009536743164))
+        if (!(std::fabs(xray[i]) <= 1.0000009536743164) ||
+            !(std::fabs(yray[i]) <= 1.0000009536743164))
             big = true;
     if (big) qqwar1(b, 108, "values out of range");
     CurveState &c = b->crv;

@@ -348,3 +348,34 @@ void xdraw(double x, double y) noexcept {
     glbblk *b = KX_ENTRY("xdraw");
     if (b) plain_pen(b, [&] { qqdraw(b, x, qqyflp(b, y)); });
 }
+
+#if __has_include("axes/axes.h")
+#include "axes/axes.h"
+#define KX_HAVE_AXES 1
+#endif
+
+void rlarea(const double *xray, const double *yray, int n) noexcept {
+    glbblk *b = KX_ENTRY("rlarea");
+    if (!b || n < 1) return;
+#ifdef KX_HAVE_AXES
+    qqchkd(b, xray, yray, n);
+    enum { SMALL = 8 };
+    double sx[SMALL], sy[SMALL];
+    double *x = sx, *y = sy;
+    if (n > SMALL) {
+        x = (double *)std::malloc(sizeof(double) * 2 * (size_t)n);
+        if (!x) {
+            qqwar0(b, 53);
+            return;
+        }
+        y = x + n;
+    }
+    for (int i = 0; i < n; ++i) qqpos2(b, xray[i], yray[i], &x[i], &y[i]);
+    qqclip(b, 0);
+    qqtprfig(b, 1);
+    qqarea(b, x, y, n);
+    qqtprfig(b, 0);
+    qqclip(b, 1);
+    if (x != sx) std::free(x);
+#endif
+}

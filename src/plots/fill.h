@@ -18,6 +18,10 @@
 //   qqrectf(...)             a rectangle filled in a colour, no outline.
 //   qqframe(...)             the box of a frame of some thickness.
 //
+// Layers below the plots (text outlines) reach the fill as qqfillpoly and
+// the sweep for many polygons as qqhatchpolys, both in devices/device.h;
+// the plots set those hooks when a block is made.
+//
 // Nothing here allocates for polygons of up to 8 points; larger ones take
 // one work allocation for the sweep (warning 53 when it fails).
 #pragma once

@@ -229,7 +229,8 @@ int histog(const double *xray, int n, double *x, double *y) noexcept {
     // The result array is the sort buffer: no copy is needed.  NaN values
     // sort last, each one an entry of its own.
     std::memcpy(x, xray, sizeof(double) * n);
-    std::sort(x, x + n, [](double p, double q) { return p < q || (!std::isnan(p) && std::isnan(q)); });
+    std::sort(x, x + n,
+              [](double p, double q) { return p < q || (!std::isnan(p) && std::isnan(q)); });
     int m = 0;
     for (int i = 0; i < n; ++i) {
         if (m > 0 && x[i] == x[m - 1]) {

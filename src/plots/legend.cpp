@@ -26,7 +26,7 @@ namespace {
 struct Cell {
     int line;  // 1 .. nlin
     int col, row;
-    int lines; // text lines it holds
+    int lines;  // text lines it holds
 };
 
 // The sizes and the layout of a legend.
@@ -36,11 +36,11 @@ struct Layout {
     int k;                    // shown entries
     int cols, rows;
     Cell cell[QQ_NLEG];
-    int colw[QQ_NLEG];        // width of each column
-    int rowh[QQ_NLEG];        // largest text height of each row
-    int title;                // title width, -1 without a title
-    int width, height;        // the box, frame included
-    int content;              // W
+    int colw[QQ_NLEG];  // width of each column
+    int rowh[QQ_NLEG];  // largest text height of each row
+    int title;          // title width, -1 without a title
+    int width, height;  // the box, frame included
+    int content;        // W
     bool titwide;
 };
 
@@ -473,16 +473,36 @@ void legend(const char *cbuf, int npos) noexcept {
         LegendAxis a;
         qqlegaxis(b, &a);
         switch (npos) {
-        case 1: x = mm - ox, y = Q - oy - mm - t + 2; break;
-        case 2: x = P - ox - mm - w + 2, y = Q - oy - mm - t + 2; break;
-        case 3: x = P - ox - mm - w + 2, y = mm - oy; break;
-        case 4: x = mm - ox, y = mm - oy; break;
-        case 5: x = a.px + mm, y = a.py - mm - t + 2; break;
-        case 6: x = a.rx - mm - w + 2, y = a.py - mm - t + 2; break;
-        case 7: x = a.rx - mm - w + 2, y = a.ty + mm; break;
-        case 8: x = a.px + mm, y = a.ty + mm; break;
-        case 9: x = mm - ox, y = a.py - a.ylen / 2 - oy - t / 2; break;
-        default: x = P - ox - mm - w + 2, y = a.py - a.ylen / 2 - oy - t / 2; break;
+            case 1:
+                x = mm - ox, y = Q - oy - mm - t + 2;
+                break;
+            case 2:
+                x = P - ox - mm - w + 2, y = Q - oy - mm - t + 2;
+                break;
+            case 3:
+                x = P - ox - mm - w + 2, y = mm - oy;
+                break;
+            case 4:
+                x = mm - ox, y = mm - oy;
+                break;
+            case 5:
+                x = a.px + mm, y = a.py - mm - t + 2;
+                break;
+            case 6:
+                x = a.rx - mm - w + 2, y = a.py - mm - t + 2;
+                break;
+            case 7:
+                x = a.rx - mm - w + 2, y = a.ty + mm;
+                break;
+            case 8:
+                x = a.px + mm, y = a.ty + mm;
+                break;
+            case 9:
+                x = mm - ox, y = a.py - a.ylen / 2 - oy - t / 2;
+                break;
+            default:
+                x = P - ox - mm - w + 2, y = a.py - a.ylen / 2 - oy - t / 2;
+                break;
         }
     }
 
@@ -507,7 +527,8 @@ void legend(const char *cbuf, int npos) noexcept {
         qqlegtext(b, g.title, (int)std::strlen(g.title), x + (w - L.title) / 2, ty);
         ty += (int)(s * 1.5 * h);
     }
-    int tx = L.titwide ? x + (w - (int)(h * (g.patt + 1) + L.content)) / 2 : x + L.m + (f > 0 ? f : 0);
+    int tx =
+        L.titwide ? x + (w - (int)(h * (g.patt + 1) + L.content)) / 2 : x + L.m + (f > 0 ? f : 0);
     // Where each column and row starts.
     int colx[QQ_NLEG], rowy[QQ_NLEG];
     for (int j = 0, cx = tx; j < L.cols; ++j) {

@@ -7,8 +7,12 @@
 #include "plots/fill.h"
 #include "plots/legend_link.h"
 
-int qqleghgt(glbblk *b) noexcept { return qqaxth(b); }
-double qqleglsp(glbblk *b) noexcept { return qqaxlinesp(b); }
+int qqleghgt(glbblk *b) noexcept {
+    return qqaxth(b);
+}
+double qqleglsp(glbblk *b) noexcept {
+    return qqaxlinesp(b);
+}
 
 namespace {
 // The text bridge takes terminated texts; legend lines are cut from the
@@ -31,7 +35,9 @@ void qqlegtext(glbblk *b, const char *text, int n, int x, int y) noexcept {
     copy_text(text, n, t);
     qqaxtxt(b, t, x, y, 0);
 }
-int qqlegframe(glbblk *b) noexcept { return b->ax.frmthk; }
+int qqlegframe(glbblk *b) noexcept {
+    return b->ax.frmthk;
+}
 
 void qqlegbox(glbblk *b, int x, int y, int w, int h, int f) noexcept {
     qqframe(b, x, y, w, h, f, 0.0, -1);
@@ -48,4 +54,6 @@ void qqlegaxis(glbblk *b, LegendAxis *a) noexcept {
     a->ty = b->ax.legy;
 }
 
-char qqlegmix(glbblk *b) noexcept { return b->txt.mixchr[3] ? b->txt.mixchr[3] : '/'; }
+char qqlegmix(glbblk *b) noexcept {
+    return b->txt.mixchr[3] ? b->txt.mixchr[3] : '/';
+}

@@ -137,3 +137,14 @@ void line(int nx1, int ny1, int nx2, int ny2) noexcept {
     if (!b) return;
     qqline(b, nx1, qqyflp(b, ny1), nx2, qqyflp(b, ny2));
 }
+
+int getlin() noexcept {
+    glbblk *b = KX_ENTRY("getlin");
+    if (!b) return 0;
+    return b->dev.lnwid < 0 ? -b->dev.lnwid : b->dev.lnwid;
+}
+
+int gettyp() noexcept {
+    glbblk *b = KX_ENTRY("gettyp");
+    return b ? b->sty.ltyp : 0;
+}

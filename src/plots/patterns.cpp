@@ -162,3 +162,8 @@ void nofill() noexcept {
     glbblk *b = KX_ENTRY("nofill");
     if (b) b->sty.logofill = 0;
 }
+
+int getpat() noexcept {
+    glbblk *b = KX_ENTRY("getpat");
+    return b ? b->sty.patnum : 0;
+}

@@ -15,7 +15,9 @@ void qqsetstyle(glbblk *b, int ltyp) noexcept {
     qqlintyp(b, ltyp);
 }
 
-int qqgetstyle(glbblk *b) noexcept { return b->sty.ltyp; }
+int qqgetstyle(glbblk *b) noexcept {
+    return b->sty.ltyp;
+}
 
 void qqstylesave(glbblk *b, CurveSave *s) noexcept {
     s->ltyp = b->sty.ltyp;
@@ -48,9 +50,15 @@ void qqsolidfill(glbblk *b, const double *x, const double *y, int n) noexcept {
     qqpatfill(b, x, y, n, QQ_SOLID_PATTERN);
 }
 
-int qqgetpattern(glbblk *b) noexcept { return qqgetpat(b); }
-void qqsetpattern(glbblk *b, int pattern) noexcept { qqshdpat(b, pattern); }
+int qqgetpattern(glbblk *b) noexcept {
+    return qqgetpat(b);
+}
+void qqsetpattern(glbblk *b, int pattern) noexcept {
+    qqshdpat(b, pattern);
+}
 int qqpatcycle(glbblk *b, int index) noexcept {
     return index >= 1 && index <= 30 ? b->sty.patcycl[index - 1] : 0;
 }
-bool qqarealine(glbblk *b) noexcept { return b->sty.outline != 0; }
+bool qqarealine(glbblk *b) noexcept {
+    return b->sty.outline != 0;
+}

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -128,7 +129,10 @@ void draw_glyph(glbblk *b, const TextSection *s, int rec, bool italic) {
     });
     if (outline && t.shdon && np >= 3) {
         double unitf = b->core.unitf > 0 ? b->core.unitf : 1.0;
-        double d = (b->core.devcod == 221 ? (double)0.39999f : (double)0.99999f) / unitf;
+        // The Windows metafile's pen is coarse: its fill lines lie closer.
+        const DeviceFamily *fam = b->core.fam;
+        bool wmf = fam && fam->name && std::strcmp(fam->name, "WMF") == 0;
+        double d = (wmf ? (double)0.39999f : (double)0.99999f) / unitf;
         qqtxthatch(b, px, py, np, d);
     }
 }
