@@ -62,12 +62,14 @@ def test_text_arguments():
 def test_another_thread_runs_while_kolfin_writes(tmp_path):
     """kolfin writes its banner to standard output.  With a full pipe there,
     the write blocks until someone reads: a Python thread that can only run
-    because kolfin gave up the interpreter lock.  Without the release the
-    child hangs and the timeout fails the test."""
+    because kolfin gave up the interpreter lock, as it does when each thread
+    has a block of its own.  Without the release the child hangs and the
+    timeout fails the test."""
     script = textwrap.dedent(
         """
         import fcntl, os, sys, threading, time
         import kolvex
+        kolvex.thrini(2)
         kolvex.metafl("PLOG")
         kolvex.kolini()
         kolvex.pagera()

@@ -12,8 +12,9 @@ format  the argument format of PyArg_ParseTuple, '-' for none, 'own' for a
         method that parses its arguments itself
 gives   the result format of Py_BuildValue, '-' for None; a method with two
         result forms lists both, separated by a comma
-lock    'r' when the wrapper releases the interpreter lock around the call,
-        '-' when it keeps it
+lock    'r' when the wrapper may release the interpreter lock around the
+        call (it does so only when each thread has a block of its own:
+        kxpy_unlocked), '-' when it keeps it
 special the wrapper is hand-written: kxs_<name> in src/binding/special_*.cpp.
         Only the methods in SPECIAL below may be hand-written, and they must
         be.  A declaration after 'special:' goes to the C header and names
@@ -96,9 +97,7 @@ SPECIAL = {
        ("conshade", "contour", "plot", "plot3", "scattr", "setvar", "surf3", "surface", "surshade")},
     **{n: "takes a Python callable" for n in
        ("piecbk", "setcbk", "surfcp", "surfun", "swgcb", "swgcb2", "swgcb3", "swgcbk", "wincbk")},
-    "kolini": "applies the settings of the convenience plots after the call",
-    "metafl": "sets pymfl",
-    "imgmod": "sets pyrgb",
+    "thrfin": "waits for the calls of other threads before it frees their blocks",
     "legini": "allocates the module's legend buffer",
     "legend": "passes the module's legend buffer",
     "leglin": "passes the module's legend buffer",
@@ -544,7 +543,7 @@ class Wrapper:
         if m.ret != "void":
             L.append(f"    {c_local(m.ret, 'ret')} = {{}};")
             call = f"ret = {call}"
-        body = ["Py_BEGIN_ALLOW_THREADS", f"{call};", "Py_END_ALLOW_THREADS"] if m.release else [f"{call};"]
+        body = [f"kxpy_unlocked([&] {{ {call}; }});"] if m.release else [f"{call};"]
         body += self.write_backs()
         if not checks:
             L += [f"    {b}" for b in body]

@@ -6,8 +6,8 @@
 
 #include <sys/mman.h>
 
-int pyrgb = 0;
-int pymfl = 0;
+int (*kxpy_perthread)() = nullptr;
+std::shared_mutex kxpy_calls;
 
 namespace {
 
@@ -667,7 +667,7 @@ char *kxpy_textbuf(const char *text, Py_ssize_t room) {
 
 bool kxpy_enough(Py_ssize_t have, Py_ssize_t need) {
     if (have >= need) return true;
-    set_error(PyExc_MemoryError, "out of range");
+    set_error(PyExc_ValueError, "buffer is shorter than its size");
     return false;
 }
 
