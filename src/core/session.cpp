@@ -80,8 +80,8 @@ void session_init(glbblk *b) {
 
 void session_release(glbblk *b) {
     SessionState &s = b->sess;
-    if (s.fhnd) std::fclose(s.fhnd);
-    s.fhnd = nullptr;
+    // A session that never reached kolfin leaves no file behind.
+    qqplotclose(b, 0);
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
     free_psinfo(b);
@@ -124,8 +124,7 @@ void metafl(const char *cdev) noexcept {
 
 void qqkolfail(glbblk *b) noexcept {
     SessionState &s = b->sess;
-    if (s.fhnd) std::fclose(s.fhnd);
-    s.fhnd = nullptr;
+    qqplotclose(b, 0);
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
     b->dev.drv = nullptr;
@@ -228,8 +227,8 @@ void kolfin() noexcept {
     int dev = b->core.devcod;
     bool textfmt = dev > 100 && dev < 601 && dev != 221 && dev != 231 && dev != 511;
     if (textfmt && s.lnbuf && s.lnpos > 0) qqsbufend(b);
-    if (s.fhnd) std::fclose(s.fhnd);
-    s.fhnd = nullptr;
+    // The file is complete: it takes its name now.
+    if (qqplotclose(b, 1) != 0) flag = 0;
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
     b->dev.drv = nullptr;
