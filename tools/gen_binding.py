@@ -59,6 +59,9 @@ lengths in brackets after its name:
                           is an int argument: the size rules of kxpy_sized_bytes
                           (gives "s#i,si")
     int m = expr          a value that the wrapper computes: no argument
+    int n[lo..hi]         a count that the routine tests itself: outside lo..hi
+                          the routine is called with null arrays (it warns and
+                          reads none) and nothing is converted
     unsigned char *p      (any pointer without lengths) only in a declaration
                           after 'special:'
 
@@ -145,6 +148,14 @@ class Param:
         self.type = re.sub(r"\s+", " ", m.group("type").replace("*", " *")).strip()
         self.name = m.group("name")
         dims = re.findall(r"\[([^\]]*)\]", m.group("dims"))
+        # int n[lo..hi]: a count that the routine tests itself (it warns
+        # outside lo..hi and reads no array then).
+        self.range = None
+        if len(dims) == 1 and re.fullmatch(r"\s*-?\d+\s*\.\.\s*-?\d+\s*", dims[0]):
+            if m.group("type").strip() != "int" or kw:
+                raise TableError(f"{where}: only an int count has a range: {text!r}")
+            self.range = tuple(int(v) for v in dims[0].split(".."))
+            dims = []
         self.count = None
         self.optional = False
         if dims and ":" in dims[-1]:
@@ -385,6 +396,8 @@ class Method:
                     raise self.error(f"the count {p.count!r} is no int")
             if p.count == "return" and self.ret not in ("int",):
                 raise self.error("a count from the result needs an int result")
+            if p.range and (self.ret != "void" or any(q.role not in ("in", "arg") for q in self.params)):
+                raise self.error("a ranged count goes with input arrays, plain arguments and no result")
 
     # ---- output ---------------------------------------------------------------
     def header_decl(self):
@@ -396,7 +409,7 @@ class Method:
         """The int arguments that size arrays: one below 1 makes the method
         return None at once."""
         counts = []
-        args = {p.name for p in self.params if p.role == "arg" and p.letter == "i"}
+        args = {p.name for p in self.params if p.role == "arg" and p.letter == "i" and not p.range}
         for p in self.params:
             if p.role in ("in", "inout", "out", "work", "bytes"):
                 for d in p.dims:
@@ -502,6 +515,16 @@ def parse_lines(m):
     counts = m.count_args()
     if counts:
         L.append(f"    if ({' || '.join(f'a_{c} < 1' for c in counts)}) Py_RETURN_NONE;")
+    # A count outside the routine's own range: the routine gives its warning
+    # without arrays, and nothing is converted.
+    for p in m.params:
+        if p.range:
+            lo, hi = p.range
+            refused = ", ".join("nullptr" if q.role == "in" else q.local() for q in m.params)
+            L.append(f"    if (a_{p.name} < {lo} || a_{p.name} > {hi}) {{")
+            L.append(f"        {m.cname}({refused});")
+            L.append("        Py_RETURN_NONE;")
+            L.append("    }")
     return L
 
 
