@@ -444,20 +444,42 @@ class Method:
         L.append("}")
         return "\n".join(L)
 
-    def stub_text(self):
+    def signature(self):
+        """The Python parameters as (name, type) pairs, or None when a
+        'stub:' gives the signature outright; and the result type."""
         if self.stub:
-            return f"def {self.name}{self.stub}: ..."
+            return None, None
         fmt_units = units(self.format)
         named = [p for p in self.params if p.letter]
         if self.decl and [p.letter for p in named] == fmt_units:
-            args = [f"{p.name}: {p.stub_type()}" for p in named]
+            args = [(p.name, p.stub_type()) for p in named]
         else:
-            args = [f"arg{i}: {'Any' if u == 'O' else PYTYPES[u]}" for i, u in enumerate(fmt_units)]
-        sig = ", ".join(args + ["/"]) if args else ""
+            args = [(f"arg{i}", "Any" if u == "O" else PYTYPES[u]) for i, u in enumerate(fmt_units)]
         result = result_type(self.gives)
         if result != "None" and self.decl and self.count_args():
             result += " | None"  # a count below 1
+        return args, result
+
+    def stub_text(self):
+        if self.stub:
+            return f"def {self.name}{self.stub}: ..."
+        args, result = self.signature()
+        sig = ", ".join([f"{n}: {t}" for n, t in args] + ["/"]) if args else ""
         return f"def {self.name}({sig}) -> {result}: ..."
+
+    def doc_text(self, name, summary):
+        """The docstring of the method `name` (an alias has its own name and
+        summary): a signature that inspect reads, the summary, and the
+        calling form with the types of arguments and result."""
+        args, result = self.signature()
+        if args is None:
+            typed = f"{name}{self.stub}"
+            head = ""
+        else:
+            typed = f"{name}({', '.join(f'{n}: {t}' for n, t in args)}) -> {result}"
+            head = f"{name}({', '.join(['$module'] + [n for n, _ in args] + ['/'])})\n--\n\n"
+        body = f"{summary}\n\n{typed}" if summary else typed
+        return head + body
 
 
 def c_dim(expr):
@@ -755,7 +777,38 @@ def header_text(methods, guard="KOLVEX_H", title="kolvex: the public routines of
     return "\n".join(out)
 
 
-def wrappers_text(methods):
+def c_string(text):
+    return '"' + text.replace("\\", "\\\\").replace('"', '\\"').replace("\n", "\\n") + '"'
+
+
+def read_summaries(table_dir=TABLE_DIR):
+    """The one-line summaries of the methods (summaries.txt beside the
+    table): name, blanks, the summary.  A method without one gets a
+    docstring without it; a test requires one for every bound method."""
+    out = {}
+    path = os.path.join(table_dir, "summaries.txt")
+    if not os.path.exists(path):
+        return out
+    with open(path, encoding="utf-8") as f:
+        for no, line in enumerate(f, 1):
+            if not line.strip() or line.startswith("#"):
+                continue
+            parts = line.split(None, 1)
+            if len(parts) < 2:
+                raise TableError(f"{os.path.relpath(path, ROOT)}:{no}: a summary line is a name and its text")
+            if parts[0] in out:
+                raise TableError(f"{os.path.relpath(path, ROOT)}:{no}: {parts[0]} has a summary already")
+            out[parts[0]] = parts[1].strip()
+    return out
+
+
+def method_doc(m, summaries):
+    src = m.target if m.alias else m
+    return src.doc_text(m.name, summaries.get(m.name, ""))
+
+
+def wrappers_text(methods, summaries=None):
+    summaries = summaries or {}
     out = ["// Generated from the routine table by tools/gen_binding.py; do not edit.", ""]
     for m in methods:
         if m.special:
@@ -768,13 +821,15 @@ def wrappers_text(methods):
     out.append("static PyMethodDef kolvex_methods[] = {")
     for m in sorted(methods, key=lambda m: m.name):
         fn = m.target.fn_name() if m.alias else m.fn_name()
-        out.append(f'    {{"{m.name}", {fn}, METH_VARARGS, nullptr}},')
+        out.append(f'    {{"{m.name}", {fn}, METH_VARARGS,')
+        out.append(f"     {c_string(method_doc(m, summaries))}}},")
     out.append("    {nullptr, nullptr, 0, nullptr},")
     out.append("};")
     return "\n".join(out) + "\n"
 
 
-def stub_text(methods, module="kolvex"):
+def stub_text(methods, module="kolvex", summaries=None):
+    summaries = summaries or {}
     out = [
         f'"""{module}: scientific plotting from Python.',
         "",
@@ -783,11 +838,17 @@ def stub_text(methods, module="kolvex"):
         "# Generated from the routine table by tools/gen_binding.py; do not edit.",
         "from typing import Any, Callable, MutableSequence, Optional, Sequence",
         "",
+        "__version__: str",
+        "",
     ]
     for m in sorted(methods, key=lambda m: m.name):
         src = m.target if m.alias else m
-        text = src.stub_text()
-        out.append(text.replace(f"def {src.name}(", f"def {m.name}(", 1))
+        text = src.stub_text().replace(f"def {src.name}(", f"def {m.name}(", 1)
+        summary = summaries.get(m.name)
+        if summary:
+            assert text.endswith(": ...")
+            text = text[: -len(" ...")] + '\n    """' + summary.replace("\\", "\\\\").replace('"', '\\"') + '"""'
+        out.append(text)
     return "\n".join(out) + "\n"
 
 
@@ -814,12 +875,13 @@ def main():
     a = ap.parse_args()
     try:
         methods = read_table(a.table_dir)
+        summaries = read_summaries(a.table_dir)
         if a.header:
             write(a.header, header_text(methods, a.guard))
         if a.wrappers:
-            write(a.wrappers, wrappers_text(methods))
+            write(a.wrappers, wrappers_text(methods, summaries))
         if a.stub:
-            write(a.stub, stub_text(methods, a.module))
+            write(a.stub, stub_text(methods, a.module, summaries))
     except TableError as e:
         sys.exit(f"routine table: {e}")
     if a.check:
