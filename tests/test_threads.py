@@ -77,3 +77,36 @@ def test_a_block_per_thread_writes_the_files_of_one_thread(tmp_path):
     assert sorted(os.listdir(tmp_path / "thrini")) == names
     for name in names:
         assert (tmp_path / "thrini" / name).read_bytes() == (tmp_path / "sequential" / name).read_bytes(), name
+
+
+def test_thrfin_while_other_threads_draw(tmp_path):
+    """thrfin frees the blocks of threads that are still drawing: it waits
+    for their calls, and their later calls share the one block."""
+    code = textwrap.dedent("""
+        import threading, time, kolvex
+        kolvex.thrini(8)
+        def work(n):
+            for r in range(40):
+                kolvex.unit(0)
+                kolvex.metafl("PNG")
+                kolvex.setfil(f"t{n}.png")
+                kolvex.filmod("DELE")
+                kolvex.kolini()
+                kolvex.unit(0)
+                for k in range(10):
+                    kolvex.pagera()
+                kolvex.kolfin()
+        threads = [threading.Thread(target=work, args=(n,)) for n in range(3)]
+        for t in threads: t.start()
+        time.sleep(0.05)
+        kolvex.thrfin()
+        for t in threads: t.join()
+        print("done")
+    """)
+    for attempt in range(3):
+        try:
+            r = subprocess.run([sys.executable, "-c", code], cwd=tmp_path, capture_output=True, text=True,
+                               timeout=120)
+        except subprocess.TimeoutExpired:
+            pytest.fail("thrfin deadlocked")
+        assert r.returncode == 0 and r.stdout.endswith("done\n"), r.stderr[-2000:]

@@ -38,7 +38,6 @@
 #include <climits>
 #include <cstdlib>
 #include <memory>
-#include <shared_mutex>
 
 // The length of a sequence, or -1 with ValueError set.
 Py_ssize_t qqpyln(PyObject *object);
@@ -178,9 +177,17 @@ PyObject *kxpy_bytes(const void *data, Py_ssize_t n);
 // module sets it at import; without it (the marshalling test module) every
 // call keeps the interpreter lock.
 extern int (*kxpy_perthread)();
-// Held shared by every call that runs without the interpreter lock, and
-// exclusively by thrfin, which frees the blocks of all threads.
-extern std::shared_mutex kxpy_calls;
+// Counts the calls that run without the interpreter lock, so that thrfin,
+// which frees the blocks of all threads, runs only when none does.  A
+// closing gate lets no new call in (it prefers the closer, so a stream of
+// calls cannot starve it).
+struct KxCallGate {
+    void enter();  // waits while the gate is closed
+    void leave();
+    void close();  // waits until no call is inside; new calls wait
+    void open();
+};
+extern KxCallGate kxpy_calls;
 
 // Runs the core call of a method whose table line says r.  With one block
 // for every thread the call keeps the interpreter lock for its whole length,
@@ -194,29 +201,29 @@ void kxpy_unlocked(Call &&call) {
         return;
     }
     PyThreadState *state = PyEval_SaveThread();
-    kxpy_calls.lock_shared();
+    kxpy_calls.enter();
     if (!kxpy_perthread()) {
         // thrfin ran while this thread waited: the one block is back.
-        kxpy_calls.unlock_shared();
+        kxpy_calls.leave();
         PyEval_RestoreThread(state);
         call();
         return;
     }
     call();
-    kxpy_calls.unlock_shared();
+    kxpy_calls.leave();
     PyEval_RestoreThread(state);
 }
 
-// Runs a call that frees the blocks of other threads (thrfin): it waits,
-// holding the interpreter lock so that no new call starts, until the calls
-// that run without it have ended.
+// Runs a call that frees the blocks of other threads (thrfin) once the
+// calls that run without the interpreter lock have ended; it waits without
+// the lock, so that a call inside may still run Python code.
 template <typename Call>
 void kxpy_exclusive(Call &&call) {
     PyThreadState *state = PyEval_SaveThread();
-    kxpy_calls.lock();
+    kxpy_calls.close();
     PyEval_RestoreThread(state);
     call();
-    kxpy_calls.unlock();
+    kxpy_calls.open();
 }
 
 // ---- results of a caller-given size -------------------------------------------------
