@@ -86,7 +86,7 @@ def test_thrfin_while_other_threads_draw(tmp_path):
         import threading, time, kolvex
         kolvex.thrini(8)
         def work(n):
-            for r in range(40):
+            for r in range(25):
                 kolvex.unit(0)
                 kolvex.metafl("PNG")
                 kolvex.setfil(f"t{n}.png")
@@ -103,7 +103,7 @@ def test_thrfin_while_other_threads_draw(tmp_path):
         for t in threads: t.join()
         print("done")
     """)
-    for attempt in range(3):
+    for attempt in range(2):
         try:
             r = subprocess.run([sys.executable, "-c", code], cwd=tmp_path, capture_output=True, text=True,
                                timeout=120)

@@ -75,7 +75,14 @@ then the out-parameters, inout arguments and text results in the order of
 the parameters.  One value is returned bare, more as a tuple.
 
 Lines starting with '##' are group headings of the C header; '#' starts a
-comment.  Run with --header, --wrappers, --stub to write those files, or
+comment.
+
+summaries.txt beside the table gives each method's one-line summary (name,
+blanks, text).  Each method's docstring is generated from it and the line:
+a signature that inspect reads, the summary, and the calling form with the
+types of arguments and result; the stub carries the summary too.  A method
+without a summary still builds, but a test requires one for every method:
+add it with the table line.  Run with --header, --wrappers, --stub to write those files, or
 --check to test that include/kolvex.h is up to date.  --table-dir reads
 another table (a test table: then SPECIAL is not enforced).
 """

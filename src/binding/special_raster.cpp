@@ -51,8 +51,8 @@ PyObject *kxs_rpxrow(PyObject *, PyObject *args) {
     if (!PyArg_ParseTuple(args, "iii:rpxrow", &ix, &iy, &n)) return kxpy_argfail();
     if (n < 1) return PyBytes_FromStringAndSize("", 0);
     KxOwned<unsigned char> buf;
-    Py_ssize_t size = pixel_buffer(qqpixrequest(ix, iy, n, 1, 1),
-                                   (long long)n * qqpixbytes(), "rpxrow", buf);
+    Py_ssize_t size =
+        pixel_buffer(qqpixrequest(ix, iy, n, 1, 1), (long long)n * qqpixbytes(), "rpxrow", buf);
     if (size < 0) return nullptr;
     rpxrow(buf.get(), ix, iy, n);
     return Py_BuildValue("Ni", kxpy_bytes(buf.get(), size), size > 0 ? n : 0);

@@ -27,7 +27,8 @@ int qqfiletime(int t[6]) noexcept {
     if (!fixed) when = std::time(nullptr);
     std::tm tmv;
     std::memset(&tmv, 0, sizeof tmv);
-    if (!(fixed ? gmtime_r(&when, &tmv) : localtime_r(&when, &tmv))) std::memset(&tmv, 0, sizeof tmv);
+    if (!(fixed ? gmtime_r(&when, &tmv) : localtime_r(&when, &tmv)))
+        std::memset(&tmv, 0, sizeof tmv);
     t[0] = (tmv.tm_year + 1900) % 10000;
     t[1] = tmv.tm_mon + 1;
     t[2] = tmv.tm_mday;
