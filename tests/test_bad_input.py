@@ -159,6 +159,8 @@ assert kolvex.rpixls(0, 0, 100000, 100000) == b""
 assert kolvex.rpixls(5, 5, 2**31 - 1, 2) == b""
 assert kolvex.rpxrow(0, 0, 2**31 - 1) == (b"", 0)
 assert kolvex.rpxrow(10, 10, 3) == (bytes(3), 3)
+kolvex.imgmod("RGB")
+assert kolvex.rpixls(0, 0, 2**31 - 1, 2**31 - 1) == b""
 kolvex.imgfin()
 png, n = kolvex.rbfpng(2**31 - 1)
 assert png[:4] == b"\\x89PNG" and len(png) == n < 100000

@@ -40,7 +40,7 @@ PyObject *kxs_rpixls(PyObject *, PyObject *args) {
     if (nw < 1 || nh < 1) return PyBytes_FromStringAndSize("", 0);
     KxOwned<unsigned char> buf;
     Py_ssize_t size = pixel_buffer(qqpixrequest(ix, iy, nw, nh, 0),
-                                   (long long)nw * nh * qqpixbytes(), "rpixls", buf);
+                                   (KxDim(nw) * KxDim(nh) * KxDim(qqpixbytes())).v, "rpixls", buf);
     if (size < 0) return nullptr;
     rpixls(buf.get(), ix, iy, nw, nh);
     return kxpy_bytes(buf.get(), size);
