@@ -234,3 +234,34 @@ def test_page_on_png_and_svg_alike():
         return out
     assert (a & dilate(b, 2)).sum() >= 0.97 * a.sum()
     assert (b & dilate(a, 2)).sum() >= 0.97 * b.sum()
+
+
+def labelled_ring(name, lev, ndig, thick=1, scale=1.0):
+    x, y, z = grid()
+    z = z * scale
+    session(name=name)
+    kolvex.labels("FLOA", "CON")
+    kolvex.labdig(ndig, "CON")
+    kolvex.labclr(2, "CON")
+    kolvex.thkcrv(thick)
+    kolvex.contur(x, len(x), y, len(y), z, lev)
+    kolvex.endgrf()
+    kolvex.kolfin()
+    return open(name).read()
+
+
+def test_automatic_digits_and_thick_lines_label_once():
+    # -2 chooses the digits by the level: two for 0.25, none for 100
+    assert labelled_ring("a.met", 0.25, -2) == labelled_ring("b.met", 0.25, 2)
+    assert labelled_ring("a.met", 1.0, -2) == labelled_ring("b.met", 1.0, -1)
+    assert labelled_ring("a.met", 1.0, -2) != labelled_ring("b.met", 1.0, 1)
+    assert labelled_ring("a.met", 100.0, -2, scale=100) == labelled_ring("b.met", 100.0, -1, scale=100)
+    # a thick line writes every label once, and all its passes keep the gaps
+    labelled_ring("a.met", 1.0, 1)
+    labelled_ring("b.met", 1.0, 1, thick=3)
+    colours = []
+    test_curves.read_plog("a.met", colours)
+    text_colour = [c for c in colours if c != colours[0]][0]
+    one, three = read_plog("a.met", text_colour), read_plog("b.met", text_colour)
+    assert one and one == three
+    assert len(read_plog("b.met", colours[0])) == 3 * len(read_plog("a.met", colours[0]))

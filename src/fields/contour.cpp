@@ -165,13 +165,7 @@ void draw_level(glbblk *b, const ConGrid *g, const double *cx, const double *cy,
     b->dev.lnoff = 0;
     qqclip(b, 1);
     c.lmode = lmode;
-    if (b->txt.angle != (g ? oldang : 0)) {
-        TextState &t = b->txt;
-        t.angle = g ? oldang : 0;
-        double r = (double)(t.angle % 360) * b->core.xdegr;
-        t.sina = std::sin(r);
-        t.cosa = std::cos(r);
-    }
+    qqconangle(b, g ? oldang : 0);
     cs.incmrk = incmrk;
     qqcrvrestore(b, &save);
     std::free(mem);

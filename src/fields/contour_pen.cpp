@@ -15,8 +15,10 @@ const double kAngleTol = 5.0;  // degrees between two segments where a label may
 
 double rad2deg(glbblk *b, double r) { return r / b->core.xdegr; }
 
+}  // namespace
+
 // The text angle, as angle sets it (a hardware font carries it).
-void set_text_angle(glbblk *b, int deg) {
+void qqconangle(glbblk *b, int deg) noexcept {
     TextState &t = b->txt;
     if (t.angle == deg) return;
     t.angle = deg;
@@ -26,6 +28,8 @@ void set_text_angle(glbblk *b, int deg) {
     const DriverOps *drv = b->dev.drv;
     if (t.hwmode && drv && drv->textstyle) drv->textstyle(b);
 }
+
+namespace {
 
 void label_text(glbblk *b, char *out, int size) {
     const ContourState &c = b->con;
@@ -102,7 +106,7 @@ void place_label(glbblk *b) {
         int clr = b->dev.curclr, lclr = a.labclr[2];
         if (lclr != -1 && lclr != clr) qqsetc(b, lclr);
         int oldang = b->txt.angle;
-        set_text_angle(b, tang);
+        qqconangle(b, tang);
         // The text is drawn from the start of the line's dash pattern and
         // on the line itself, not on a thick pass's offset.
         qqflsh(b);
@@ -113,7 +117,7 @@ void place_label(glbblk *b) {
         c.writing = 0;
         qqflsh(b);
         b->dev.lnoff = off;
-        set_text_angle(b, oldang);
+        qqconangle(b, oldang);
         if (b->dev.curclr != clr) qqsetc(b, clr);
     }
     qqmove(b, ax + (c.lablen + h) * std::cos(phi), ay - (c.lablen + h) * std::sin(phi));
@@ -124,6 +128,7 @@ void place_label(glbblk *b) {
 
 void poly_point(glbblk *b, double x, double y) {
     ContourState &c = b->con;
+    if (!c.polyx || !c.polyy) return;  // the shading that switched it on holds the buffer
     if (c.lstate == 3 || c.lstate == 4) {
         int n = c.npoly;
         if (n > 2 && std::fabs(c.polyx[0] - c.polyx[n - 1]) < 1.0 &&

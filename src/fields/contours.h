@@ -14,5 +14,7 @@
 void qqconlevel(glbblk *b, double level) noexcept;
 // One point of the current line in plot coordinates.
 void qqconpen(glbblk *b, double x, double y) noexcept;
+// Sets the text angle in degrees as angle does.
+void qqconangle(glbblk *b, int deg) noexcept;
 // The digits that the automatic label digits (-2) choose for a level.
 int qqcondigits(double level) noexcept;
