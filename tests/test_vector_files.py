@@ -267,3 +267,34 @@ def test_svg_rendering_matches_the_png(page, tmp_path):
     for what in ("star", "rect"):
         na, nb = colour_mask(a, COLOURS[what]).sum(), colour_mask(b, COLOURS[what]).sum()
         assert abs(na - nb) <= 0.05 * nb, what
+
+
+@needs("rsvg-convert")
+def test_svg_lines_are_as_wide_as_png_lines():
+    """linwid(40) on an A4 page: the page frame rendered from the SVG file
+    and drawn into the PNG file has the same width in pixels (half of it
+    inside the page at the left edge)."""
+    from PIL import Image
+
+    def draw(device, name):
+        kolvex.setfil(name)
+        kolvex.metafl(device)
+        kolvex.scrmod("REVERS")  # black lines on white on both
+        kolvex.kolini()
+        kolvex.unit(0)
+        kolvex.linwid(40)
+        kolvex.pagera()
+        kolvex.kolfin()
+
+    draw("SVG", "w.svg")
+    draw("PNG", "w.png")
+    run(["rsvg-convert", "-b", "white", "-o", "svg.png", "w.svg"])
+
+    def width(path):
+        im = np.asarray(Image.open(path).convert("L")).astype(float)
+        row = 255 - im[im.shape[0] // 2, :100]  # ink at the left of the middle row
+        return row.sum() / 255
+
+    png, svg = width("w.png"), width("svg.png")
+    assert 5 < png < 8
+    assert svg == pytest.approx(png, abs=1.0)
