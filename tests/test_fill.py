@@ -299,3 +299,23 @@ def test_bad_coordinates_and_huge_polygons_draw_nothing_wrong(capfd):
     # Near its top and bottom the zigzag crosses a scan line more than 100
     # times: the raster fill and the hatching say so.
     assert len(out) == 2 and all("Warning 26" in w for w in out)
+
+
+@pytest.mark.skipif(not hasattr(kolvex, "graf"), reason="axis systems are not in this build")
+def test_rlarea_fills_in_user_coordinates_cut_to_the_axis_system():
+    session()
+    kolvex.graf(0.0, 10.0, 0.0, 2.0, 0.0, 10.0, 0.0, 2.0)
+    kolvex.noarln()
+    kolvex.mypat(0, 1, 1, 0)
+    # The polygon reaches beyond the axis system on the right.
+    kolvex.rlarea([2.0, 14.0, 14.0, 2.0], [2.0, 2.0, 8.0, 8.0], 4)
+    x0, x1 = kolvex.xposn(2.0), kolvex.xposn(10.0)
+    y0, y1 = sorted((kolvex.yposn(2.0), kolvex.yposn(8.0)))
+    kolvex.endgrf()
+    kolvex.kolfin()
+    segs = metafile_segments("f.met")
+    assert len(segs) > 10
+    xs = np.concatenate([segs[:, 0], segs[:, 2]])
+    ys = np.concatenate([segs[:, 1], segs[:, 3]])
+    assert xs.min() == pytest.approx(x0, abs=1e-3) and xs.max() <= x1 + 1.01
+    assert ys.min() >= y0 - 1e-3 and ys.max() <= y1 + 1e-3
