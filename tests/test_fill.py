@@ -314,8 +314,11 @@ def test_rlarea_fills_in_user_coordinates_cut_to_the_axis_system():
     kolvex.endgrf()
     kolvex.kolfin()
     segs = metafile_segments("f.met")
-    assert len(segs) > 10
-    xs = np.concatenate([segs[:, 0], segs[:, 2]])
-    ys = np.concatenate([segs[:, 1], segs[:, 3]])
-    assert xs.min() == pytest.approx(x0, abs=1e-3) and xs.max() <= x1 + 1.01
-    assert ys.min() >= y0 - 1e-3 and ys.max() <= y1 + 1e-3
+    # The hatch lines among the axis system's own: long horizontal lines
+    # within the polygon's rows.
+    flat = (segs[:, 1] == segs[:, 3]) & (segs[:, 1] > y0 + 0.5) & (segs[:, 1] < y1 - 0.5)
+    hatch = segs[flat & (np.abs(segs[:, 2] - segs[:, 0]) > 1000)]
+    assert len(hatch) == pytest.approx((y1 - y0) / 6.9999, abs=2)
+    assert np.minimum(hatch[:, 0], hatch[:, 2]) == pytest.approx(x0, abs=1e-3)
+    # Cut at the axis system's right edge.
+    assert np.maximum(hatch[:, 0], hatch[:, 2]) == pytest.approx(x1, abs=1.01)
