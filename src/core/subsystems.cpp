@@ -11,6 +11,7 @@ extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
 extern const Subsystem kxsub_styles;
+extern const Subsystem kxsub_postscript;
 
 namespace {
 
@@ -24,6 +25,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_session,
     &kxsub_devices,
     &kxsub_vector,
+    &kxsub_postscript,
     &kxsub_canvas,
     &kxsub_colour,
     &kxsub_styles,
