@@ -19,19 +19,6 @@ namespace {
 
 inline bool finite(double v) { return std::fabs(v) <= 1.7976931348623157e308; }
 
-// Whether the grid holds a value that is not a finite number (all bits of
-// the exponent set); integer tests that the compiler turns into vector code.
-bool any_hole(const double *z, size_t n) {
-    const uint64_t exp = 0x7ff0000000000000ull;
-    uint64_t bad = 0;
-    for (size_t k = 0; k < n; ++k) {
-        uint64_t v;
-        std::memcpy(&v, &z[k], sizeof v);
-        bad |= (uint64_t)((v & exp) == exp);
-    }
-    return bad != 0;
-}
-
 // Tracer output to the pen, converted to plot coordinates.
 struct DrawSink {
     glbblk *b;
@@ -137,7 +124,6 @@ void draw_level(glbblk *b, const ConGrid *g, const double *cx, const double *cy,
 
     c.lmode = lmode;
     qqconlevel(b, zlev);
-    bool holes = g && any_hole(g->z, (size_t)g->n * g->m);
     double uf = b->core.unitf > 0 ? b->core.unitf : 1.0;
     int passes = (int)(cs.thkcrv * uf + 0.5);
     if (passes < 1) passes = 1;
@@ -152,7 +138,7 @@ void draw_level(glbblk *b, const ConGrid *g, const double *cx, const double *cy,
         if (g) {
             DrawSink sink{b, m};
             qqcon::Tracer<DrawSink> t{*g, zlev, false, sink, {}};
-            nomem = !t.run(holes);
+            nomem = !t.run();
         } else {
             DrawSink sink{b, m};
             for (int i = 0; i < ncrv; ++i) sink.point(cx[i], cy[i]);
@@ -239,6 +225,6 @@ void conpts(const double *xray, int n, const double *yray, int m, const double *
     ConGrid g{xray, yray, zmat, n, m, false};
     PointSink sink{b, xpts, ypts, maxpts, nptray, maxlin};
     qqcon::Tracer<PointSink> t{g, zlev, true, sink, {}};
-    if (!t.run(any_hole(zmat, (size_t)n * m))) qqwar0(b, 53);
+    if (!t.run()) qqwar0(b, 53);
     if (nlins) *nlins = sink.nlins;
 }

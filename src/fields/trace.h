@@ -20,6 +20,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 // Coordinates of grid points: vectors (contur, conpts) or matrices (contur2).
 struct ConGrid {
@@ -170,12 +173,13 @@ template <class Sink> struct Tracer {
             }
     }
 
-    // Traces every line of the level; false when the bit tables find no
-    // memory.
-    bool run(bool holes) {
+    // Traces every line of the level; false when the memory for the bit
+    // tables is not there.
+    bool run() {
         const int n = g.n, m = g.m;
         size_t nbits = (size_t)n * (size_t)m + 1;
-        if (!marks.alloc(nbits)) return false;
+        Bits cand;
+        if (!marks.alloc(nbits) || !cand.alloc(nbits)) return false;
         // The boundary, counter-clockwise.
         for (int i = 1; i < n; ++i)
             if (starts(i - 1, 0, i, 0)) trace(i - 1, 0, i, 0);
@@ -185,31 +189,50 @@ template <class Sink> struct Tracer {
             if (starts(i + 1, m - 1, i, m - 1)) trace(i + 1, m - 1, i, m - 1);
         for (int j = m - 2; j >= 0; --j)
             if (starts(0, j + 1, 0, j)) trace(0, j + 1, 0, j);
-        if (holes) hole_starts();
-        // The interior.  The edges that may start a line are found in the
-        // storage order of the matrix, column by column, into a table of
-        // bits numbered i*m + j; the scan then takes them row by row from
-        // that small table, so that the lines come in the order of the
-        // rows without reading the matrix across its columns.
-        if (m > 2) {
-            Bits cand;
-            if (!cand.alloc(nbits)) return false;
-            const double big = 1.7976931348623157e308;
-            for (int i = 1; i < n; ++i) {
-                const double *zl = g.z + (size_t)(i - 1) * m, *zh = g.z + (size_t)i * m;
-                size_t k = (size_t)i * m;
-                for (int j = 0; j < m; ++j, ++k) {
-                    uint64_t f = (uint64_t)((zl[j] <= lev) & (zh[j] > lev) & (zl[j] >= -big) &
-                                            (zh[j] <= big));
-                    cand.w[k >> 6] |= f << (k & 63);
+        // One pass over the matrix in its storage order finds the interior
+        // edges that may start a line and whether any value is a hole.  Two
+        // values are tested at once without branches; starting edges are
+        // few, so the branch on the two results is nearly always the same.
+        // They go into a bit table numbered as the marks, row by row.
+        const double big = 1.7976931348623157e308;
+        bool holes = false;
+        auto edge = [&](int i, int j, double zl, double zh) {
+            if (!(zh - zh == 0.0)) holes = true;
+            if (j >= 1 && j <= m - 2 && zl <= lev && zh > lev && zl >= -big && zh <= big)
+                cand.test(bit(i, j), 1);
+        };
+        for (int j = 0; j < m; ++j)
+            if (!(g.z[j] - g.z[j] == 0.0)) holes = true;
+        for (int i = 1; i < n; ++i) {
+            const double *zh = g.z + (size_t)i * m, *zl = zh - m;
+            int j = 0;
+#if defined(__SSE2__)
+            const __m128d vl = _mm_set1_pd(lev), vb = _mm_set1_pd(big), vnb = _mm_set1_pd(-big),
+                          zero = _mm_setzero_pd();
+            for (; j + 2 <= m; j += 2) {
+                __m128d a = _mm_loadu_pd(zl + j), h = _mm_loadu_pd(zh + j);
+                __m128d c = _mm_and_pd(_mm_and_pd(_mm_cmple_pd(a, vl), _mm_cmpgt_pd(h, vl)),
+                                       _mm_and_pd(_mm_cmpge_pd(a, vnb), _mm_cmple_pd(h, vb)));
+                __m128d bad = _mm_cmpneq_pd(_mm_sub_pd(h, h), zero);
+                if (_mm_movemask_pd(_mm_or_pd(c, bad))) {
+                    edge(i, j, zl[j], zh[j]);
+                    edge(i, j + 1, zl[j + 1], zh[j + 1]);
                 }
             }
-            for (int j = 1; j < m - 1; ++j)
-                for (int i = 1; i < n; ++i) {
-                    size_t k = (size_t)i * m + j;
-                    if ((cand.w[k >> 6] >> (k & 63) & 1) && !marks.test(bit(i, j), 0))
-                        trace(i - 1, j, i, j);
-                }
+#endif
+            for (; j < m; ++j) edge(i, j, zl[j], zh[j]);
+        }
+        if (holes) hole_starts();
+        // The interior, in the order of the rows.
+        for (size_t k = 0; k < cand.nw; ++k) {
+            uint64_t w = cand.w[k];
+            while (w) {
+                int b = __builtin_ctzll(w);
+                w &= w - 1;
+                size_t idx = k * 64 + (size_t)b - 1;
+                int i = (int)(idx % (size_t)n), j = (int)(idx / (size_t)n);
+                if (!marks.test(idx + 1, 0)) trace(i - 1, j, i, j);
+            }
         }
         return true;
     }
