@@ -125,17 +125,19 @@ def test_another_thread_runs_while_kolfin_writes(tmp_path):
     assert "RESULT True True" in r.stdout, r.stdout + r.stderr
 
 
-def test_every_method_has_help():
-    import inspect
-    assert kolvex.__version__.count(".") == 2
+def test_every_method_has_help_in_the_stub():
+    # The module is nothing but its methods (no doc strings, no attributes);
+    # the help lives in the stub installed beside it, where editors read it.
+    import ast
+    assert all(getattr(kolvex, n).__doc__ is None for n in dir(kolvex) if not n.startswith("_"))
+    stub = os.path.join(os.path.dirname(kolvex.__file__), "kolvex.pyi")
+    with open(stub, encoding="utf-8") as f:
+        tree = ast.parse(f.read())
+    docs = {d.name: ast.get_docstring(d) or "" for d in tree.body if isinstance(d, ast.FunctionDef)}
     names = [n for n in dir(kolvex) if not n.startswith("_")]
+    assert sorted(docs) == sorted(names)
     for name in names:
-        fn = getattr(kolvex, name)
-        doc = fn.__doc__ or ""
-        lines = doc.split("\n")
+        lines = docs[name].split("\n")
         # A one-line summary, then the calling form with its types.
         assert len(lines) >= 3 and lines[0].endswith(".") and lines[1] == "", name
         assert lines[-1].startswith(name + "(") and ") -> " in lines[-1], name
-        # The signature that inspect reads names the same parameters.
-        typed = re.findall(r"(\w+): ", lines[-1].split(") -> ")[0])
-        assert list(inspect.signature(fn).parameters) == typed, name

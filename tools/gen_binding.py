@@ -78,9 +78,9 @@ Lines starting with '##' are group headings of the C header; '#' starts a
 comment.
 
 summaries.txt beside the table gives each method's one-line summary (name,
-blanks, text).  Each method's docstring is generated from it and the line:
-a signature that inspect reads, the summary, and the calling form with the
-types of arguments and result; the stub carries the summary too.  A method
+blanks, text).  The stub's docstring of each method is generated from it and
+the line: the summary, and the calling form with the types of arguments and
+result.  The module itself carries no doc strings.  A method
 without a summary still builds, but a test requires one for every method:
 add it with the table line.  Run with --header, --wrappers, --stub to write those files, or
 --check to test that include/kolvex.h is up to date.  --table-dir reads
@@ -833,8 +833,9 @@ def wrappers_text(methods, summaries=None):
     out.append("static PyMethodDef kolvex_methods[] = {")
     for m in sorted(methods, key=lambda m: m.name):
         fn = m.target.fn_name() if m.alias else m.fn_name()
-        out.append(f'    {{"{m.name}", {fn}, METH_VARARGS,')
-        out.append(f"     {c_string(method_doc(m, summaries))}}},")
+        # The method table carries no doc strings: the module is exactly its
+        # methods.  The help text lives in the stub, where editors read it.
+        out.append(f'    {{"{m.name}", {fn}, METH_VARARGS, nullptr}},')
     out.append("    {nullptr, nullptr, 0, nullptr},")
     out.append("};")
     return "\n".join(out) + "\n"
@@ -850,16 +851,16 @@ def stub_text(methods, module="kolvex", summaries=None):
         "# Generated from the routine table by tools/gen_binding.py; do not edit.",
         "from typing import Any, Callable, MutableSequence, Optional, Sequence",
         "",
-        "__version__: str",
-        "",
     ]
     for m in sorted(methods, key=lambda m: m.name):
         src = m.target if m.alias else m
         text = src.stub_text().replace(f"def {src.name}(", f"def {m.name}(", 1)
-        summary = summaries.get(m.name)
-        if summary:
-            assert text.endswith(": ...")
-            text = text[: -len(" ...")] + '\n    """' + summary.replace("\\", "\\\\").replace('"', '\\"') + '"""'
+        doc = method_doc(m, summaries)
+        if "\n--\n\n" in doc:
+            doc = doc.split("\n--\n\n", 1)[1]
+        assert text.endswith(": ...")
+        body = doc.replace("\\", "\\\\").replace('"""', '\\"\\"\\"').replace("\n", "\n    ")
+        text = text[: -len(" ...")] + '\n    """' + body + '"""'
         out.append(text)
     return "\n".join(out) + "\n"
 

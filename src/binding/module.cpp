@@ -31,10 +31,6 @@
 #include "raster/image_mode.h"
 #include "plots/curves.h"
 
-#ifndef KOLVEX_VERSION
-#define KOLVEX_VERSION "0"
-#endif
-
 #include "wrappers.inc"
 
 static struct PyModuleDef kolvex_module = {
@@ -45,10 +41,5 @@ static struct PyModuleDef kolvex_module = {
 
 PyMODINIT_FUNC PyInit_kolvex(void) {
     kxpy_perthread = qqthrmode;
-    PyObject *m = PyModule_Create2(&kolvex_module, 1013);
-    if (m && PyModule_AddStringConstant(m, "__version__", KOLVEX_VERSION) < 0) {
-        Py_DECREF(m);
-        return nullptr;
-    }
-    return m;
+    return PyModule_Create2(&kolvex_module, 1013);
 }

@@ -182,12 +182,7 @@ void newpag() noexcept {
     qqflsh(b);
     b->sess.pageno++;
     const DriverOps *drv = b->dev.drv;
-    if (drv && drv->new_page) {
-        drv->new_page(b);
-        // A page of the format starts with its own pen: a width that the
-        // device draws goes to it again.
-        if (b->dev.lnwid < 0 && drv->width) drv->width(b, -b->dev.lnwid, 0);
-    }
+    if (drv && drv->new_page) drv->new_page(b);
 }
 
 void erase() noexcept {
