@@ -10,6 +10,7 @@ extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
+extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_postscript;
 extern const Subsystem kxsub_text;
 
@@ -28,6 +29,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_postscript,
     &kxsub_canvas,
     &kxsub_colour,
+    &kxsub_styles,
     &kxsub_text,
 };
 
