@@ -108,6 +108,18 @@ int qqin(glbblk *b, double x, double y) noexcept;
 void qqclippage(glbblk *b) noexcept;
 // Sends the clip window to a driver that clips itself.
 void qqclipdev(glbblk *b, int narrowing) noexcept;
+// Filled rectangle, corners in plot coordinates before the origin shift,
+// in a colour value: the driver's rectangle with hwmode SHAD on, else solid
+// lines.
+void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept;
+// Marker of kind 0 to 23 centred at a plot position, size in plot
+// coordinates, in the current colour: the driver's marker, else lines.
+void qqmark(glbblk *b, int kind, double x, double y, double size) noexcept;
+// One character of a hardware font: the driver's, else the stroke hook of
+// DeviceState (set by the text subsystem).
+void qqhwchar(glbblk *b, const QQHwChar *c) noexcept;
+// The hardware font or its height changed.
+void qqhwstyle(glbblk *b) noexcept;
 // Resets the dash pattern to its first element (lintyp, myline, solid).
 void qqdshres(glbblk *b) noexcept;
 

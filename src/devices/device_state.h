@@ -4,6 +4,7 @@
 
 struct glbblk;
 struct DriverOps;
+struct QQHwChar;
 
 enum { QQ_NPOL = 100 };  // points the polyline buffer holds
 
@@ -53,4 +54,7 @@ struct DeviceState {
     // segment test of hidden lines or shields.  Null when not in use.
     void (*plane)(glbblk *b, double *x, double *y);
     int (*segtest)(glbblk *b, double x0, double y0, double x1, double y1);
+    // Strokes a hardware character that the driver refused (the text
+    // subsystem sets it at kolini); null draws nothing.
+    void (*strokechar)(glbblk *b, const QQHwChar *c);
 };

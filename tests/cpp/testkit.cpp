@@ -50,11 +50,26 @@ static void rec_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
     of(b)->ops.push_back({'x', (double)x1, (double)y1, reset});
 }
 
+static void rec_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+    of(b)->ops.push_back({'r', (double)x1, (double)y1, colour, x2, y2});
+}
+static int rec_marker(glbblk *b, int kind, double x, double y, double size) {
+    of(b)->ops.push_back({'k', x, y, kind, (int)size});
+    return of(b)->answer;
+}
+static int rec_char(glbblk *b, const QQHwChar *c) {
+    of(b)->ops.push_back({'t', c->x, c->y, c->code});
+    return of(b)->answer;
+}
+
 static const DriverOps recording_ops = {
     .line = rec_line,
     .colour = rec_colour,
     .width = rec_width,
     .clip = rec_clip,
+    .fill_rect = rec_rect,
+    .marker = rec_marker,
+    .character = rec_char,
 };
 
 void RecordingDriver::install(glbblk *b) {

@@ -25,7 +25,8 @@ void fail(const char *file, int line, const std::string &what);
 
 // One operation as a driver received it.
 struct Op {
-    char kind;   // 'm' move, 'd' draw, 'e' end path, 'c' colour, 'w' width, 'x' clip
+    char kind;   // 'm' move, 'd' draw, 'e' end path, 'c' colour, 'w' width, 'x' clip,
+                 // 'r' rectangle (r, g the far corner), 'k' marker, 't' character
     double x, y;
     int value;
     int r = 0, g = 0, bl = 0, index = 0;  // what a colour operation was given
@@ -36,6 +37,7 @@ struct Op {
 struct RecordingDriver {
     std::vector<Op> ops;
     int hwwidth = 0;  // answer of the width operation
+    int answer = 1;   // answer of the marker and character operations
     void install(glbblk *b);
     int count(char kind) const;
     // The pieces of line: each starts with a move and holds its draws.
