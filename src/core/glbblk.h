@@ -14,7 +14,7 @@
 #include "devices/device_state.h"
 #include "devices/vector_state.h"
 #include "raster/canvas_state.h"
-#include "raster/colour_state.h"
+#include "colour/colour_state.h"
 
 struct glbblk {
     CoreState core;       // call frame, level, page

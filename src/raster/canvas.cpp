@@ -10,7 +10,7 @@
 
 #include "core/glbblk.h"
 #include "core/subsystems.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
 

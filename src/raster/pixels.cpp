@@ -12,7 +12,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
 

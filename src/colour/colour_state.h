@@ -1,5 +1,5 @@
 // The colour model: the 256-entry colour table, its kind and the named
-// colours.  The colour value itself is described in raster/colour.h.
+// colours.  The colour value itself is described in colour/colour.h.
 #pragma once
 
 struct ColourState {

@@ -1,6 +1,6 @@
 // The colour model: colour tables, named colours, fore- and background,
 // and the routines that set and read colours.
-#include "raster/colour.h"
+#include "colour/colour.h"
 
 #include <cmath>
 #include <cstdio>
