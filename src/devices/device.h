@@ -99,9 +99,6 @@ void qqrdrw(glbblk *b, double x, double y) noexcept;
 void qqflsh(glbblk *b) noexcept;
 void qqplot(glbblk *b, double x, double y, int op) noexcept;
 void qqsetc(glbblk *b, int value) noexcept;
-// The entry of the colour table nearest to a colour (sum of the absolute
-// differences; the first minimum wins).
-int qqnearest(const glbblk *b, int r, int g, int bl) noexcept;
 void qqclip(glbblk *b, int back) noexcept;
 int qqin(glbblk *b, double x, double y) noexcept;
 // Clears the clip border and makes the whole page the clip window.

@@ -11,7 +11,6 @@
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
-#include "devices/device.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/image_mode.h"
@@ -73,7 +72,7 @@ void composite(qqcanvas *cv) {
 
 // Opens the layer; 0, or 53 when it cannot be made.
 int open_layer(glbblk *b) {
-    qqflsh(b);
+    b->cnv.flush(b);
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return 53;
     qqcflush(cv);
@@ -89,12 +88,11 @@ int open_layer(glbblk *b) {
     cv->tprsave = cv->tprplane;
     cv->pix = cv->pixtpr;
     cv->tprplane = 2;
-    b->cnv.tprdev = b->core.devcod;
     return 0;
 }
 
 void close_layer(glbblk *b) {
-    qqflsh(b);
+    b->cnv.flush(b);
     qqcanvas *cv = qqcanvasof(b);
     if (!cv || cv->tprplane != 2) return;
     qqcflush(cv);
