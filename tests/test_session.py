@@ -461,3 +461,16 @@ def test_kolenv_takes_any_text_at_any_level(capfd):
     kolvex.kolini()
     kolvex.kolenv("")
     assert warnings_of(capfd.readouterr().out) == []
+
+
+def test_symfil_reads_no_file_name_as_a_command(fake_driver):
+    """Plot and colour file names reach the driver as they stand, and run nothing."""
+    name, table = "x.met;touch INJECTED;#", 't$(touch INJECTED2)".txt'
+    kolvex.setfil(name)
+    kolvex.kolini()
+    kolvex.vltfil(table, "SAVE")
+    kolvex.kolfin()
+    kolvex.symfil("XWIN", "KEEP")
+    assert not os.path.exists("INJECTED") and not os.path.exists("INJECTED2")
+    args = fake_driver.read_text().split("\n")
+    assert args[1] == name and args[-2] == "V=" + table

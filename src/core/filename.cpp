@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
 #include "core/family.h"
 #include "core/guard.h"
@@ -11,10 +10,11 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "platform/platform.h"
 
 namespace {
 
-bool file_exists(const char *name) { return access(name, F_OK) == 0; }
+bool file_exists(const char *name) { return qqpexists(name); }
 
 }  // namespace
 
