@@ -103,6 +103,7 @@ KOLVEX_API void x11mod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void clpbor(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void clpmod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void clpwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void getclp(int *nx, int *ny, int *nw, int *nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void hwmode(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
 KOLVEX_API void linmod(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
 KOLVEX_API void linwid(int nwidth) KOLVEX_NOEXCEPT;

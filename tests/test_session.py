@@ -314,9 +314,12 @@ def test_odd_file_names_do_not_crash(name, capfd):
 
 def test_reset_of_the_clip_window_and_all(capfd):
     kolvex.kolini()
-    kolvex.clpwin(100, 100, 10, 10)
+    assert kolvex.getclp() == (0, 0, 2970, 2100)
+    kolvex.clpwin(100, 120, 10, 20)
+    assert kolvex.getclp() == (100, 120, 10, 20)
     kolvex.pagera()  # the border lies outside the window
     kolvex.reset("clpwin")
+    assert kolvex.getclp() == (0, 0, 2970, 2100)
     kolvex.pagera()
     kolvex.clpwin(100, 100, 10, 10)
     kolvex.reset("ALL")
