@@ -113,6 +113,11 @@ KOLVEX_API void lnmlt(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void noclip(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
 
+/* Native metafile and its inclusion */
+KOLVEX_API void filbox(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void filclr(const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void incfil(const char *cfil) KOLVEX_NOEXCEPT;
+
 /* Colours */
 KOLVEX_API void clrcyc(int index, int iclr) KOLVEX_NOEXCEPT;
 KOLVEX_API void color(const char *col) KOLVEX_NOEXCEPT;

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "core/guard.h"
+#include "core/session.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 
@@ -90,7 +91,9 @@ bool starts(const unsigned char *p, size_t n, const char *magic, size_t len) {
     return n >= len && std::memcmp(p, magic, len) == 0;
 }
 
-int sniff(const char *name, int *w, int *h) {
+}  // namespace
+
+int qqfiletype(const char *name, int *w, int *h) noexcept {
     *w = *h = 0;
     FILE *fp = std::fopen(name, "rb");
     if (!fp) return UNREADABLE;
@@ -150,13 +153,11 @@ int sniff(const char *name, int *w, int *h) {
     return kind;
 }
 
-}  // namespace
-
 int filtyp(const char *cfil) noexcept {
     glbblk *b = KX_ENTRY("filtyp");
     if (!b) return -1;
     int w, h;
-    int kind = sniff(cfil ? cfil : "", &w, &h);
+    int kind = qqfiletype(cfil ? cfil : "", &w, &h);
     if (kind == UNREADABLE) qqwarc(b, 36, cfil ? cfil : "");
     return kind;
 }
@@ -166,7 +167,7 @@ int filsiz(const char *cfil, int *nw, int *nh) noexcept {
     glbblk *b = KX_ENTRY("filsiz");
     if (!b) return -1;
     int w, h;
-    int kind = sniff(cfil ? cfil : "", &w, &h);
+    int kind = qqfiletype(cfil ? cfil : "", &w, &h);
     if (kind == UNREADABLE) {
         qqwarc(b, 36, cfil ? cfil : "");
         return -1;

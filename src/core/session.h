@@ -32,6 +32,9 @@ void qqdatadir(glbblk *b, char *buf) noexcept;
 // argument.  Returns their count.
 int qqsymargs(glbblk *b, const char *device, const char *status, char *store,
               const char **argv) noexcept;
+// The format of a file as filtyp gives it (-1 unreadable), and the pixel
+// size of the raster formats.
+int qqfiletype(const char *name, int *w, int *h) noexcept;
 // Fails a session that is being opened: level 0 and nothing left open.
 void qqkolfail(glbblk *b) noexcept;
 // The end-of-session banner, in its console form.

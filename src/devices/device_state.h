@@ -50,6 +50,9 @@ struct DeviceState {
     int lnsmooth;              // linmod SMOO
     int lincycl[30];           // line style cycle of lincyc
     int lastop;                // last operation a metafile driver wrote, 0 none
+    int fbox[4];               // filbox: corner (Y down) and size for incfil
+    unsigned char fboxset;     // 1 once filbox gave a box
+    unsigned char fclrnone;    // filclr NONE: included colours are ignored
     // Hooks of later stages: a position mapped into the 3-D plane, and a
     // segment test of hidden lines or shields.  Null when not in use.
     void (*plane)(glbblk *b, double *x, double *y);

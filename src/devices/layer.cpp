@@ -40,6 +40,8 @@ void devices_first(glbblk *b) {
 
 void devices_init(glbblk *b) {
     DeviceState &d = b->dev;
+    d.fboxset = 0;
+    d.fclrnone = 0;
     d.npol = 0;
     d.inflsh = 0;
     d.nxsh = d.nysh = 0;
