@@ -133,10 +133,21 @@ std::string read_file(const std::string &name) {
 
 }  // namespace testkit
 
+// With no argument every test runs; "--list" names them; a name runs that
+// test, or, when no test has that name, every test whose name holds it.
 int main(int argc, char **argv) {
+    const char *want = argc > 1 ? argv[1] : nullptr;
+    if (want && std::strcmp(want, "--list") == 0) {
+        for (const testkit::Test &t : testkit::registry()) std::printf("%s\n", t.name);
+        return 0;
+    }
+    bool exact = false;
+    for (const testkit::Test &t : testkit::registry())
+        exact = exact || (want && std::strcmp(t.name, want) == 0);
     int run = 0;
     for (const testkit::Test &t : testkit::registry()) {
-        if (argc > 1 && std::strstr(t.name, argv[1]) == nullptr) continue;
+        if (want && (exact ? std::strcmp(t.name, want) != 0 : std::strstr(t.name, want) == nullptr))
+            continue;
         testkit::current = t.name;
         int before = testkit::failures;
         t.fn();
@@ -144,5 +155,5 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "%s %s\n", testkit::failures == before ? "ok  " : "FAIL", t.name);
     }
     std::fprintf(stderr, "%d tests, %d failures\n", run, testkit::failures);
-    return testkit::failures ? 1 : 0;
+    return testkit::failures || run == 0 ? 1 : 0;
 }
