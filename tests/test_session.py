@@ -180,7 +180,7 @@ def test_session_settings_of_the_window_take_the_soft_guard(capfd):
     kolvex.winmod("NOERASE")
     kolvex.winopt(2, "DELAY")
     kolvex.bufmod("ON", "SEND")
-    assert len(warnings_of(capfd.readouterr().out)) == 4  # level 0, stored all the same
+    assert len(warnings_of(capfd.readouterr().out)) == 4  # the soft guard warns at level 0
     kolvex.kolini()
     kolvex.winkey("SPACE")
     kolvex.winmod("HIDE")

@@ -47,8 +47,19 @@ struct qqcanvas {
     unsigned char tpropaq;   // 1: a background pixel composites like any other
 };
 
+// Level-0 options of the raster file formats, kept across sessions.
+struct RasterOptions {
+    int rasfmt;              // imgfmt: 0 IND, 1 RGB, 2 BIL
+    int bmpres;              // BMP resolution in pixels per metre
+    int tifres;              // TIFF resolution
+    int tifunit;             // TIFF unit code: 2 inch, 3 cm
+    int pngtran;             // PNG transparency
+    int giftran;             // GIF transparency
+};
+
 struct CanvasState {
     qqcanvas cv;
+    RasterOptions ropt;     // imgfmt, bmpmod, tifmod, pngmod, gifmod
     int imgact;             // 1 between imgini and imgfin
     int imgrgb;             // imgmod: 0 IND, 1 RGB data in the pixel routines
     int imgbot;             // imgmod: 0 TOP, 1 BOT (blocks stored bottom row first)

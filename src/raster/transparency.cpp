@@ -109,7 +109,7 @@ int usable(glbblk *b) {
         return 1;
     }
     // Before the session the canvas is not there yet: its settings tell.
-    bool rgb = b->core.level > 0 ? b->sess.colbits >= 24 : ((qqdevclr(b) & QQ_CLR_RGB) || b->opt.rasfmt == 1);
+    bool rgb = b->core.level > 0 ? b->sess.colbits >= 24 : ((qqdevclr(b) & QQ_CLR_RGB) || b->cnv.ropt.rasfmt == 1);
     if (!rgb) {
         qqwar1(b, 170, "Output format must be in RGB mode");
         return 1;

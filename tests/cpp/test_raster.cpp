@@ -322,7 +322,7 @@ TEST(transparency_layer_composites_by_alpha) {
 // The test page: a picture to look at, written through the device layer
 // of a PNG session as a program would draw it.  tests/test_raster_page.py
 // checks the file and its colours.
-TEST(raster_test_page) {
+PAGE(raster_test_page) {
     // The page goes where the Python test asks for it (earlier tests may
     // have changed the directory).
     const char *dir = std::getenv("KOLVEX_PAGE_DIR");

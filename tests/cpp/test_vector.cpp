@@ -444,7 +444,7 @@ void draw_page(const char *device, const std::string &file) {
 
 // Writes the page in every format where tests/test_vector_files.py asks
 // for it; the readers there check it.
-TEST(vector_test_page) {
+PAGE(vector_test_page) {
     const char *dir = std::getenv("KOLVEX_PAGE_DIR");
     std::string base = std::string(dir ? dir : testkit::temp_dir().c_str()) + "/vector_test_page.";
     for (const char *dev : {"SVG", "IPE", "JAVA", "PNG"}) {

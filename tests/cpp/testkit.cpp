@@ -18,6 +18,11 @@ std::vector<Test> &registry() {
     return tests;
 }
 
+std::vector<Test> &pages() {
+    static std::vector<Test> list;
+    return list;
+}
+
 static int failures = 0;
 static const char *current = "";
 
@@ -134,13 +139,20 @@ std::string read_file(const std::string &name) {
 }  // namespace testkit
 
 // With no argument every test runs; "--list" names them; a name runs that
-// test, or, when no test has that name, every test whose name holds it.
+// test or page, or, when none has that name, every test whose name holds
+// it.
 int main(int argc, char **argv) {
     const char *want = argc > 1 ? argv[1] : nullptr;
     if (want && std::strcmp(want, "--list") == 0) {
         for (const testkit::Test &t : testkit::registry()) std::printf("%s\n", t.name);
         return 0;
     }
+    for (const testkit::Test &t : testkit::pages())
+        if (want && std::strcmp(t.name, want) == 0) {
+            testkit::current = t.name;
+            t.fn();
+            return testkit::failures ? 1 : 0;
+        }
     bool exact = false;
     for (const testkit::Test &t : testkit::registry())
         exact = exact || (want && std::strcmp(t.name, want) == 0);

@@ -18,8 +18,13 @@ struct Test {
     void (*fn)();
 };
 std::vector<Test> &registry();
+// Programs that draw a test page for a Python test to judge: run by name
+// only, never counted as tests.
+std::vector<Test> &pages();
 struct Register {
-    Register(const char *name, void (*fn)()) { registry().push_back({name, fn}); }
+    Register(const char *name, void (*fn)(), bool page = false) {
+        (page ? pages() : registry()).push_back({name, fn});
+    }
 };
 void fail(const char *file, int line, const std::string &what);
 
@@ -62,6 +67,11 @@ std::string read_file(const std::string &name);
     static void test_##name();                                  \
     static testkit::Register reg_##name(#name, test_##name);    \
     static void test_##name()
+
+#define PAGE(name)                                                 \
+    static void page_##name();                                     \
+    static testkit::Register reg_##name(#name, page_##name, true); \
+    static void page_##name()
 
 #define CHECK(cond) \
     ((cond) ? (void)0 : testkit::fail(__FILE__, __LINE__, "CHECK(" #cond ")"))
