@@ -88,10 +88,6 @@ struct DriverOps {
     void (*textstyle)(glbblk *b);
 };
 
-// The driver of a device code; a family without a driver in this build
-// answers null.
-const DriverOps *qqdriver(int devcod) noexcept;
-
 void qqmove(glbblk *b, double x, double y) noexcept;
 void qqdraw(glbblk *b, double x, double y) noexcept;
 void qqrmov(glbblk *b, double x, double y) noexcept;

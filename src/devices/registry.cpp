@@ -8,7 +8,6 @@
 
 #include <cstring>
 
-#include "devices/device.h"
 
 extern const DeviceFamily kxfam_plogfl;
 extern const DeviceFamily kxfam_raster;
@@ -111,9 +110,4 @@ const DeviceFamily *qqfamilykey(const char *key, int *code) noexcept {
             }
     *code = 0;
     return nullptr;
-}
-
-const DriverOps *qqdriver(int devcod) noexcept {
-    const DeviceFamily *f = qqfamily(devcod);
-    return f ? f->ops : nullptr;
 }
