@@ -113,6 +113,9 @@ KOLVEX_API void lnmlt(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void noclip(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
 
+/* PostScript */
+KOLVEX_API void psmode(const char *copt) KOLVEX_NOEXCEPT;
+
 /* Native metafile and its inclusion */
 KOLVEX_API void filbox(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void filclr(const char *cmode) KOLVEX_NOEXCEPT;

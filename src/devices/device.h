@@ -86,6 +86,14 @@ struct DriverOps {
     // The hardware font or its height changed: a driver that carries the
     // font in its open state ends that state.
     void (*textstyle)(glbblk *b);
+    // A filled ring sector: centre and radii (r1 at most r2) in plot
+    // coordinates, the angles from a1 to a2 in degrees counter-clockwise,
+    // a colour value.  Returns 0 when the layer must fill it as a polygon.
+    int (*sector)(glbblk *b, double x, double y, double r1, double r2, double a1, double a2,
+                  int colour);
+    // A filled triangle in the current colour, corners in plot
+    // coordinates.  Returns 0 when the layer must fill it as a polygon.
+    int (*triangle)(glbblk *b, const double *x, const double *y);
 };
 
 void qqmove(glbblk *b, double x, double y) noexcept;
@@ -108,6 +116,14 @@ void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept;
 // Marker of kind 0 to 23 centred at a plot position, size in plot
 // coordinates, in the current colour: the driver's marker, else lines.
 void qqmark(glbblk *b, int kind, double x, double y, double size) noexcept;
+// A filled ring sector, centre and radii (r1 at most r2) in plot
+// coordinates before the origin shift, angles a1 to a2 in degrees
+// counter-clockwise, in a colour value; a filled triangle in the current
+// colour.  The driver's shape with hwmode SHAD on, else its polygon, else
+// lines.
+void qqsector(glbblk *b, double x, double y, double r1, double r2, double a1, double a2,
+              int colour) noexcept;
+void qqtriangle(glbblk *b, const double *x, const double *y) noexcept;
 // One character of a hardware font: the driver's, else the stroke hook of
 // DeviceState (set by the text subsystem).
 void qqhwchar(glbblk *b, const QQHwChar *c) noexcept;

@@ -14,6 +14,7 @@ extern const DeviceFamily kxfam_raster;
 extern const DeviceFamily kxfam_java;
 extern const DeviceFamily kxfam_svg;
 extern const DeviceFamily kxfam_ipe;
+extern const DeviceFamily kxfam_postscript;
 
 namespace {
 
@@ -64,19 +65,7 @@ const DeviceKey kHpglKeys[] = {
 const DeviceFamily kHpgl = {.name = "HPGL", .keys = kHpglKeys, .lo = 401, .hi = 405,
                              .kind = QQ_KIND_FILE, .lnlen = 80, .viewer = "koldrv"};
 
-constexpr unsigned kDarkPage = QQ_CLR_TURN_ON_WHITE;
 constexpr unsigned kWhitePage = QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK;
-const DeviceKey kPostScriptKeys[] = {
-    {"POST", 501, "psc", (kPaper & ~QQ_CLR_WHIT_BLACK) | QQ_CLR_GREY_TABLE},
-    {"PSCL", 502, "psc", kDarkPage},
-    {"EPS ", 503, "eps", kWhitePage},
-    {"PS  ", 504, "ps", kWhitePage},
-    {},
-};
-const DeviceFamily kPostScript = {.name = "PostScript", .keys = kPostScriptKeys, .lo = 501,
-                                   .hi = 504, .kind = QQ_KIND_PAGE, .lnlen = 80,
-                                   .viewer = "koldrv"};
-
 const DeviceKey kPdfKeys[] = {{"PDF ", 511, "pdf", kWhitePage}, {}};
 const DeviceFamily kPdf = {.name = "PDF", .keys = kPdfKeys, .lo = 511, .hi = 511,
                             .kind = QQ_KIND_PAGE, .file = QQ_FILE_OWN, .viewer = "koldrv"};
@@ -84,7 +73,7 @@ const DeviceFamily kPdf = {.name = "PDF", .keys = kPdfKeys, .lo = 511, .hi = 511
 // In the order in which metafl has always searched the keywords; where
 // two families share a code range the first wins.
 const DeviceFamily *const kFamilies[] = {
-    &kxfam_plogfl, &kCgm, &kHpgl, &kOpenGL, &kScreen, &kPostScript, &kxfam_raster,
+    &kxfam_plogfl, &kCgm, &kHpgl, &kOpenGL, &kScreen, &kxfam_postscript, &kxfam_raster,
     &kxfam_java,   &kWmf, &kEmf,  &kPdf,    &kxfam_svg, &kxfam_ipe,
 };
 

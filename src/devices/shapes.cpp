@@ -1,5 +1,5 @@
-// The layer's entry points for filled rectangles, markers and hardware
-// characters: each offers the shape to the driver and draws it with lines
+// The layer's entry points for filled rectangles, ring sectors, triangles,
+// markers and hardware characters: each offers the shape to the driver and draws it with lines
 // when the driver has no such operation, refuses it, or cannot be given it
 // because the shape must pass through the 3-D plane, the user
 // transformation, a segment test or a circular clip first (only lines do).
@@ -66,6 +66,47 @@ void polygon(glbblk *b, const double *x, const double *y, int n, bool filled) {
     LinePen pen(b, false);
     qqrmov(b, x[n - 1], y[n - 1]);
     for (int i = 0; i < n; ++i) qqrdrw(b, x[i], y[i]);
+}
+
+// Any polygon filled by horizontal lines one plot coordinate apart, by the
+// even-odd rule, in the current colour; rows with more crossings than the
+// buffer holds keep the first ones.
+void scan_fill(glbblk *b, const double *x, const double *y, int n) {
+    enum { MAXCROSS = 16 };
+    LinePen pen(b, true);
+    double ylo = y[0], yhi = y[0];
+    for (int i = 1; i < n; ++i) {
+        ylo = std::fmin(ylo, y[i]);
+        yhi = std::fmax(yhi, y[i]);
+    }
+    for (double row = std::ceil(ylo); row <= yhi; row += 1.0) {
+        double xs[MAXCROSS];
+        int k = 0;
+        for (int i = 0; i < n && k < MAXCROSS; ++i) {
+            int j = (i + 1) % n;
+            // Half-open in y, so that a vertex is crossed once.
+            if ((y[i] <= row) == (y[j] <= row)) continue;
+            double xc = x[i] + (row - y[i]) / (y[j] - y[i]) * (x[j] - x[i]);
+            int m = k++;
+            while (m > 0 && xs[m - 1] > xc) {
+                xs[m] = xs[m - 1];
+                --m;
+            }
+            xs[m] = xc;
+        }
+        for (int m = 0; m + 1 < k; m += 2) {
+            qqrmov(b, xs[m], row);
+            qqrdrw(b, xs[m + 1], row);
+        }
+    }
+}
+
+// A filled polygon of absolute positions when the driver's own shape was
+// refused: the driver's polygon with hwmode SHAD on, else lines.
+void fill_fallback(glbblk *b, const double *x, const double *y, int n) {
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->fill_polygon && b->dev.hwshd && direct(b) && drv->fill_polygon(b, x, y, n)) return;
+    scan_fill(b, x, y, n);
 }
 
 // The circle of markers as a polygon of 36 corners; half = 1 keeps the
@@ -174,6 +215,56 @@ void qqmark(glbblk *b, int kind, double x, double y, double size) noexcept {
     const DriverOps *drv = d.drv;
     if (drv && drv->marker && direct(b) && drv->marker(b, kind, x, y, size)) return;
     marker_lines(b, kind, x, y, size / 2);
+}
+
+void qqsector(glbblk *b, double x, double y, double r1, double r2, double a1, double a2,
+              int colour) noexcept {
+    if (!(r1 >= 0 && r1 <= r2 && r2 < 1e6 && a1 <= a2 && a2 - a1 <= 360.0)) return;
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    x += d.nxsh;
+    y += d.nysh;
+    const DriverOps *drv = d.drv;
+    if (drv && drv->sector && d.hwshd && direct(b) && drv->sector(b, x, y, r1, r2, a1, a2, colour))
+        return;
+    // The outline: the outer arc forth, the inner one back (or the centre),
+    // a point every 5 degrees at most.
+    enum { ARC = 73 };
+    double px[2 * ARC], py[2 * ARC];
+    int steps = (int)std::ceil((a2 - a1) / 5.0);
+    if (steps < 1) steps = 1;
+    int n = 0;
+    for (int pass = 0; pass < 2; ++pass) {
+        double r = pass == 0 ? r2 : r1;
+        if (pass == 1 && r1 == 0) {
+            px[n] = x;
+            py[n++] = y;
+            break;
+        }
+        for (int k = 0; k <= steps; ++k) {
+            double t = (pass == 0 ? a1 + (a2 - a1) * k / steps : a2 - (a2 - a1) * k / steps) *
+                       3.141592653589793 / 180.0;
+            px[n] = x + r * std::cos(t);
+            py[n++] = y - r * std::sin(t);
+        }
+    }
+    int saved = d.curclr;
+    if (colour != saved) qqsetc(b, colour);
+    fill_fallback(b, px, py, n);
+    if (colour != saved) qqsetc(b, saved);
+}
+
+void qqtriangle(glbblk *b, const double *x, const double *y) noexcept {
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    double tx[3], ty[3];
+    for (int i = 0; i < 3; ++i) {
+        tx[i] = x[i] + d.nxsh;
+        ty[i] = y[i] + d.nysh;
+    }
+    const DriverOps *drv = d.drv;
+    if (drv && drv->triangle && d.hwshd && direct(b) && drv->triangle(b, tx, ty)) return;
+    fill_fallback(b, tx, ty, 3);
 }
 
 void qqhwchar(glbblk *b, const QQHwChar *c) noexcept {

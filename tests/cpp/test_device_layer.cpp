@@ -519,6 +519,15 @@ TEST(rectangles_markers_characters_go_to_the_driver_or_fall_back_to_lines) {
     qqhwchar(b, &c);
     CHECK_EQ(stroked, 66);
     b->dev.strokechar = nullptr;
+    // Without the driver's sector or polygon, a sector and a triangle are
+    // lines in their colour, the colour coming back.
+    rec.ops.clear();
+    qqsector(b, 500, 500, 0, 100, 0, 90, 9);
+    const double tx[3] = {100, 200, 150}, ty[3] = {100, 100, 140};
+    qqtriangle(b, tx, ty);
+    CHECK(rec.count('d') >= 100 + 40);
+    CHECK_EQ(rec.ops.front().value, 9);
+    CHECK_EQ(b->dev.curclr, before);
     // Through the user transformation every shape is lines.
     rec.ops.clear();
     rec.answer = 1;

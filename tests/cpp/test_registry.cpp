@@ -68,6 +68,10 @@ const DriverOps proxy = {
     .image = [](glbblk *b) { mark("image"), real->image(b); },
     .character = [](glbblk *b, const QQHwChar *c) { return mark("character"), real->character(b, c); },
     .textstyle = [](glbblk *b) { mark("textstyle"), real->textstyle(b); },
+    .sector = [](glbblk *b, double x, double y, double r1, double r2, double a1, double a2, int c) {
+        return mark("sector"), real->sector(b, x, y, r1, r2, a1, a2, c);
+    },
+    .triangle = [](glbblk *b, const double *x, const double *y) { return mark("triangle"), real->triangle(b, x, y); },
 };
 
 // The proxy of a driver offers what the driver offers, no more.
@@ -77,7 +81,7 @@ DriverOps proxy_of(const DriverOps *d) {
     if (!d->m) p.m = nullptr
     KEEP(line); KEEP(colour); KEEP(colour_table); KEEP(width); KEEP(linestyle); KEEP(clip);
     KEEP(fill_polygon); KEEP(fill_rect); KEEP(new_page); KEEP(clear); KEEP(update); KEEP(close);
-    KEEP(marker); KEEP(image); KEEP(character); KEEP(textstyle);
+    KEEP(marker); KEEP(image); KEEP(character); KEEP(textstyle); KEEP(sector); KEEP(triangle);
 #undef KEEP
     return p;
 }
@@ -95,7 +99,8 @@ std::string offered(const DriverOps *d) {
                {"new_page", d->new_page != nullptr}, {"clear", d->clear != nullptr},
                {"update", d->update != nullptr},       {"close", d->close != nullptr},
                {"marker", d->marker != nullptr},       {"image", d->image != nullptr},
-               {"character", d->character != nullptr}, {"textstyle", d->textstyle != nullptr}};
+               {"character", d->character != nullptr}, {"textstyle", d->textstyle != nullptr},
+               {"sector", d->sector != nullptr},       {"triangle", d->triangle != nullptr}};
     for (const auto &o : ops)
         if (o.on) s += std::string(o.name) + " ";
     return s;
@@ -103,8 +108,9 @@ std::string offered(const DriverOps *d) {
 
 }  // namespace
 
-// Rectangles, markers and characters come from subsystems that are not
-// built yet (area fill, symbols, text): their layer entry points stand in.
+// Rectangles, sectors, triangles, markers and characters come from
+// subsystems that are not built yet (area fill, pies, symbols, text): their
+// layer entry points stand in.
 TEST(every_offered_operation_is_reached_from_above_the_layer) {
     std::string dir = testkit::temp_dir();
     if (chdir(dir.c_str()) != 0) return;
@@ -132,6 +138,9 @@ TEST(every_offered_operation_is_reached_from_above_the_layer) {
         pagera();
         qqfrect(b, 100, 100, 300, 200, 0x0100FF00);
         qqmark(b, 3, 500, 500, 40);
+        qqsector(b, 900, 900, 50, 150, 10, 120, 0x010000FF);
+        const double tx[3] = {1000, 1200, 1100}, ty[3] = {1000, 1000, 1200};
+        qqtriangle(b, tx, ty);
         QQHwChar c{65, 800, 800, 30, 0, 0, 40, 0, 0, 718};
         qqhwchar(b, &c);
         qqhwstyle(b);
