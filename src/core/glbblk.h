@@ -14,6 +14,7 @@
 #include "devices/device_state.h"
 #include "devices/postscript_state.h"
 #include "devices/vector_state.h"
+#include "plots/style_state.h"
 #include "raster/canvas_state.h"
 #include "colour/colour_state.h"
 
@@ -27,4 +28,5 @@ struct glbblk {
     PsState ps;           // PostScript driver
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency
+    StyleState sty;       // line style number, shading pattern, fill switches
 };

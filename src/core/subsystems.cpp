@@ -10,6 +10,7 @@ extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
+extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_postscript;
 
 namespace {
@@ -27,6 +28,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_postscript,
     &kxsub_canvas,
     &kxsub_colour,
+    &kxsub_styles,
 };
 
 }  // namespace

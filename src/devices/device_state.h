@@ -60,4 +60,11 @@ struct DeviceState {
     // Strokes a hardware character that the driver refused (the text
     // subsystem sets it at kolini); null draws nothing.
     void (*strokechar)(glbblk *b, const QQHwChar *c);
+    // The polygon fill of the plots with the current pattern (qqfillpoly),
+    // set when a block is made: the layer hands fills upward through it.
+    void (*fillfn)(glbblk *b, double *x, double *y, int n);
+    // The hatching of several polygons together (qqhatchpolys).
+    int (*hatchfn)(glbblk *b, const double *const *x, const double *const *y, const int *n,
+                   int npoly, double d, int maxcross, void (*move)(glbblk *, double, double),
+                   void (*draw)(glbblk *, double, double));
 };
