@@ -51,7 +51,8 @@ const DeviceFamily kCgm = {.name = "CGM", .keys = kCgmKeys, .lo = 211, .hi = 211
 
 const DeviceKey kWmfKeys[] = {{"WMF ", 221, "wmf", kPaper}, {}};
 const DeviceFamily kWmf = {.name = "WMF", .keys = kWmfKeys, .lo = 221, .hi = 221,
-                            .kind = QQ_KIND_FILE, .file = QQ_FILE_OWN, .viewer = "koldrv"};
+                            .kind = QQ_KIND_FILE, .file = QQ_FILE_OWN, .viewer = "koldrv",
+                            .densehatch = 0.39999f};
 
 const DeviceKey kEmfKeys[] = {
     {"EMF ", 231, "emf", QQ_CLR_KEEP_REVERSED | QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK}, {}};
