@@ -17,7 +17,7 @@
 #include "plots/style_state.h"
 #include "plots/curve_state.h"
 #include "raster/canvas_state.h"
-#include "raster/colour_state.h"
+#include "colour/colour_state.h"
 #include "text/text_state.h"
 #include "text/number_state.h"
 #include "axes/axes_state.h"
