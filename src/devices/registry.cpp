@@ -7,6 +7,7 @@ extern const DriverOps kxdrv_raster;
 extern const DriverOps kxdrv_java;
 extern const DriverOps kxdrv_svg;
 extern const DriverOps kxdrv_ipe;
+extern const DriverOps kxdrv_pdf;
 
 namespace {
 
@@ -17,6 +18,7 @@ struct Family {
 
 const Family kFamilies[] = {
     {201, 201, &kxdrv_plogfl},
+    {511, 511, &kxdrv_pdf},
     {601, 607, &kxdrv_raster},
     {701, 701, &kxdrv_java},
     {801, 801, &kxdrv_svg},

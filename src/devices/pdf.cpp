@@ -1,0 +1,1073 @@
+// The PDF driver (device 511): a PDF 1.3 document written object by object.
+//
+// Positions are points, y upward: (sX, s(nyp − Y)), or (sY, sX) on a
+// landscape page, which is then shown turned by "/Rotate 90".  Lines are
+// paths of "m" and "l" that stay open until something else is written
+// ("S" then strokes them); colours set fill and stroke together; the clip
+// rectangle lives in one "q" ... "Q"; hardware characters name the
+// standard fonts, never embedded; images become RGB image objects.  At the
+// close come the page tree, the bookmarks, the catalog, the info object,
+// the cross-reference table and the trailer.
+//
+// The document goes to a file, written under a temporary name and renamed
+// when complete, or to memory for pdfbuf.  The writer (devices/pdf_doc.h)
+// makes both the same bytes.
+#include <atomic>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <unistd.h>
+
+#include "core/glbblk.h"
+#include "core/guard.h"
+#include "core/keywords.h"
+#include "core/session.h"
+#include "core/subsystems.h"
+#include "core/warnings.h"
+#include "devices/device.h"
+#include "devices/pdf_doc.h"
+#include "devices/vector.h"
+#include "kolvex.h"
+#include "raster/colour.h"
+
+namespace {
+
+// The standard fonts by index, as the hardware font routines number them.
+const char *const kFontNames[35] = {
+    "Times-Roman",           "Times-Bold",
+    "Times-Italic",          "Times-BoldItalic",
+    "Helvetica",             "Helvetica-Bold",
+    "Helvetica-Oblique",     "Helvetica-BoldOblique",
+    "Helvetica-Narrow",      "Helvetica-Narrow-Bold",
+    "Helvetica-Narrow-Oblique", "Helvetica-Narrow-BoldOblique",
+    "NewCenturySchlbk-Roman", "NewCenturySchlbk-Italic",
+    "NewCenturySchlbk-Bold", "NewCenturySchlbk-BoldItalic",
+    "ZapfChancery-MediumItalic", "ZapfDingbats",
+    "Courier",               "Courier-Bold",
+    "Courier-Oblique",       "Courier-BoldOblique",
+    "AvantGarde-Book",       "AvantGarde-Demi",
+    "AvantGarde-BookOblique", "AvantGarde-DemiOblique",
+    "Bookman-Light",         "Bookman-LightItalic",
+    "Bookman-Demi",          "Bookman-DemiItalic",
+    "Palatino-Roman",        "Palatino-Italic",
+    "Palatino-Bold",         "Palatino-BoldItalic",
+    "Symbol",
+};
+const int kZapfDingbats = 17, kSymbol = 34;
+
+// Operation codes of the driver; the ones that end an open text object or
+// an open path before they act.
+enum {
+    OP_CLOSE = 1, OP_DRAW = 2, OP_MOVE = 3, OP_PAGE = 4, OP_FILL = 5, OP_WIDTH = 6, OP_JOIN = 7,
+    OP_CAP = 8, OP_MITER = 9, OP_IMAGE = 10, OP_IMAGE_END = 11, OP_CLIP = 18,
+};
+
+const float kDot = 0.354f;  // half of the dash that shows a point
+
+PdfRecord *rec(glbblk *b) { return b->pdf.rec; }
+
+void put(PdfRecord *p, const char *from, const char *to) { pdfw_put(p, from, (size_t)(to - from)); }
+
+// What every operation does first: an open text object ends, and an open
+// path is stroked unless the operation goes on with it.
+void before(PdfRecord *p, int code) {
+    if (p->intext) {
+        pdfw_str(p, "ET\n");
+        p->intext = 0;
+    }
+    if (p->pathopen && code != OP_DRAW && code != OP_FILL) {
+        pdfw_str(p, "S\n");
+        p->pathopen = 0;
+        p->penmode = 3;
+    }
+}
+
+// Plot position to points.
+void to_points(glbblk *b, double x, double y, double *px, double *py) {
+    double s = b->sess.devscl;
+    if (rec(b)->landscape) {
+        *px = s * y;
+        *py = s * x;
+    } else {
+        *px = s * x;
+        *py = s * (b->core.nyp - y);
+    }
+}
+
+// One part of a colour: "0 ", "1 " or v / 255 with three decimals in five
+// columns.
+char *colour_part(char *at, int v) {
+    if (v <= 0) return pdfw_txt(at, "0 ");
+    if (v >= 255) return pdfw_txt(at, "1 ");
+    char num[16];
+    char *e = pdfw_fix(num, v / 255.0, 3);
+    for (int pad = 5 - (int)(e - num); pad > 0; --pad) *at++ = ' ';
+    for (char *q = num; q < e; ++q) *at++ = *q;
+    *at++ = ' ';
+    return at;
+}
+
+char *colour_text(char *at, const int rgb[3], const char *op) {
+    for (int i = 0; i < 3; ++i) at = colour_part(at, rgb[i]);
+    return pdfw_txt(at, op);
+}
+
+void write_fill(PdfRecord *p, const int rgb[3]) {
+    char line[64];
+    put(p, line, colour_text(line, rgb, "rg\n"));
+    for (int i = 0; i < 3; ++i) p->fillrgb[i] = rgb[i];
+}
+
+void write_stroke(PdfRecord *p, const int rgb[3]) {
+    char line[64];
+    put(p, line, colour_text(line, rgb, "RG\n"));
+    for (int i = 0; i < 3; ++i) p->strkrgb[i] = rgb[i];
+}
+
+bool same(const int a[3], const int b[3]) { return a[0] == b[0] && a[1] == b[1] && a[2] == b[2]; }
+
+// Fills and text take the current colour; a filled rectangle of another
+// colour may have changed the fill colour since.
+void fill_as_stroke(PdfRecord *p) {
+    if (p->strkrgb[0] >= 0 && !same(p->fillrgb, p->strkrgb)) write_fill(p, p->strkrgb);
+}
+
+void write_width(PdfRecord *p, double w) {
+    char line[48];
+    put(p, line, pdfw_txt(pdfw_fix(line, w, 3), " w\n"));
+    p->linew = w;
+}
+
+void write_int_op(PdfRecord *p, int v, const char *op) {
+    char line[32];
+    put(p, line, pdfw_txt(pdfw_int(line, v), op));
+}
+
+void write_miter(PdfRecord *p, double m) {
+    char line[48];
+    put(p, line, pdfw_txt(pdfw_fix(line, m, 3), " M\n"));
+    p->miter = m;
+}
+
+// The path operations, positions in points as single precision values.
+void path_move(PdfRecord *p, float x, float y) {
+    before(p, OP_MOVE);
+    p->penx = x;
+    p->peny = y;
+    p->penmode = 3;
+}
+
+void path_draw(PdfRecord *p, float x, float y) {
+    before(p, OP_DRAW);
+    float d = 0;
+    if (x == p->penx && y == p->peny) {
+        if (p->penmode == 2) return;
+        d = kDot;  // a point after a move shows as a short dash
+    }
+    char line[96];
+    char *e = line;
+    if (p->penmode == 3) {
+        e = pdfw_fix(e, (double)(p->penx - d), 2);
+        *e++ = ' ';
+        e = pdfw_txt(pdfw_fix(e, (double)p->peny, 2), " m\n");
+    }
+    e = pdfw_fix(e, (double)(x + d), 2);
+    *e++ = ' ';
+    e = pdfw_txt(pdfw_fix(e, (double)y, 2), " l\n");
+    put(p, line, e);
+    p->pathopen = 1;
+    p->penmode = 2;
+    p->penx = x;
+    p->peny = y;
+}
+
+// A filled rectangle in points: a size below 0.01 still shows as a
+// stripe of 0.708 points.
+void rect_fill(PdfRecord *p, double x, double y, double w, double h) {
+    if (w < 0.01) {
+        w = 0.708;
+        x -= 0.354;
+    }
+    if (h < 0.01) {
+        h = 0.708;
+        y -= 0.354;
+    }
+    char line[128];
+    char *e = pdfw_fix(line, x, 2);
+    *e++ = ' ';
+    e = pdfw_fix(e, y, 2);
+    *e++ = ' ';
+    e = pdfw_fix(e, w, 2);
+    *e++ = ' ';
+    e = pdfw_txt(pdfw_fix(e, h, 2), " re\nf\n");
+    put(p, line, e);
+}
+
+// The black sheet of a dark background, over the whole page.
+void page_background(glbblk *b, PdfRecord *p) {
+    if (b->sess.bgmode == 2) return;
+    const int black[3] = {0, 0, 0};
+    write_fill(p, black);
+    double s = b->sess.devscl;
+    double w = p->landscape ? b->core.nyp : b->core.nxp;
+    double h = p->landscape ? b->core.nxp : b->core.nyp;
+    rect_fill(p, 0, 0, w * s, h * s);
+}
+
+// ---- clipping --------------------------------------------------------------------------
+
+void clip_open(PdfRecord *p) {
+    pdfw_str(p, "q\n");
+    for (int i = 0; i < 3; ++i) {
+        p->qfill[i] = p->fillrgb[i];
+        p->qstrk[i] = p->strkrgb[i];
+    }
+    p->qlinew = p->linew;
+    p->qcap = p->cap;
+    p->qjoin = p->join;
+    p->qmiter = p->miter;
+    char line[160];
+    const float *c = p->clp;
+    const float xs[4] = {c[0], c[2], c[2], c[0]}, ys[4] = {c[1], c[1], c[3], c[3]};
+    char *e = line;
+    for (int i = 0; i < 4; ++i) {
+        e = pdfw_fix(e, xs[i], 2);
+        *e++ = ' ';
+        e = pdfw_fix(e, ys[i], 2);
+        e = pdfw_txt(e, i == 0 ? " m " : " l ");
+    }
+    put(p, line, pdfw_txt(e, "h W n\n"));
+    p->clipon = 1;
+}
+
+// "Q" takes back the state of the "q": what has changed since is written
+// again, the stroke colour always when restroke is set.
+void clip_close(PdfRecord *p, bool restroke) {
+    if (!p->clipon) return;
+    pdfw_str(p, "Q\n");
+    p->clipon = 0;
+    int fill[3], strk[3];
+    for (int i = 0; i < 3; ++i) {
+        fill[i] = p->fillrgb[i];
+        strk[i] = p->strkrgb[i];
+        p->fillrgb[i] = p->qfill[i];
+        p->strkrgb[i] = p->qstrk[i];
+    }
+    if (strk[0] >= 0 && (restroke || !same(strk, p->qstrk))) write_stroke(p, strk);
+    if (fill[0] >= 0 && !same(fill, p->qfill)) write_fill(p, fill);
+    if (p->linew != p->qlinew) write_width(p, p->linew);
+    if (p->cap != p->qcap) write_int_op(p, p->cap, " J\n");
+    if (p->join != p->qjoin) write_int_op(p, p->join, " j\n");
+    if (p->miter != p->qmiter && p->miter > 0) write_miter(p, p->miter);
+}
+
+// ---- pages -----------------------------------------------------------------------------
+
+// The font objects that this page used first, then the page object.
+void end_page(PdfRecord *p) {
+    pdfw_content_end(p);
+    char line[128];
+    for (int f = 0; f < 35; ++f) {
+        if (p->fontuse[f] != 1) continue;
+        pdfw_object(p, PDF_FONT + f);
+        char *e = pdfw_txt(line, "<< /Type /Font\n/Subtype /Type1\n/BaseFont /");
+        e = pdfw_txt(pdfw_txt(e, kFontNames[f]), "\n");
+        if (f != kSymbol && f != kZapfDingbats) e = pdfw_txt(e, "/Encoding /WinAnsiEncoding\n");
+        put(p, line, pdfw_txt(e, ">>\nendobj\n"));
+        p->fontuse[f] = 2;
+    }
+    int last = p->objnext;  // the objects so far, this page's own included
+    bool image = false;
+    for (int i = p->pagefirst; i < last && i < p->objcap; ++i) image |= p->objtype[i] == PDF_IMAGE;
+
+    pdfw_object(p, PDF_PAGE);
+    char *e = pdfw_txt(line, "<<\n/Type /Page\n/MediaBox [0 0 ");
+    e = pdfw_int(e, p->mediaw);
+    *e++ = ' ';
+    e = pdfw_txt(pdfw_int(e, p->mediah), "]\n/Parent 2 0 R\n");
+    if (p->rotate) e = pdfw_txt(e, "/Rotate 90\n");
+    put(p, line, e);
+    if (p->anyfont) {
+        pdfw_str(p, image ? "/Resources << /ProcSet [/PDF /Text /ImageC]\n" : "/Resources << /ProcSet [/PDF /Text]\n");
+        pdfw_str(p, "/Font <<\n");
+        for (int i = 1; i < last && i < p->objcap; ++i) {
+            if (p->objtype[i] < PDF_FONT) continue;
+            e = pdfw_txt(pdfw_int(pdfw_txt(line, "/F"), p->objtype[i] - PDF_FONT + 1), " ");
+            put(p, line, pdfw_txt(pdfw_int(e, i), " 0 R\n"));
+        }
+        pdfw_str(p, ">>\n");
+    } else {
+        pdfw_str(p, image ? "/Resources << /ProcSet [/PDF /ImageC]\n" : "/Resources << /ProcSet [/PDF]\n");
+    }
+    if (image) {
+        pdfw_str(p, "/XObject <<\n");
+        int number = 0;
+        for (int i = 1; i < last && i < p->objcap; ++i) {
+            if (p->objtype[i] != PDF_IMAGE) continue;
+            ++number;
+            if (i < p->pagefirst) continue;
+            e = pdfw_txt(pdfw_int(pdfw_txt(line, "/Image"), number), " ");
+            put(p, line, pdfw_txt(pdfw_int(e, i), " 0 R\n"));
+        }
+        pdfw_str(p, ">>\n");
+    }
+    pdfw_str(p, ">>\n");
+    if (p->pagecont == 1) {
+        put(p, line, pdfw_txt(pdfw_int(pdfw_txt(line, "/Contents "), p->contlast), " 0 R\n"));
+    } else {
+        pdfw_str(p, "/Contents [\n");
+        for (int i = p->pagefirst; i < last && i < p->objcap; ++i)
+            if (p->objtype[i] == PDF_CONTENT) put(p, line, pdfw_txt(pdfw_int(line, i), " 0 R\n"));
+        pdfw_str(p, "]\n");
+    }
+    pdfw_str(p, ">>\nendobj\n");
+}
+
+// ---- the end of the document ---------------------------------------------------------
+
+// The moment of creation as year, month, day, hour, minute, second: the
+// local time, or SOURCE_DATE_EPOCH in UTC when it holds an integer, so
+// that identical programs give identical files.
+void creation_time(int t[6]) {
+    const char *env = std::getenv("SOURCE_DATE_EPOCH");
+    if (env && *env) {
+        char *end = nullptr;
+        long long v = std::strtoll(env, &end, 10);
+        if (end && *end == '\0') {
+            std::time_t when = (std::time_t)v;
+            std::tm tmv;
+            std::memset(&tmv, 0, sizeof tmv);
+            if (gmtime_r(&when, &tmv)) {
+                t[0] = tmv.tm_year + 1900;
+                t[1] = tmv.tm_mon + 1;
+                t[2] = tmv.tm_mday;
+                t[3] = tmv.tm_hour;
+                t[4] = tmv.tm_min;
+                t[5] = tmv.tm_sec % 60;
+                return;
+            }
+        }
+    }
+    qqvtime(t);
+}
+
+char *two_digits(char *at, int v) {
+    *at++ = (char)('0' + v / 10 % 10);
+    *at++ = (char)('0' + v % 10);
+    return at;
+}
+
+// The object numbers of the pages, in order; count in *n.  Null without
+// memory.
+int *page_objects(PdfRecord *p, int *n) {
+    *n = 0;
+    for (int i = 1; i < p->objnext && i < p->objcap; ++i) *n += p->objtype[i] == PDF_PAGE;
+    int *pages = static_cast<int *>(qqpdfrealloc(nullptr, (size_t)(*n > 0 ? *n : 1) * sizeof(int)));
+    if (!pages) return nullptr;
+    int k = 0;
+    for (int i = 1; i < p->objnext && i < p->objcap; ++i)
+        if (p->objtype[i] == PDF_PAGE) pages[k++] = i;
+    return pages;
+}
+
+void write_ref(PdfRecord *p, const char *key, long long number, const char *tail) {
+    char line[64];
+    put(p, line, pdfw_txt(pdfw_int(pdfw_txt(line, key), number), tail));
+}
+
+// A title as it stands when its parentheses balance; otherwise, and with a
+// backslash, the three special characters escaped, so that the string
+// always ends where it should.
+void write_title(PdfRecord *p, const char *title) {
+    int depth = 0;
+    bool plain = true;
+    for (const char *c = title; *c && plain; ++c) {
+        if (*c == '(') ++depth;
+        if (*c == ')' && --depth < 0) plain = false;
+        if (*c == '\\') plain = false;
+    }
+    if (plain && depth == 0) {
+        pdfw_str(p, title);
+        return;
+    }
+    for (const char *c = title; *c; ++c) {
+        if (*c == '(' || *c == ')' || *c == '\\') pdfw_put(p, "\\", 1);
+        pdfw_put(p, c, 1);
+    }
+}
+
+// The outline tree of the bookmarks: a root and one item per mark, each
+// item's parent the last earlier mark of a lower level.  Returns the root's
+// number, 0 without marks or memory.
+int write_outlines(PdfRecord *p, const int *pages, int npages) {
+    int n = p->nmarks;
+    if (n == 0) return 0;
+    size_t bytes = (size_t)n * 4 * sizeof(int);
+    int *work = static_cast<int *>(qqpdfrealloc(nullptr, bytes));
+    if (!work) return 0;
+    int *parent = work, *prev = work + n, *lastchild = work + 2 * n, *count = work + 3 * n;
+    int lastat[5] = {-1, -1, -1, -1, -1};
+    for (int i = 0; i < n; ++i) {
+        int L = p->marks[i].level;
+        int par = -1;
+        for (int l = 0; l < L; ++l)
+            if (lastat[l] > par) par = lastat[l];
+        parent[i] = par;
+        prev[i] = lastat[L] > par ? lastat[L] : -1;
+        lastat[L] = i;
+        for (int l = L + 1; l < 5; ++l) lastat[l] = -1;
+        lastchild[i] = -1;
+        count[i] = 0;
+    }
+    for (int i = 0; i < n; ++i)
+        if (parent[i] >= 0) lastchild[parent[i]] = i;
+    for (int i = n - 1; i >= 0; --i)
+        if (parent[i] >= 0) count[parent[i]] += 1 + count[i];
+    int lasttop = 0;
+    for (int i = 0; i < n; ++i)
+        if (parent[i] < 0) lasttop = i;
+
+    int root = pdfw_object(p, PDF_OUTLINE);
+    pdfw_str(p, "<< /Type /Outlines\n");
+    write_ref(p, "   /First ", root + 1, " 0 R\n");
+    write_ref(p, "   /Last ", root + 1 + lasttop, " 0 R\n");
+    write_ref(p, "   /Count ", n, "\n");
+    pdfw_str(p, ">>\nendobj\n");
+    for (int i = 0; i < n; ++i) {
+        int self = pdfw_object(p, PDF_OUTLINE);
+        pdfw_str(p, "<< /Title (");
+        write_title(p, p->marks[i].title);
+        pdfw_str(p, ")\n");
+        write_ref(p, "   /Parent ", parent[i] >= 0 ? root + 1 + parent[i] : root, " 0 R\n");
+        if (prev[i] >= 0) write_ref(p, "   /Prev ", root + 1 + prev[i], " 0 R\n");
+        for (int j = i + 1; j < n; ++j) {
+            if (p->marks[j].level < p->marks[i].level) break;
+            if (prev[j] == i) {
+                write_ref(p, "   /Next ", root + 1 + j, " 0 R\n");
+                break;
+            }
+        }
+        if (count[i] > 0) {
+            write_ref(p, "   /First ", self + 1, " 0 R\n");
+            write_ref(p, "   /Last ", root + 1 + lastchild[i], " 0 R\n");
+            write_ref(p, "   /Count ", count[i], "\n");
+        }
+        int page = p->marks[i].page;
+        if (page > npages) page = npages;
+        char line[96];
+        char *e = pdfw_int(pdfw_txt(line, "   /Dest ["), page >= 1 ? pages[page - 1] : 3);
+        e = pdfw_int(pdfw_txt(e, " 0 R /XYZ 0 "), p->mediah);
+        put(p, line, pdfw_txt(e, " 0]\n>>\nendobj\n"));
+    }
+    std::free(work);
+    return root;
+}
+
+// Page tree, bookmarks, catalog, info, cross-reference table and trailer.
+void write_end(PdfRecord *p) {
+    int npages = 0;
+    int *pages = page_objects(p, &npages);
+    if (!pages) {
+        p->nomem = 1;
+        return;
+    }
+    pdfw_fixed_object(p, 2);
+    pdfw_str(p, "<< /Type /Pages /Kids [\n");
+    for (int i = 0; i < npages; ++i) write_ref(p, "", pages[i], " 0 R\n");
+    write_ref(p, "] /Count ", npages, "\n");
+    pdfw_str(p, ">>\nendobj\n");
+
+    int outlines = write_outlines(p, pages, npages);
+    if (p->nmarks > 0 && outlines == 0) p->nomem = 1;
+    std::free(pages);
+
+    pdfw_fixed_object(p, 1);
+    pdfw_str(p, "<< /Type /Catalog /Pages 2 0 R\n");
+    if (outlines) {
+        write_ref(p, "   /Outlines ", outlines, " 0 R\n");
+        pdfw_str(p, "   /PageMode /UseOutlines\n");
+    }
+    pdfw_str(p, ">>\nendobj\n");
+
+    int info = pdfw_object(p, PDF_PLAIN);
+    int t[6];
+    creation_time(t);
+    char line[128];
+    char *e = pdfw_int(pdfw_txt(line, "<< /CreationDate (D:"), t[0]);
+    for (int i = 1; i < 6; ++i) e = two_digits(e, t[i]);
+    put(p, line, pdfw_txt(e, ")\n/Producer (KOLVEX 10.5)\n>>\nendobj\n"));
+
+    long long xref = p->pdfpos;
+    write_ref(p, "xref\n0 ", p->objnext, "\n0000000000 65535 f \n");
+    for (int i = 1; i < p->objnext && i < p->objcap; ++i) {
+        char entry[24];
+        std::snprintf(entry, sizeof entry, "%010lld 00000 n \n", p->objpos[i]);
+        pdfw_put(p, entry, 20);
+    }
+    e = pdfw_int(pdfw_txt(line, "trailer\n<< /Size "), p->objnext);
+    e = pdfw_int(pdfw_txt(e, " /Root 1 0 R /Info "), info);
+    e = pdfw_int(pdfw_txt(e, " 0 R\n>>\nstartxref\n"), xref);
+    put(p, line, pdfw_txt(e, "\n%%EOF\n"));
+}
+
+// ---- the file ---------------------------------------------------------------------------
+
+std::atomic<unsigned> g_tmpcount{0};
+
+// The session's file, by the name rule, under a temporary name beside it.
+// With filmod DELE the old file stays until the new one is complete.
+int open_file(glbblk *b, PdfRecord *p) {
+    SessionState &s = b->sess;
+    qqlock(0);
+    int w = s.fmode == 1 ? 0 : qqvers(b, s.fname);
+    FILE *fp = nullptr;
+    if (w == 0) {
+        for (int tries = 0; tries < 100 && !fp; ++tries) {
+            std::snprintf(p->tmpname, sizeof p->tmpname, "%s.%ld-%u.tmp", s.fname, (long)getpid(),
+                          g_tmpcount.fetch_add(1));
+            fp = std::fopen(p->tmpname, "wbx");
+            if (!fp && access(p->tmpname, F_OK) != 0) break;  // not a clash: the place is not writable
+        }
+    }
+    qqlock(1);
+    if (w != 0) {
+        qqwar0(b, w);
+        return w;
+    }
+    if (!fp) {
+        p->tmpname[0] = '\0';
+        qqwar0(b, 36);
+        return 36;
+    }
+    std::snprintf(p->finalname, sizeof p->finalname, "%s", s.fname);
+    p->sink.fp = fp;
+    return 0;
+}
+
+// Ends the file: renamed to its name when every byte was written, removed
+// otherwise.  Returns 1 when the file stands.
+int finish_file(glbblk *b, PdfRecord *p) {
+    FILE *fp = p->sink.fp;
+    p->sink.fp = nullptr;
+    bool ok = fp && std::fflush(fp) == 0 && !std::ferror(fp) && !p->sink.ioerr;
+    if (fp && std::fclose(fp) != 0) ok = false;
+    if (ok && !p->nomem && std::rename(p->tmpname, p->finalname) == 0) {
+        p->tmpname[0] = '\0';
+        return 1;
+    }
+    std::remove(p->tmpname);
+    p->tmpname[0] = '\0';
+    qqwar0(b, p->nomem ? 53 : 36);
+    return 0;
+}
+
+void drop_record(glbblk *b) {
+    PdfRecord *p = b->pdf.rec;
+    if (!p) return;
+    if (p->sink.fp) {
+        std::fclose(p->sink.fp);
+        p->sink.fp = nullptr;
+    }
+    if (p->tmpname[0]) std::remove(p->tmpname);
+    pdfw_free(p);
+    std::free(p);
+    b->pdf.rec = nullptr;
+}
+
+void drop_output(glbblk *b) {
+    std::free(b->pdf.out);
+    b->pdf.out = nullptr;
+    b->pdf.outlen = 0;
+    b->pdf.outfail = 0;
+}
+
+// A block that goes away, in the middle of a session or not, keeps nothing
+// and leaves no file under its final name.
+void pdf_release(glbblk *b) {
+    drop_record(b);
+    drop_output(b);
+}
+
+// ---- driver operations ------------------------------------------------------------------
+
+int pdf_open(glbblk *b) {
+    drop_record(b);
+    drop_output(b);
+    SessionState &s = b->sess;
+    CoreState &c = b->core;
+    PdfRecord *p = static_cast<PdfRecord *>(std::calloc(1, sizeof(PdfRecord)));
+    if (!p) {
+        qqwar0(b, 53);
+        return 53;
+    }
+    b->pdf.rec = p;
+    int err = b->opt.pdfbuff ? pdfw_sink_memory(p) : open_file(b, p);
+    if (err == 0) {
+        p->objpos = static_cast<long long *>(qqpdfrealloc(nullptr, 100 * sizeof(long long)));
+        p->objtype = static_cast<unsigned char *>(qqpdfrealloc(nullptr, 100));
+        if (p->objpos && p->objtype)
+            p->objcap = 100;
+        else
+            err = 53;
+        if (err) qqwar0(b, 53);
+    } else if (err == 53) {
+        qqwar0(b, 53);
+    }
+    if (err) {
+        drop_record(b);
+        return err;
+    }
+    std::memset(p->objtype, 0, 100);
+    p->objpos[0] = 0;
+    p->objnext = 3;
+    p->pagefirst = 1;
+    p->pageno = 1;
+    p->penmode = 3;
+    p->compress = b->opt.pdfcomp ? 1 : 0;
+    for (int i = 0; i < 3; ++i) p->fillrgb[i] = p->strkrgb[i] = -1;
+
+    // The page and the scale: points, the paper of the PostScript devices.
+    double p1 = 3900, p2 = 5600;
+    if (s.hwsflg) {
+        p1 = 2.0 * s.hwsiz[0];
+        p2 = 2.0 * s.hwsiz[1];
+    }
+    p1 = p1 * 72.0 / 508.0;
+    p2 = p2 * 72.0 / 508.0;
+    int nxp = c.nxp > 0 ? c.nxp : 1, nyp = c.nyp > 0 ? c.nyp : 1;
+    p->landscape = c.nxp > c.nyp && s.pagrot != 2;
+    double sc = p->landscape ? std::fmin(p2 / nxp, p1 / nyp) : std::fmin(p1 / nxp, p2 / nyp);
+    if (s.sclm == 0) sc = std::fmin(sc, c.unitf * s.sclf * 72.0 / 254.0);
+    s.devscl = sc;
+    s.colbits = 24;
+    double W = p->landscape ? c.nyp : c.nxp, H = p->landscape ? c.nxp : c.nyp;
+    p->rotate = p->landscape;
+    p->mediaw = (int)(W * sc + 1.0);
+    p->mediah = (int)(H * sc + 1.0);
+
+    pdfw_str(p, "%PDF-1.3\n");
+    pdfw_content_start(p);
+    pdfw_str(p, "0.709 w\n2 J\n2 j\n");
+    p->linew = 0.709;
+    p->cap = p->join = 2;
+    p->miter = 0;  // the format's default stands until lnmlt
+    page_background(b, p);
+    return 0;
+}
+
+void pdf_line(glbblk *b, double x, double y, int op) {
+    PdfRecord *p = rec(b);
+    if (!p || op == QQ_ENDPATH) return;  // the path stays open for what follows
+    double px, py;
+    to_points(b, x, y, &px, &py);
+    if (op == QQ_DRAW)
+        path_draw(p, (float)px, (float)py);
+    else
+        path_move(p, (float)px, (float)py);
+}
+
+void pdf_colour(glbblk *b, int, int r, int g, int bl, int) {
+    PdfRecord *p = rec(b);
+    if (!p) return;
+    before(p, 0);
+    const int rgb[3] = {r, g, bl};
+    write_fill(p, rgb);
+    write_stroke(p, rgb);
+}
+
+// Width in points: five device units of the PostScript scale for the
+// thinnest line, else two per plot coordinate.
+int pdf_width(glbblk *b, double n, int fractional) {
+    PdfRecord *p = rec(b);
+    if (!p) return 0;
+    double sclf = b->sess.sclf, w;
+    if (n <= 0)
+        w = 5.0 * sclf;
+    else if (fractional && n < 0.99)
+        w = 5.0 * n * sclf;
+    else
+        w = std::fmax(5.0, 2.0 * n) * sclf;
+    before(p, OP_WIDTH);
+    write_width(p, w * 0.5 * 72.0 / 254.0);
+    return n > 0 ? 1 : 0;
+}
+
+void pdf_linestyle(glbblk *b) {
+    PdfRecord *p = rec(b);
+    if (!p) return;
+    const DeviceState &d = b->dev;
+    if (d.lnjn != p->join) {
+        before(p, OP_JOIN);
+        write_int_op(p, d.lnjn, " j\n");
+        p->join = d.lnjn;
+    }
+    if (d.lncp != p->cap) {
+        before(p, OP_CAP);
+        write_int_op(p, d.lncp, " J\n");
+        p->cap = d.lncp;
+    }
+    if (d.lnml != p->miter) {
+        before(p, OP_MITER);
+        write_miter(p, d.lnml);
+    }
+}
+
+void pdf_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
+    PdfRecord *p = rec(b);
+    if (!p) return;
+    before(p, OP_CLIP);
+    if (reset) {
+        clip_close(p, false);
+        return;
+    }
+    double ax, ay, bx, by;
+    to_points(b, x1, y2, &ax, &ay);
+    to_points(b, x2, y1, &bx, &by);
+    p->clp[0] = (float)std::fmin(ax, bx);
+    p->clp[1] = (float)std::fmin(ay, by);
+    p->clp[2] = (float)std::fmax(ax, bx);
+    p->clp[3] = (float)std::fmax(ay, by);
+    clip_close(p, true);
+    clip_open(p);
+}
+
+int pdf_fill(glbblk *b, const double *x, const double *y, int n) {
+    PdfRecord *p = rec(b);
+    if (!p || n < 1) return 0;
+    // A round clip region is the layer's: it hatches what crosses it.
+    if (b->dev.clpcir && !qqvinside(b, x, y, n)) return 0;
+    before(p, OP_FILL);
+    fill_as_stroke(p);
+    for (int i = 0; i < n; ++i) {
+        double px, py;
+        to_points(b, x[i], y[i], &px, &py);
+        if (i == 0)
+            path_move(p, (float)px, (float)py);
+        else
+            path_draw(p, (float)px, (float)py);
+    }
+    before(p, OP_FILL);
+    pdfw_str(p, "h\nf*\n");
+    return 1;
+}
+
+void pdf_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+    PdfRecord *p = rec(b);
+    if (!p) return;
+    before(p, 0);
+    int rgb[3];
+    qqclrrgb(b, colour, &rgb[0], &rgb[1], &rgb[2]);
+    write_fill(p, rgb);
+    double ax, ay, bx, by;
+    to_points(b, x1, y1, &ax, &ay);
+    to_points(b, x2, y2, &bx, &by);
+    rect_fill(p, std::fmin(ax, bx), std::fmin(ay, by), std::fabs(bx - ax), std::fabs(by - ay));
+}
+
+void pdf_new_page(glbblk *b) {
+    PdfRecord *p = rec(b);
+    if (!p) return;
+    before(p, OP_PAGE);
+    bool clip = p->clipon;
+    if (clip) {
+        pdfw_str(p, "Q\n");
+        p->clipon = 0;
+    }
+    end_page(p);
+    p->pagefirst = p->objnext;
+    p->pagecont = 0;
+    p->pageno++;
+    pdfw_content_start(p);
+    page_background(b, p);
+    write_int_op(p, p->join, " j\n");
+    write_int_op(p, p->cap, " J\n");
+    write_width(p, p->linew);
+    if (p->miter > 0) write_miter(p, p->miter);
+    if (p->strkrgb[0] >= 0) {
+        int rgb[3] = {p->strkrgb[0], p->strkrgb[1], p->strkrgb[2]};
+        write_fill(p, rgb);
+        write_stroke(p, rgb);
+    }
+    // The clip window of the layer holds on the new sheet too.
+    if (clip) clip_open(p);
+}
+
+// The picture of image mode, from the canvas, as an RGB image object
+// placed on the page.
+void pdf_image(glbblk *b) {
+    PdfRecord *p = rec(b);
+    const qqcanvas &cv = b->cnv.cv;
+    if (!p || !cv.pix || cv.cw < 1 || cv.ch < 1) return;
+    before(p, OP_IMAGE);
+    p->imgmask = b->cnv.imgtran != -1;
+    pdfw_content_end(p);
+    p->imgw = cv.cw;
+    p->imgh = cv.ch;
+    p->imgcount++;
+    pdfw_object(p, PDF_IMAGE);
+    pdfw_str(p, "<< /Type /XObject /Subtype /Image\n   /ColorSpace /DeviceRGB\n");
+    if (p->imgmask) pdfw_str(p, "   /Mask [255 255 255 255 255 255]\n");
+    char line[160];
+    char *e = pdfw_int(pdfw_txt(line, "   /Width "), p->imgw);
+    e = pdfw_int(pdfw_txt(e, " /Height "), p->imgh);
+    put(p, line, pdfw_txt(e, " /BitsPerComponent 8\n"));
+    pdfw_image_data(p);
+    // Rows from the top, three bytes a pixel, through one row buffer.
+    unsigned char *row = static_cast<unsigned char *>(qqpdfrealloc(nullptr, (size_t)3 * cv.cw));
+    for (int yy = 0; yy < cv.ch; ++yy) {
+        const unsigned char *src = cv.pix + (size_t)yy * cv.rowb;
+        if (!row) {
+            // Without a row buffer the size of the stream still holds.
+            static const unsigned char white[3] = {255, 255, 255};
+            for (int xx = 0; xx < cv.cw; ++xx) pdfw_put(p, reinterpret_cast<const char *>(white), 3);
+            continue;
+        }
+        for (int xx = 0; xx < cv.cw; ++xx) {
+            unsigned char *d = row + 3 * xx;
+            if (cv.rgbcnv) {
+                d[0] = src[4 * xx];
+                d[1] = src[4 * xx + 1];
+                d[2] = src[4 * xx + 2];
+            } else {
+                int v = src[xx];
+                d[0] = cv.tabr[v];
+                d[1] = cv.tabg[v];
+                d[2] = cv.tabb[v];
+            }
+        }
+        pdfw_put(p, reinterpret_cast<const char *>(row), (size_t)3 * cv.cw);
+    }
+    std::free(row);
+    pdfw_image_end(p);
+    pdfw_content_start(p);
+    pdfw_str(p, "q\n");
+
+    // The place: the box of imgbox, or the whole page.
+    const CanvasState &cs = b->cnv;
+    double x0 = 0, y0 = b->core.nyp, w = b->core.nxp + 1.0, h = b->core.nyp + 1.0;
+    if (cs.imgbflg) {
+        x0 = cs.imgbx[0];
+        y0 = (double)cs.imgbx[1] + cs.imgbx[3];
+        w = cs.imgbx[2];
+        h = cs.imgbx[3];
+    }
+    double px, py, s = b->sess.devscl;
+    to_points(b, x0, y0, &px, &py);
+    e = pdfw_fix(pdfw_txt(line, "1 0 0 1 "), px, 2);
+    *e++ = ' ';
+    put(p, line, pdfw_txt(pdfw_fix(e, py, 2), " cm\n"));
+    if (p->landscape) pdfw_str(p, "0 1 -1 0 0 0 cm\n");
+    e = pdfw_txt(pdfw_fix(line, w * s, 2), " 0 0 ");
+    e = pdfw_txt(pdfw_fix(e, h * s, 2), " 0 0 cm\n/Image");
+    put(p, line, pdfw_txt(pdfw_int(e, p->imgcount), " Do\nQ\n"));
+    p->imgmask = 0;
+}
+
+// One character of a standard font: the text object holds font and size,
+// each character gets its matrix and its string.
+int pdf_char(glbblk *b, const QQHwChar *c) {
+    PdfRecord *p = rec(b);
+    if (!p) return 0;
+    int f = c->font >= 0 && c->font < 35 ? c->font : 0;
+    double cap = c->capheight > 0 ? c->capheight : 718;
+    double s = b->sess.devscl;
+    double zv = c->height * s * 10.0 * (1000.0 / cap) + 0.5;
+    int z = zv > 0 && zv < 1e9 ? (int)zv : 0;
+    double x, y, px, py;
+    qqvplace(b, c, &x, &y);
+    int angle = c->angle;
+    if (p->landscape) {
+        px = s * y;
+        py = s * x;
+        angle += 90;
+    } else {
+        px = s * x;
+        py = s * (b->core.nyp - y);
+    }
+    if (p->pathopen) {
+        pdfw_str(p, "S\n");
+        p->pathopen = 0;
+        p->penmode = 3;
+    }
+    if (p->intext && (f != p->fontidx || z != p->fontsz)) {
+        pdfw_str(p, "ET\n");
+        p->intext = 0;
+    }
+    if (p->fontuse[f] == 0) p->fontuse[f] = 1;
+    p->anyfont = 1;
+    char line[160];
+    char *e;
+    if (!p->intext) {
+        fill_as_stroke(p);
+        e = pdfw_int(pdfw_txt(line, "BT\n/F"), f + 1);
+        *e++ = ' ';
+        e = pdfw_fix(e, (double)((float)z / 10.0f), 1);
+        // The width factor of the characters is 1: Tz 100.
+        put(p, line, pdfw_txt(e, " Tf\n100 Tz\n"));
+        p->intext = 1;
+        p->fontidx = f;
+        p->fontsz = z;
+    }
+    int a = ((angle % 360) + 360) % 360;
+    if (a == 0) {
+        e = pdfw_txt(line, "1 0 0 1 ");
+    } else if (a == 90) {
+        e = pdfw_txt(line, "0 1 -1 0 ");
+    } else {
+        double t = angle * b->core.xdegr, cs = std::cos(t), sn = std::sin(t);
+        e = pdfw_fix(line, cs, 2);
+        *e++ = ' ';
+        e = pdfw_fix(e, sn, 2);
+        *e++ = ' ';
+        e = pdfw_fix(e, -sn, 2);
+        *e++ = ' ';
+        e = pdfw_fix(e, cs, 2);
+        *e++ = ' ';
+    }
+    e = pdfw_fix(e, px, 2);
+    *e++ = ' ';
+    e = pdfw_txt(pdfw_fix(e, py, 2), " Tm\n(");
+    int code = c->code;
+    if (code >= 127 && code <= 186)
+        code = qqvlatin(code);
+    else if (code == 187)
+        code = 0xA9;  // the copyright sign
+    else if (code > 187 || code < 0)
+        code = ' ';
+    if (code == '(' || code == ')' || code == '\\' || code >= 127) {
+        *e++ = '\\';
+        e += std::snprintf(e, 8, "%o", code);
+    } else {
+        *e++ = (char)code;
+    }
+    put(p, line, pdfw_txt(e, ") Tj\n"));
+    return 1;
+}
+
+int pdf_close(glbblk *b) {
+    PdfRecord *p = rec(b);
+    if (!p) return 0;
+    before(p, OP_CLOSE);
+    if (p->clipon) {
+        pdfw_str(p, "Q\n");
+        p->clipon = 0;
+    }
+    end_page(p);
+    write_end(p);
+    int written = 0;
+    if (p->sink.memmode) {
+        // The document waits in memory for pdfbuf.
+        PdfState &st = b->pdf;
+        st.out = p->sink.mem;
+        st.outlen = (size_t)p->pdfpos;
+        st.outfail = p->sink.memfail || p->nomem;
+        p->sink.mem = nullptr;
+    } else {
+        written = finish_file(b, p);
+    }
+    drop_record(b);
+    return written;
+}
+
+}  // namespace
+
+extern const Subsystem kxsub_pdf = {"pdf", nullptr, nullptr, pdf_release, nullptr, nullptr};
+
+extern const DriverOps kxdrv_pdf = {
+    "PDF",
+    QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_CLIP | QQ_CAP_TEXT | QQ_CAP_IMAGE | QQ_CAP_DEEP,
+    pdf_open,
+    pdf_line,
+    pdf_colour,
+    nullptr,  // colour table: colours arrive as red, green, blue
+    pdf_width,
+    pdf_linestyle,
+    pdf_clip,
+    pdf_fill,
+    pdf_rect,
+    pdf_new_page,
+    nullptr,  // clear: a page once written stays
+    nullptr,  // update
+    pdf_close,
+    nullptr,  // marker: drawn with lines by the layer
+    pdf_image,
+    pdf_char,
+    nullptr,  // text style: a change of font or size ends the text object by itself
+};
+
+// ---- public routines --------------------------------------------------------------------
+
+int pdfbuf(unsigned char *cbuf, int nmax) noexcept {
+    glbblk *b = KX_ENTRY("pdfbuf");
+    if (!b) return 0;
+    if (b->core.devcod != 511) {
+        qqwar1(b, 127, "Output format is not PDF");
+        return 0;
+    }
+    if (!b->opt.pdfbuff) {
+        qqwar1(b, 128, "Buffer output is not enabled for PDF");
+        return 0;
+    }
+    PdfState &st = b->pdf;
+    int len = st.outlen > (size_t)INT_MAX ? INT_MAX : (int)st.outlen;
+    if (nmax == 0) return len;
+    if (st.outfail) {
+        qqwar0(b, 53);
+        return 0;
+    }
+    if (!st.out || st.outlen == 0) {
+        qqwar1(b, 129, "Internal PDF buffer is empty");
+        return 0;
+    }
+    if (nmax < 0 || st.outlen > (size_t)nmax || !cbuf) {
+        qqwar1(b, 130, "Buffer too small for PDF file");
+        return 0;
+    }
+    std::memcpy(cbuf, st.out, st.outlen);
+    drop_output(b);
+    return len;
+}
+
+void pdfmrk(const char *cstr, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("pdfmrk");
+    if (!b) return;
+    int k = qqkey(b, "CHAP+SECT+SUBS+PARA+SUBP", 5, copt);
+    if (k == 0) return;
+    PdfRecord *p = rec(b);
+    if (!p) return;  // only a PDF document has bookmarks
+    int level = k - 1;
+    for (int l = 0; l < level; ++l) {
+        bool found = false;
+        for (int i = 0; i < p->nmarks && !found; ++i) found = p->marks[i].level == l;
+        if (!found) {
+            qqwar1(b, 131, "Bad structure for bookmarks");
+            return;
+        }
+    }
+    if (p->nmarks == p->capmarks) {
+        if (p->capmarks > INT_MAX / 2 - 16) {
+            qqwar0(b, 53);
+            return;
+        }
+        int cap = p->capmarks * 2 + 16;
+        void *grown = qqpdfrealloc(p->marks, (size_t)cap * sizeof(PdfMark));
+        if (!grown) {
+            qqwar0(b, 53);
+            return;
+        }
+        p->marks = static_cast<PdfMark *>(grown);
+        p->capmarks = cap;
+    }
+    const char *title = cstr ? cstr : "";
+    size_t len = std::strlen(title);
+    char *copy = static_cast<char *>(qqpdfrealloc(nullptr, len + 1));
+    if (!copy) {
+        qqwar0(b, 53);
+        return;
+    }
+    std::memcpy(copy, title, len + 1);
+    p->marks[p->nmarks++] = PdfMark{level, p->pageno, copy};
+}
