@@ -447,7 +447,7 @@ void draw_page(const char *device, const std::string &file) {
 TEST(vector_test_page) {
     const char *dir = std::getenv("KOLVEX_PAGE_DIR");
     std::string base = std::string(dir ? dir : testkit::temp_dir().c_str()) + "/vector_test_page.";
-    for (const char *dev : {"SVG", "IPE", "JAVA", "PNG"}) {
+    for (const char *dev : {"SVG", "IPE", "JAVA", "PNG", "PDF"}) {
         std::string ext = dev;
         for (char &ch : ext) ch = (char)std::tolower((unsigned char)ch);
         draw_page(dev, base + ext);
