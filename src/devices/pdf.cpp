@@ -709,7 +709,9 @@ void pdf_linestyle(glbblk *b) {
         write_int_op(p, d.lncp, " J\n");
         p->cap = d.lncp;
     }
-    if (d.lnml != p->miter) {
+    // The miter limit matters only to sharp joins: it is written when
+    // they are in use.
+    if (d.lnjn == 0 && d.lnml != p->miter) {
         before(p, OP_MITER);
         write_miter(p, d.lnml);
     }
