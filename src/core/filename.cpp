@@ -4,6 +4,7 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -15,26 +16,7 @@ namespace {
 
 bool file_exists(const char *name) { return access(name, F_OK) == 0; }
 
-struct Extension {
-    int lo, hi;
-    const char *ext;
-};
-
-const Extension kExtensions[] = {
-    {201, 201, "met"}, {211, 211, "cgm"}, {221, 221, "wmf"}, {231, 231, "emf"},
-    {401, 405, "hpg"}, {501, 502, "psc"}, {503, 503, "eps"}, {504, 504, "ps"},
-    {511, 511, "pdf"}, {601, 601, "tif"}, {602, 602, "img"}, {604, 604, "png"},
-    {605, 605, "ppm"}, {606, 606, "bmp"}, {607, 607, "gif"}, {701, 701, "java"},
-    {801, 801, "svg"}, {802, 802, "ipe"},
-};
-
 }  // namespace
-
-const char *qqdevext(int devcod) noexcept {
-    for (const Extension &e : kExtensions)
-        if (devcod >= e.lo && devcod <= e.hi) return e.ext;
-    return nullptr;
-}
 
 int qqvers(glbblk *b, char *name) noexcept {
     if (!file_exists(name)) return 0;
@@ -129,7 +111,8 @@ FILE *qqopenw(glbblk *b, char *name, const char *mode) noexcept {
 
 int qqopenplot(glbblk *b) noexcept {
     SessionState &s = b->sess;
-    int dev = b->core.devcod;
+    const DeviceFamily *fam = b->core.fam;
+    const char *ext = qqfamkey(fam, b->core.devcod)->ext;
     if (s.fstate == 1) {
         qqscpy(s.fsave, s.fname, 256);
         s.fstate = 2;
@@ -137,22 +120,21 @@ int qqopenplot(glbblk *b) noexcept {
         qqscpy(s.fname, s.fsave, 256);
     } else {
         qqscpy(s.fname, "kolvex.", 256);
-        const char *ext = qqdevext(dev);
         if (ext) qqscat(s.fname, ext, 256);
     }
-    s.lnlen = 80;
+    // A code without an extension writes no file; some drivers open theirs.
+    s.lnlen = fam->lnlen;
     s.lnpos = 0;
-    if (dev == 603 || dev == 221 || dev == 231 || dev == 511) return 0;
-    bool raster = dev >= 601 && dev <= 700;
-    if (!raster) {
-        s.lnbuf = static_cast<char *>(std::calloc(82, 1));
+    if (!ext || (fam->file & QQ_FILE_OWN)) return 0;
+    if (fam->lnlen > 0) {
+        s.lnbuf = static_cast<char *>(std::calloc((size_t)fam->lnlen + 2, 1));
         if (!s.lnbuf) {
             qqwar0(b, 53);
             qqkolfail(b);
             return 53;
         }
     }
-    return qqopenf(b, (dev == 211 || raster) ? "wb" : "w");
+    return qqopenf(b, (fam->file & QQ_FILE_BINARY) ? "wb" : "w");
 }
 
 void setfil(const char *cfil) noexcept {

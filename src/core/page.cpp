@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/text.h"
@@ -36,10 +37,7 @@ void setpag(const char *cpag) noexcept {
         b->core.pagw = portrait ? p.h : p.w;
         b->core.pagh = portrait ? p.w : p.h;
         std::memcpy(b->core.pagnam, key, 5);
-        if (b->sess.mflset == 0) {
-            b->core.devcod = 201;
-            std::memcpy(b->sess.devkey, "PLOG", 5);
-        }
+        if (b->sess.mflset == 0) qqdefdev(b);
         return;
     }
     qqwarc(b, 2, cpag ? cpag : "");

@@ -23,8 +23,6 @@ double qqyflp(glbblk *b, double y) noexcept;
 int qqyflpi(glbblk *b, int y) noexcept;
 // A length in 1/100 cm in the current unit.
 int qqpxu(glbblk *b, double length) noexcept;
-// The file extension of a device code, without the point; null for none.
-const char *qqdevext(int devcod) noexcept;
 // The installation directory, resolved into buf (257 bytes): kolenv's
 // directory, KOLVEX, kolvex_data beside the library, the build's default.
 void qqdatadir(glbblk *b, char *buf) noexcept;
@@ -36,7 +34,3 @@ int qqsymcmd(glbblk *b, const char *device, const char *status, char *cmd) noexc
 void qqkolfail(glbblk *b) noexcept;
 // The end-of-session banner, in its console form.
 int qqbanner(glbblk *b, int flag, char *out, int size) noexcept;
-
-// Device classes by code.
-inline bool qqscreen(int dev) { return dev > 0 && dev < 101; }
-inline bool qqraster(int dev) { return dev >= 601 && dev <= 700; }

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -34,10 +35,10 @@ void word4(const char *text, char *out) {
 }  // namespace
 
 int qqsymcmd(glbblk *b, const char *device, const char *status, char *cmd) noexcept {
-    int dev = b->core.devcod;
-    const char *program = dev <= 600 ? "koldrv " : (dev <= 700 ? "kolhpj " : "koldot ");
+    const char *program = b->core.fam->viewer;
     cmd[0] = '\0';
     qqscat(cmd, program, CMDMAX);
+    qqscat(cmd, " ", CMDMAX);
     qqscat(cmd, b->sess.fname, CMDMAX);
     qqscat(cmd, " ", CMDMAX);
     qqscat(cmd, device, CMDMAX);
@@ -47,7 +48,7 @@ int qqsymcmd(glbblk *b, const char *device, const char *status, char *cmd) noexc
     qqscat(cmd, table_name(b->clr.vltkind), CMDMAX);
     if (b->sess.bgmode == 2) qqscat(cmd, " REVERS", CMDMAX);
     // The options of koldrv, which shows the vector formats on the screen.
-    if (dev < 601) {
+    if (std::strcmp(program, "koldrv") == 0) {
         qqscat(cmd, " -Q", CMDMAX);
         if (b->opt.x11md == 0) qqscat(cmd, " -BS", CMDMAX);
         if (b->opt.x11md == 1) qqscat(cmd, " -NB", CMDMAX);
@@ -64,7 +65,7 @@ void symfil(const char *cdev, const char *cstat) noexcept {
     glbblk *b = KX_ENTRY("symfil");
     if (!b) return;
     SessionState &s = b->sess;
-    if (b->core.devcod < 151) {
+    if (!b->core.fam || !b->core.fam->viewer) {
         qqwar0(b, 20);
         return;
     }

@@ -30,23 +30,15 @@ struct QQHwChar {
 // Operation codes of qqplot and a driver's line operation.
 enum { QQ_DRAW = 2, QQ_MOVE = 3, QQ_ENDPATH = 9 };
 
-// What a driver does itself; the layer emulates the rest.
-enum {
-    QQ_CAP_WIDTH = 1,     // draws line widths itself (with hwmode LINE on)
-    QQ_CAP_FILL = 2,      // fills polygons itself (with hwmode SHAD on)
-    QQ_CAP_CLIP = 4,      // clips to a rectangle itself
-    QQ_CAP_TEXT = 8,      // draws hardware fonts
-    QQ_CAP_IMAGE = 16,    // takes image rows
-    QQ_CAP_DEEP = 32,     // takes colours as red, green, blue (colbits above 8)
-};
-
-// A driver: one set of operations of the same shape for each device family.
-// Positions arrive in double plot coordinates; each driver maps them to its
-// own device units (see qqmapdown and qqmapup).  Null operations are not
-// offered by the family.
+// A driver: one set of operations of the same shape for each device family,
+// filled by member name (designated initialisers) in the family's
+// descriptor (core/family.h), so that a reordered struct cannot connect the
+// wrong function.  Positions arrive in double plot coordinates; each driver
+// maps them to its own device units (see qqmapdown and qqmapup).  A null
+// operation is one the family does not offer: the layer emulates it where
+// it can (widths, clipping, fills, markers, characters) and skips it
+// otherwise.  A driver's own state is created by open and freed by close.
 struct DriverOps {
-    const char *family;
-    unsigned caps;
     // Computes devscl, sets colbits and writes the header.  The plot file
     // is open unless the family opens its own.  Returns 0, or non-zero after
     // it has reported a warning: kolini then fails.

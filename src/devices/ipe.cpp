@@ -10,6 +10,7 @@
 // "alpha"; newpag starts a new page of the document.
 #include <cmath>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "core/text.h"
 #include "devices/device.h"
@@ -277,23 +278,33 @@ int ipe_close(glbblk *b) {
     return 1;
 }
 
+// Colours arrive as red, green, blue; caps, joins and miter limits are not
+// written; the layer clips and draws markers; every label carries its own
+// size.
+const DriverOps kOps = {
+    .open = ipe_open,
+    .line = ipe_line,
+    .colour = ipe_colour,
+    .width = ipe_width,
+    .fill_polygon = ipe_fill,
+    .fill_rect = ipe_rect,
+    .new_page = ipe_page,
+    .close = ipe_close,
+    .character = ipe_char,
+};
+
+const DeviceKey kKeys[] = {{"IPE ", 802, "ipe", QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK}, {}};
+
 }  // namespace
 
-extern const DriverOps kxdrv_ipe = {
-    "IPE",      QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_TEXT | QQ_CAP_DEEP,
-    ipe_open,   ipe_line,
-    ipe_colour,
-    nullptr,  // colour table: colours arrive as red, green, blue
-    ipe_width,
-    nullptr,  // line style: caps, joins and miter limit are not written
-    nullptr,  // clip: the layer clips
-    ipe_fill,   ipe_rect,
-    ipe_page,
-    nullptr,  // clear
-    nullptr,  // update
-    ipe_close,
-    nullptr,  // marker: drawn with lines by the layer
-    nullptr,  // image
-    ipe_char,
-    nullptr,  // text style: every label carries its own size
+extern const DeviceFamily kxfam_ipe = {
+    .name = "IPE",
+    .keys = kKeys,
+    .lo = 802,
+    .hi = 802,
+    .kind = QQ_KIND_FILE,
+    .file = 0,
+    .lnlen = 0,  // writes its own lines
+    .viewer = "koldot",
+    .ops = &kOps,
 };

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "devices/device.h"
 #include "devices/vector.h"
@@ -192,18 +193,29 @@ int java_close(glbblk *b) {
     return 1;
 }
 
+// Colours arrive as red, green, blue; thick lines, fills, markers and
+// characters come as lines from the layer; all pages fall on one picture.
+const DriverOps kOps = {
+    .open = java_open,
+    .line = java_line,
+    .colour = java_colour,
+    .fill_rect = java_rect,
+    .clear = java_clear,
+    .close = java_close,
+};
+
+const DeviceKey kKeys[] = {{"JAVA", 701, "java", QQ_CLR_BACK_LAST | QQ_CLR_TURN_ON_WHITE}, {}};
+
 }  // namespace
 
-extern const DriverOps kxdrv_java = {
-    "Java",     QQ_CAP_DEEP, java_open, java_line, java_colour,
-    nullptr,  // colour table: colours arrive as red, green, blue
-    nullptr,  // width: thick lines come as parallel strokes
-    nullptr,  // line style
-    nullptr,  // clip: the layer clips
-    nullptr,  // fill polygon: fills come as lines
-    java_rect,
-    nullptr,  // new page: all pages fall on one picture
-    java_clear,
-    nullptr,  // update
-    java_close,
+extern const DeviceFamily kxfam_java = {
+    .name = "Java",
+    .keys = kKeys,
+    .lo = 701,
+    .hi = 701,
+    .kind = QQ_KIND_FILE,
+    .file = 0,
+    .lnlen = 0,  // writes its own lines
+    .viewer = "koldot",
+    .ops = &kOps,
 };

@@ -7,6 +7,7 @@
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "devices/device.h"
+#include "devices/registry.h"
 
 namespace {
 
@@ -14,6 +15,9 @@ void devices_first(glbblk *b) {
     DeviceState &d = b->dev;
     d.lnwid = 1;
     d.hwlin = d.hwshd = 1;
+    // The family a session falls back on when no device is chosen.
+    int code;
+    b->core.deffam = qqfamilykey("PLOG", &code);
 }
 
 void devices_init(glbblk *b) {

@@ -21,6 +21,7 @@
 #include <ctime>
 #include <unistd.h>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -978,26 +979,41 @@ int pdf_close(glbblk *b) {
 
 extern const Subsystem kxsub_pdf = {"pdf", nullptr, nullptr, pdf_release, nullptr, nullptr};
 
-extern const DriverOps kxdrv_pdf = {
-    "PDF",
-    QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_CLIP | QQ_CAP_TEXT | QQ_CAP_IMAGE | QQ_CAP_DEEP,
-    pdf_open,
-    pdf_line,
-    pdf_colour,
-    nullptr,  // colour table: colours arrive as red, green, blue
-    pdf_width,
-    pdf_linestyle,
-    pdf_clip,
-    pdf_fill,
-    pdf_rect,
-    pdf_new_page,
-    nullptr,  // clear: a page once written stays
-    nullptr,  // update
-    pdf_close,
-    nullptr,  // marker: drawn with lines by the layer
-    pdf_image,
-    pdf_char,
-    nullptr,  // text style: a change of font or size ends the text object by itself
+namespace {
+
+// Colours arrive as red, green, blue; markers are drawn with lines by the
+// layer; a page once written stays, so there is no clear; a change of font
+// or size ends the text object by itself.
+const DriverOps kOps = {
+    .open = pdf_open,
+    .line = pdf_line,
+    .colour = pdf_colour,
+    .width = pdf_width,
+    .linestyle = pdf_linestyle,
+    .clip = pdf_clip,
+    .fill_polygon = pdf_fill,
+    .fill_rect = pdf_rect,
+    .new_page = pdf_new_page,
+    .close = pdf_close,
+    .image = pdf_image,
+    .character = pdf_char,
+};
+
+// Printed on white paper by default.
+const DeviceKey kKeys[] = {{"PDF ", 511, "pdf", QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK}, {}};
+
+}  // namespace
+
+extern const DeviceFamily kxfam_pdf = {
+    .name = "PDF",
+    .keys = kKeys,
+    .lo = 511,
+    .hi = 511,
+    .kind = QQ_KIND_PAGE,
+    .file = QQ_FILE_OWN,  // under a temporary name, or no file in memory mode
+    .lnlen = 0,
+    .viewer = "koldrv",
+    .ops = &kOps,
 };
 
 // ---- public routines --------------------------------------------------------------------

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "core/numfmt.h"
 #include "devices/device.h"
@@ -67,22 +68,27 @@ int plog_close(glbblk *b) {
     return 1;
 }
 
+// Fills, widths, markers and characters are all drawn as lines by the
+// layer: the metafile holds nothing but lines and colours.
+const DriverOps kOps = {
+    .open = plog_open,
+    .line = plog_line,
+    .colour = plog_colour,
+    .close = plog_close,
+};
+
+const DeviceKey kKeys[] = {{"PLOG", 201, "met", 0}, {}};
+
 }  // namespace
 
-extern const DriverOps kxdrv_plogfl = {
-    "native metafile",
-    0,
-    plog_open,
-    plog_line,
-    plog_colour,
-    nullptr,  // colour table
-    nullptr,  // width: the layer emulates
-    nullptr,  // line style
-    nullptr,  // clip
-    nullptr,  // fill polygon: hatched by the layer
-    nullptr,  // fill rectangle
-    nullptr,  // new page: writes nothing
-    nullptr,  // clear
-    nullptr,  // update
-    plog_close,
+extern const DeviceFamily kxfam_plogfl = {
+    .name = "native metafile",
+    .keys = kKeys,
+    .lo = 201,
+    .hi = 201,
+    .kind = QQ_KIND_FILE,
+    .file = 0,
+    .lnlen = 80,
+    .viewer = "koldrv",
+    .ops = &kOps,
 };

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "core/text.h"
 #include "core/warnings.h"
@@ -20,15 +21,19 @@
 
 namespace {
 
-enum { VIRT = 603, PPM = 605, GIF = 607, IMAG = 602 };
+// The codes of the family follow the format numbers of qqwrite; the one
+// between IMAG and PNG writes nothing.
+enum { VIRT = QQ_WIMAG + 1 };
+
+int format_of(const glbblk *b) { return b->core.devcod - b->core.fam->lo + 1; }
 
 // Whether a picture of w by h pixels fits the device: 0, or the warning
 // number with the offending value.  Every format keeps its image below
 // 2 GiB (32-bit file offsets, zlib's counters); GIF records sizes in 16
 // bits and the image file in five decimal columns.
 int size_problem(int dev, int w, int h, bool rgb, int *value) {
-    int limit = dev == GIF ? 65535 : (dev == IMAG ? 99999 / (rgb ? 3 : 1) : 0x7fffffff);
-    int hlimit = dev == GIF ? 65535 : (dev == IMAG ? 99999 : 0x7fffffff);
+    int limit = dev == QQ_WGIF ? 65535 : (dev == QQ_WIMAG ? 99999 / (rgb ? 3 : 1) : 0x7fffffff);
+    int hlimit = dev == QQ_WGIF ? 65535 : (dev == QQ_WIMAG ? 99999 : 0x7fffffff);
     if (w > limit || h > hlimit) {
         *value = w > limit ? w : h;
         return 2;
@@ -60,8 +65,8 @@ bool to_pixel(glbblk *b, double x, double y, int *px, int *py) {
 
 int raster_open(glbblk *b) {
     SessionState &s = b->sess;
-    int dev = b->core.devcod;
-    bool rgb = dev == PPM || b->opt.rasfmt == 1;
+    int dev = format_of(b);
+    bool rgb = dev == QQ_WPPM || b->opt.rasfmt == 1;
     int w = s.wsiz[0], h = s.wsiz[1], value = 0;
     int problem = size_problem(dev, w, h, rgb, &value);
     if (problem == 0 && qqcnvnew(&b->cnv.cv, w, h, rgb, s.bgmode == 2) != 0) problem = 53;
@@ -166,10 +171,10 @@ void raster_clear(glbblk *b) {
 }
 
 int raster_close(glbblk *b) {
-    int dev = b->core.devcod, written = 0;
+    int dev = format_of(b), written = 0;
     qqcanvas *cv = qqcanvasof(b);
     if (cv && dev != VIRT && b->sess.fhnd) {
-        if (qqwrite(b, b->sess.fhnd, b->sess.fname, dev - 600) == 0)
+        if (qqwrite(b, b->sess.fhnd, b->sess.fname, dev) == 0)
             written = 1;
         else
             discard_file(b);
@@ -188,18 +193,40 @@ int raster_marker(glbblk *b, int kind, double x, double y, double size) {
     return 1;
 }
 
+// The canvas does everything itself but characters, images and pages:
+// hardware fonts are stroked by the layer.
+const DriverOps kOps = {
+    .open = raster_open,
+    .line = raster_line,
+    .colour = raster_colour,
+    .colour_table = raster_table,
+    .width = raster_width,
+    .linestyle = raster_style,
+    .clip = raster_clip,
+    .fill_polygon = raster_fill,
+    .fill_rect = raster_rect,
+    .clear = raster_clear,
+    .close = raster_close,
+    .marker = raster_marker,
+};
+
+const DeviceKey kKeys[] = {
+    {"TIFF", 601, "tif", QQ_CLR_TURN_ON_WHITE}, {"IMAG", 602, "img", QQ_CLR_TURN_ON_WHITE},
+    {"VIRT", 603, nullptr, QQ_CLR_TURN_ON_WHITE}, {"PNG ", 604, "png", QQ_CLR_TURN_ON_WHITE},
+    {"PPM ", 605, "ppm", QQ_CLR_TURN_ON_WHITE | QQ_CLR_RGB},
+    {"BMP ", 606, "bmp", QQ_CLR_TURN_ON_WHITE}, {"GIF ", 607, "gif", QQ_CLR_TURN_ON_WHITE}, {},
+};
+
 }  // namespace
 
-extern const DriverOps kxdrv_raster = {
-    "raster",      QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_CLIP | QQ_CAP_IMAGE,
-    raster_open,   raster_line,
-    raster_colour, raster_table,
-    raster_width,  raster_style,
-    raster_clip,   raster_fill,
-    raster_rect,
-    nullptr,  // new page: the page counter is all that changes
-    raster_clear,
-    nullptr,  // update: nothing is shown
-    raster_close,  raster_marker,
-    nullptr,  // image: the canvas is the picture itself
+extern const DeviceFamily kxfam_raster = {
+    .name = "raster",
+    .keys = kKeys,
+    .lo = 601,
+    .hi = 607,
+    .kind = QQ_KIND_RASTER,
+    .file = QQ_FILE_BINARY,
+    .lnlen = 0,
+    .viewer = "kolhpj",
+    .ops = &kOps,
 };

@@ -9,6 +9,7 @@
 // width or the kind of thing drawn changes.  Lines are collected into
 // elements of at most 100 points: a line element for two points, a
 // polyline for more.
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "devices/device.h"
 #include "devices/vector.h"
@@ -274,22 +275,32 @@ int svg_close(glbblk *b) {
     return 1;
 }
 
+// Colours arrive as red, green, blue; caps, joins and miter limits are not
+// written; the layer clips and draws markers; all pages fall on one picture.
+const DriverOps kOps = {
+    .open = svg_open,
+    .line = svg_line,
+    .colour = svg_colour,
+    .width = svg_width,
+    .fill_polygon = svg_fill,
+    .fill_rect = svg_rect,
+    .close = svg_close,
+    .character = svg_char,
+    .textstyle = svg_textstyle,
+};
+
+const DeviceKey kKeys[] = {{"SVG ", 801, "svg", QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK}, {}};
+
 }  // namespace
 
-extern const DriverOps kxdrv_svg = {
-    "SVG",      QQ_CAP_WIDTH | QQ_CAP_FILL | QQ_CAP_TEXT | QQ_CAP_DEEP,
-    svg_open,   svg_line,
-    svg_colour,
-    nullptr,  // colour table: colours arrive as red, green, blue
-    svg_width,
-    nullptr,  // line style: caps, joins and miter limit are not written
-    nullptr,  // clip: the layer clips
-    svg_fill,   svg_rect,
-    nullptr,  // new page: all pages fall on one picture
-    nullptr,  // clear
-    nullptr,  // update
-    svg_close,
-    nullptr,  // marker: drawn with lines by the layer
-    nullptr,  // image
-    svg_char,   svg_textstyle,
+extern const DeviceFamily kxfam_svg = {
+    .name = "SVG",
+    .keys = kKeys,
+    .lo = 801,
+    .hi = 801,
+    .kind = QQ_KIND_FILE,
+    .file = 0,
+    .lnlen = 0,  // writes its own lines
+    .viewer = "koldot",
+    .ops = &kOps,
 };

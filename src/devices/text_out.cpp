@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -27,7 +28,7 @@ void write_line(glbblk *b, bool newline) {
 void qqsbufend(glbblk *b) noexcept {
     SessionState &s = b->sess;
     if (!s.lnbuf) return;
-    if (b->core.devcod == 211) {
+    if (b->core.fam->file & QQ_FILE_RECORDS) {
         // A CGM record is always full: blanks up to its length.
         if (s.lnpos > 0) {
             std::memset(s.lnbuf + s.lnpos, ' ', (size_t)(s.lnlen - s.lnpos));
@@ -42,7 +43,7 @@ void qqsbufend(glbblk *b) noexcept {
 void qqsbuf(glbblk *b, const char *text, int n) noexcept {
     SessionState &s = b->sess;
     if (!s.lnbuf || n <= 0) return;
-    if (b->core.devcod == 211) {
+    if (b->core.fam->file & QQ_FILE_RECORDS) {
         while (n > 0) {
             int room = s.lnlen - s.lnpos;
             int k = n < room ? n : room;

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
@@ -80,8 +81,6 @@ const int kNamedGrey[9] = {0x01FFFFFF, 0x01E6E6E6, 0x01B9B9B9, 0x01969696, 0x015
 enum { WHIT = 0, BLAC = 8 };
 const int kBlack = 0x01000000, kWhite = 0x01FFFFFF;
 
-bool white_sheet(int dev) { return dev == 501 || dev == 211 || dev == 221; }
-
 void swap(int &a, int &c) {
     int t = a;
     a = c;
@@ -106,7 +105,7 @@ int part_byte(double v) {
 void colour_init(glbblk *b) {
     b->dev.curclr = 0;
     b->clr.vltfnm[0] = '\0';
-    qqsetvlt(b, b->core.devcod == 501 ? RGRE : RAIN);
+    qqsetvlt(b, (qqdevclr(b) & QQ_CLR_GREY_TABLE) ? RGRE : RAIN);
 }
 
 void reset_colour(glbblk *b) { qqcolorfore(b); }
@@ -146,22 +145,22 @@ void qqclrrgb(const glbblk *b, int value, int *r, int *g, int *bl) noexcept {
 
 void qqsetvlt(glbblk *b, int kind) noexcept {
     ColourState &c = b->clr;
-    int dev = b->core.devcod;
-    if (dev >= 301 && dev <= 400) kind = SMAL;
+    unsigned dev = qqdevclr(b);
+    bool white_sheet = dev & QQ_CLR_WHITE_SHEET;
     c.vltkind = kind;
     bool grey = kind == GREY || kind == RGRE;
     bool reversed = kind == RRAI || kind == RSPE || kind == RGRE;
     // 1-3: the named colours, adapted to the sheet of the device.
     std::memcpy(c.named, grey ? kNamedGrey : kNamedColour, sizeof c.named);
     if (kind == SMAL || kind == GREY || kind == RGRE) c.named[BLAC] = c.named[WHIT];
-    if ((kind == RAIN || kind == SPEC || kind == GREY || kind == TEMP) && (dev == 221 || dev == 211))
+    if ((kind == RAIN || kind == SPEC || kind == GREY || kind == TEMP) && (dev & QQ_CLR_WHIT_BLACK))
         c.named[WHIT] = kBlack;
-    if ((reversed || kind == SMAL) && white_sheet(dev)) {
+    if ((reversed || kind == SMAL) && white_sheet) {
         c.named[WHIT] = c.named[BLAC] = kBlack;
     } else if (reversed && b->sess.colbits < 9) {
         swap(c.named[WHIT], c.named[BLAC]);
     }
-    if (kind == VGA && white_sheet(dev)) {
+    if (kind == VGA && white_sheet) {
         c.named[BLAC] = kWhite;
         c.named[WHIT] = kBlack;
     }
@@ -174,7 +173,7 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
         switch (kind) {
         case SMAL:
             std::memcpy(map, kSmall, sizeof kSmall);
-            if (white_sheet(dev)) swap(map[0], map[1]);
+            if (white_sheet) swap(map[0], map[1]);
             break;
         case RAIN:
         case RRAI: interpolate(map, kRainbow, (int)(sizeof kRainbow / sizeof *kRainbow)); break;
@@ -186,7 +185,7 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
             break;
         case VGA:
             std::memcpy(map, kVga, sizeof kVga);
-            if (white_sheet(dev)) swap(map[0], map[15]);
+            if (white_sheet) swap(map[0], map[15]);
             break;
         case TEMP:
             for (int i = 0; i < 256; ++i) {
@@ -205,7 +204,7 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
     c.bckclr = 0;
     c.blkidx = 0;
     c.whtidx = 255;
-    if ((dev == 501 || dev == 221 || dev == 211 || dev == 701) &&
+    if ((dev & QQ_CLR_BACK_LAST) &&
         (kind == RAIN || kind == SPEC || kind == GREY || kind == TEMP)) {
         c.bckclr = 255;
         c.forclr = 0;
@@ -215,8 +214,7 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
     } else if (kind == VGA) {
         c.whtidx = 15;
         c.forclr = 15;
-    } else if (reversed && b->sess.colbits >= 9 && dev != 501 && dev != 211 && dev != 221 &&
-               dev != 231) {
+    } else if (reversed && b->sess.colbits >= 9 && !(dev & QQ_CLR_KEEP_REVERSED)) {
         c.bckclr = 255;
         c.forclr = 0;
     }
@@ -224,8 +222,7 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
     c.maxidx = c.whtidx - 1;
     // 7: a white background turns the table round.
     int bg = b->sess.bgmode;
-    if (bg == 2 && ((dev > 0 && dev < 101) || dev == 502 || dev == 503 || dev == 504 || dev == 511 ||
-                    dev == 231 || dev > 600)) {
+    if (bg == 2 && (dev & QQ_CLR_TURN_ON_WHITE)) {
         int q = kind == SMAL ? 1 : (kind == VGA ? 15 : 255);
         swap(c.colmap[0], c.colmap[q]);
         swap(c.blkidx, c.whtidx);
@@ -390,8 +387,7 @@ void revscr() noexcept {
     ColourState &c = b->clr;
     int fg = c.vltkind == SMAL ? 1 : (c.vltkind == VGA ? 15 : 255);
     swap(c.colmap[0], c.colmap[fg]);
-    int dev = b->core.devcod;
-    if (dev >= 501 && dev <= 600)
+    if (qqdevkind(b) == QQ_KIND_PAGE)
         qqsetc(b, b->dev.curclr);
     else
         send_table(b);

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -20,8 +21,8 @@
 int rbfpng(unsigned char *cbuf, int nmax) noexcept {
     glbblk *b = KX_ENTRY("rbfpng");
     if (!b) return 0;
-    int dev = b->core.devcod;
-    if (dev > 100 && !qqraster(dev)) {
+    int kind = qqdevkind(b);
+    if (kind == QQ_KIND_FILE || kind == QQ_KIND_PAGE) {
         qqwar0(b, 40);
         return 0;
     }
@@ -173,8 +174,7 @@ int read_rows(glbblk *b, FILE *fp, const TiffInfo &t) {
 void wtiff(const char *cfl) noexcept {
     glbblk *b = KX_ENTRY("wtiff");
     if (!b) return;
-    int dev = b->core.devcod;
-    if ((dev >= 101 && dev <= 500) || dev >= 701) {
+    if (qqdevkind(b) == QQ_KIND_FILE) {
         qqwar0(b, 40);
         return;
     }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -129,13 +130,13 @@ void imgini() noexcept {
         qqwar0(b, 54);
         return;
     }
-    int dev = b->core.devcod;
-    if ((dev >= 101 && dev <= 500) || dev >= 701) {
+    int kind = qqdevkind(b);
+    if (kind == QQ_KIND_FILE) {
         qqwar0(b, 40);
         return;
     }
     qqflsh(b);
-    if (dev >= 501 && dev <= 600) {
+    if (kind == QQ_KIND_PAGE) {
         // A picture that the page format embeds at imgfin: its canvas
         // lives for the time of image mode.
         SessionState &ss = b->sess;

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -104,13 +105,13 @@ void close_layer(glbblk *b) {
 
 // 0 when the layer may be used, else the warning has been reported.
 int usable(glbblk *b) {
-    int dev = b->core.devcod;
-    if ((dev >= 101 && dev <= 600) || dev >= 701) {
+    int kind = qqdevkind(b);
+    if (kind == QQ_KIND_FILE || kind == QQ_KIND_PAGE) {
         qqwar1(b, 169, "Output format must be a raster format");
         return 1;
     }
     // Before the session the canvas is not there yet: its settings tell.
-    bool rgb = b->core.level > 0 ? b->sess.colbits >= 24 : (dev == 605 || b->opt.rasfmt == 1);
+    bool rgb = b->core.level > 0 ? b->sess.colbits >= 24 : ((qqdevclr(b) & QQ_CLR_RGB) || b->opt.rasfmt == 1);
     if (!rgb) {
         qqwar1(b, 170, "Output format must be in RGB mode");
         return 1;

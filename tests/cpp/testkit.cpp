@@ -51,8 +51,10 @@ static void rec_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
 }
 
 static const DriverOps recording_ops = {
-    "recording", 0,      nullptr, rec_line, rec_colour, nullptr, rec_width, nullptr,
-    rec_clip,    nullptr, nullptr, nullptr,  nullptr,    nullptr, nullptr,
+    .line = rec_line,
+    .colour = rec_colour,
+    .width = rec_width,
+    .clip = rec_clip,
 };
 
 void RecordingDriver::install(glbblk *b) {

@@ -1,5 +1,6 @@
-// The session: metafl, kolini, kolfin and the routines that act on the
-// whole page.
+// The session's life: metafl, kolini, kolfin and the routines that act on
+// the whole page.  They open and close drivers, so they sit above the
+// device layer although their state record (SessionState) is the core's.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -11,125 +12,39 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/registry.h"
 #include "kolvex.h"
 
 namespace {
-
-struct DeviceRow {
-    const char *key;
-    int code;
-};
-
-// The device keywords in the order the library has always searched them.
-const DeviceRow kDevices[] = {
-    {"PLOG", 201}, {"CGM ", 211}, {"HPGL", 401}, {"HPA4", 402}, {"HPA3", 403},
-    {"HPA2", 404}, {"HPA1", 405}, {"CONS", 101}, {"POST", 501}, {"PSCL", 502},
-    {"XWIN", 72},  {"XWI1", 72},  {"XWI2", 73},  {"XWI3", 74},  {"XWI4", 75},
-    {"XWI5", 76},  {"XWI6", 77},  {"XWI7", 78},  {"XWI8", 79},  {"XWND", 80},
-    {"TIFF", 601}, {"IMAG", 602}, {"VIRT", 603}, {"PNG ", 604}, {"JAVA", 701},
-    {"WMF ", 221}, {"EMF ", 231}, {"PPM ", 605}, {"PDF ", 511}, {"EPS ", 503},
-    {"BMP ", 606}, {"PS  ", 504}, {"SVG ", 801}, {"IPE ", 802}, {"GIF ", 607},
-    {"GL  ", 81},
-};
-
-int lookup_device(const char *key) {
-    for (const DeviceRow &r : kDevices)
-        if (std::strcmp(r.key, key) == 0) return r.code;
-    if (std::strcmp(key, "MET1") >= 0 && std::strcmp(key, "MET9") <= 0) return 80;
-    return 0;
-}
 
 bool display_available() {
     const char *d = std::getenv("DISPLAY");
     return d && *d;
 }
 
-void session_first(glbblk *b) {
-    SessionState &s = b->sess;
-    s.scrmd = 4;
-    s.bgprev = -1;
-    s.sclf = 1.0;
-    s.hwscl = 1.0;
-    s.fmode = 0;
-    s.fdig = 4;
-    s.swapfl = 1;
-    OutputOptions &o = b->opt;
-    o.cgmver = 1;
-    o.pdfcomp = 1;
-    o.bmpres = 2500;
-    o.tifres = 100;
-    o.tifunit = 2;
-}
-
-// The extra PostScript header text serves the session that it was given
-// for: the driver has written it when the session's defaults are set.
-void free_psinfo(glbblk *b) {
-    std::free(b->opt.psinfo);
-    b->opt.psinfo = nullptr;
-}
-
-// The session's own share of qqinit: the window behaviour of the screen.
-void session_init(glbblk *b) {
-    SessionState &s = b->sess;
-    s.wmode = 0;
-    s.wkey = 0;
-    s.wdelay = 10000;
-    s.bufsend = 0;
-    free_psinfo(b);
-}
-
-void session_release(glbblk *b) {
-    SessionState &s = b->sess;
-    if (s.fhnd) std::fclose(s.fhnd);
-    s.fhnd = nullptr;
-    std::free(s.lnbuf);
-    s.lnbuf = nullptr;
-    free_psinfo(b);
-}
-
-void reset_window(glbblk *b) { b->sess.wplace = 0; }
-void reset_winmod(glbblk *b) { b->sess.wmode = 0; }
-
-const ResetEntry kResets[] = {
-    {"PSME", free_psinfo}, {"WIND", reset_window}, {"WINM", reset_winmod},
-    {"WINS", reset_window}, {nullptr, nullptr},
-};
-
 }  // namespace
-
-extern const Subsystem kxsub_session = {"session", session_first, session_init, session_release,
-                                        kResets, nullptr};
 
 void metafl(const char *cdev) noexcept {
     glbblk *b = KX_ENTRY("metafl");
     if (!b) return;
     char key[5];
     qqkeyword(cdev, key);
-    int code = lookup_device(key);
-    if (code == 0) {
+    int code;
+    const DeviceFamily *fam = qqfamilykey(key, &code);
+    if (!fam) {
         qqwarc(b, 2, cdev ? cdev : "");
         return;
     }
-    if (code == 101) code = 80;
-    if (code == 81) {
-        // The OpenGL window needs a display with GLX; this build has no
-        // OpenGL device, so the screen takes its place.
-        qqwar1(b, 181, "OPENGL is not supported");
-        code = 80;
+    if (fam->absent) {
+        // A family this build lacks, with a stand-in of its kind (the
+        // OpenGL window needs GLX: the screen takes its place).
+        qqwar1(b, 181, fam->absent);
+        fam = qqfamilykey(fam->instead, &code);
     }
     b->core.devcod = code;
+    b->core.fam = fam;
     std::memcpy(b->sess.devkey, key, 5);
     b->sess.mflset = 1;
-}
-
-void qqkolfail(glbblk *b) noexcept {
-    SessionState &s = b->sess;
-    if (s.fhnd) std::fclose(s.fhnd);
-    s.fhnd = nullptr;
-    std::free(s.lnbuf);
-    s.lnbuf = nullptr;
-    b->dev.drv = nullptr;
-    b->core.level = 0;
 }
 
 void kolini() noexcept {
@@ -145,15 +60,9 @@ void kolini() noexcept {
     b->diag.nnan = 0;
     b->diag.nout = 0;
 
+    if (c.devcod == 0) qqdefdev(b);
     s.bgmode = s.scrmd;
-    if (s.scrmd == 4) {
-        int d = c.devcod;
-        s.bgmode = (d == 511 || d == 503 || d == 504 || d == 801 || d == 802 || d == 231) ? 2 : 0;
-    }
-    if (c.devcod == 0) {
-        c.devcod = 201;
-        std::memcpy(s.devkey, "PLOG", 5);
-    }
+    if (s.scrmd == 4) s.bgmode = (qqdevclr(b) & QQ_CLR_WHITE_BACK) ? 2 : 0;
     s.swapfl = 1;
 
     // The page in plot coordinates and what the axis systems derive from it.
@@ -180,8 +89,8 @@ void kolini() noexcept {
     }
     s.colbits = 8;
 
-    const DriverOps *drv = qqdriver(c.devcod);
-    if (qqscreen(c.devcod)) {
+    const DriverOps *drv = c.fam->ops;
+    if (c.fam->kind == QQ_KIND_SCREEN && !drv) {
         // The screen device needs a window system; without one the session
         // fails as a failed file open does.
         qqwarm(b, 36, display_available() ? "The screen device is not available in this build"
@@ -195,9 +104,9 @@ void kolini() noexcept {
         return;
     }
     b->dev.drv = drv;
-    if (qqopenplot(b) != 0) return;
-    if (drv->open && drv->open(b) != 0) {
+    if (qqopenplot(b) != 0 || (drv->open && drv->open(b) != 0)) {
         qqkolfail(b);
+        b->dev.drv = nullptr;
         return;
     }
 
@@ -223,11 +132,8 @@ void kolfin() noexcept {
     int flag = 1;
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->close) flag = drv->close(b);
-    if (qqscreen(b->core.devcod)) flag = 0;
-
-    int dev = b->core.devcod;
-    bool textfmt = dev > 100 && dev < 601 && dev != 221 && dev != 231 && dev != 511;
-    if (textfmt && s.lnbuf && s.lnpos > 0) qqsbufend(b);
+    if (b->core.fam->kind == QQ_KIND_SCREEN) flag = 0;
+    if (s.lnbuf && s.lnpos > 0) qqsbufend(b);
     if (s.fhnd) std::fclose(s.fhnd);
     s.fhnd = nullptr;
     std::free(s.lnbuf);

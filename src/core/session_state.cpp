@@ -1,0 +1,75 @@
+// The session's own share of the block: first values, the defaults of
+// qqinit, what a block frees, and the failure path of kolini.
+#include <cstdlib>
+
+#include "core/glbblk.h"
+#include "core/session.h"
+#include "core/subsystems.h"
+
+namespace {
+
+void session_first(glbblk *b) {
+    SessionState &s = b->sess;
+    s.scrmd = 4;
+    s.bgprev = -1;
+    s.sclf = 1.0;
+    s.hwscl = 1.0;
+    s.fmode = 0;
+    s.fdig = 4;
+    s.swapfl = 1;
+    OutputOptions &o = b->opt;
+    o.cgmver = 1;
+    o.pdfcomp = 1;
+    o.bmpres = 2500;
+    o.tifres = 100;
+    o.tifunit = 2;
+}
+
+// The extra PostScript header text serves the session that it was given
+// for: the driver has written it when the session's defaults are set.
+void free_psinfo(glbblk *b) {
+    std::free(b->opt.psinfo);
+    b->opt.psinfo = nullptr;
+}
+
+// The session's own share of qqinit: the window behaviour of the screen.
+void session_init(glbblk *b) {
+    SessionState &s = b->sess;
+    s.wmode = 0;
+    s.wkey = 0;
+    s.wdelay = 10000;
+    s.bufsend = 0;
+    free_psinfo(b);
+}
+
+void session_release(glbblk *b) {
+    SessionState &s = b->sess;
+    if (s.fhnd) std::fclose(s.fhnd);
+    s.fhnd = nullptr;
+    std::free(s.lnbuf);
+    s.lnbuf = nullptr;
+    free_psinfo(b);
+}
+
+void reset_window(glbblk *b) { b->sess.wplace = 0; }
+void reset_winmod(glbblk *b) { b->sess.wmode = 0; }
+
+const ResetEntry kResets[] = {
+    {"PSME", free_psinfo}, {"WIND", reset_window}, {"WINM", reset_winmod},
+    {"WINS", reset_window}, {nullptr, nullptr},
+};
+
+}  // namespace
+
+extern const Subsystem kxsub_session = {"session", session_first, session_init, session_release,
+                                        kResets, nullptr};
+
+void qqkolfail(glbblk *b) noexcept {
+    SessionState &s = b->sess;
+    if (s.fhnd) std::fclose(s.fhnd);
+    s.fhnd = nullptr;
+    std::free(s.lnbuf);
+    s.lnbuf = nullptr;
+    b->core.level = 0;
+}
+
