@@ -269,7 +269,7 @@ def test_files_that_cannot_be_written(tmp_path, capfd):
     with open("plot.pdf", "wb") as f:
         f.write(b"old")
     program = ("import os, sys; sys.path[:0] = %r; import kolvex as k; k.setfil('plot.pdf'); k.filmod('DELE');"
-               "k.metafl('PDF'); k.kolini(); k.unit(0); k.pagera(); os._exit(0)" % sys.path[:2])
+               "k.metafl('PDF'); k.kolini(); k.unit(0); k.pagera(); os._exit(0)" % [os.path.dirname(kolvex.__file__)])
     subprocess.run([sys.executable, "-c", program], check=True, timeout=60)
     assert open("plot.pdf", "rb").read() == b"old"
     assert not [f for f in os.listdir(".") if f.startswith("plot.pdf") and f != "plot.pdf" and not f.endswith(".tmp")]
