@@ -282,3 +282,21 @@ def test_files_that_cannot_be_written(tmp_path, capfd):
     assert open("plot.pdf", "rb").read() == b"old"
     kolvex.kolfin()
     assert open("plot.pdf", "rb").read().endswith(b"%%EOF\n")
+
+
+@needs("pdftoppm")
+@needs("qpdf")
+def test_exported_picture_is_the_png(page):  # noqa: F811
+    """The PNG session's canvas written as a PDF of its own (expimg's form):
+    rendered at one pixel per image pixel it is the PNG again."""
+    from PIL import Image
+    path = page / "vector_test_page.png.pdf"
+    qpdf_check(path)
+    check_offsets(path.read_bytes())
+    b = np.asarray(Image.open(page / "vector_test_page.png").convert("RGB")).astype(int)
+    c = 0.1417322835
+    f = min(5600 / 853, 3900 / 603)  # wider than high: turned onto the paper
+    run(["pdftoppm", "-png", "-r", "%.5f" % (72 / (f * c)), str(path), str(page / "export")])
+    a = np.asarray(Image.open(page / "export-1.png").convert("RGB")).astype(int)[:603, :853]
+    assert a.shape == b.shape
+    assert np.abs(a - b).mean() < 8

@@ -29,6 +29,7 @@
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/pdf.h"
 #include "devices/pdf_doc.h"
 #include "devices/vector.h"
 #include "kolvex.h"
@@ -798,15 +799,8 @@ void pdf_new_page(glbblk *b) {
     if (clip) clip_open(p);
 }
 
-// The picture of image mode, from the canvas, as an RGB image object
-// placed on the page.
-void pdf_image(glbblk *b) {
-    PdfRecord *p = rec(b);
-    const qqcanvas &cv = b->cnv.cv;
-    if (!p || !cv.pix || cv.cw < 1 || cv.ch < 1) return;
-    before(p, OP_IMAGE);
-    p->imgmask = b->cnv.imgtran != -1;
-    pdfw_content_end(p);
+// An image object of the canvas: RGB rows from the top.
+void image_object(PdfRecord *p, const qqcanvas &cv) {
     p->imgw = cv.cw;
     p->imgh = cv.ch;
     p->imgcount++;
@@ -818,7 +812,7 @@ void pdf_image(glbblk *b) {
     e = pdfw_int(pdfw_txt(e, " /Height "), p->imgh);
     put(p, line, pdfw_txt(e, " /BitsPerComponent 8\n"));
     pdfw_image_data(p);
-    // Rows from the top, three bytes a pixel, through one row buffer.
+    // Three bytes a pixel, through one row buffer.
     unsigned char *row = static_cast<unsigned char *>(qqpdfrealloc(nullptr, (size_t)3 * cv.cw));
     for (int yy = 0; yy < cv.ch; ++yy) {
         const unsigned char *src = cv.pix + (size_t)yy * cv.rowb;
@@ -845,6 +839,20 @@ void pdf_image(glbblk *b) {
     }
     std::free(row);
     pdfw_image_end(p);
+}
+
+// The picture of image mode, from the canvas, as an RGB image object
+// placed on the page.
+void pdf_image(glbblk *b) {
+    PdfRecord *p = rec(b);
+    const qqcanvas &cv = b->cnv.cv;
+    if (!p || !cv.pix || cv.cw < 1 || cv.ch < 1) return;
+    before(p, OP_IMAGE);
+    p->imgmask = b->cnv.imgtran != -1;
+    pdfw_content_end(p);
+    image_object(p, cv);
+    char line[160];
+    char *e;
     pdfw_content_start(p);
     pdfw_str(p, "q\n");
 
@@ -976,6 +984,55 @@ int pdf_close(glbblk *b) {
 }
 
 }  // namespace
+
+int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept {
+    if (!fp || !cv || !cv->pix || cv->cw < 1 || cv->ch < 1) return -1;
+    PdfRecord *p = static_cast<PdfRecord *>(std::calloc(1, sizeof(PdfRecord)));
+    if (!p) return -2;
+    p->objpos = static_cast<long long *>(qqpdfrealloc(nullptr, 100 * sizeof(long long)));
+    p->objtype = static_cast<unsigned char *>(qqpdfrealloc(nullptr, 100));
+    if (!p->objpos || !p->objtype) {
+        pdfw_free(p);
+        std::free(p);
+        return -2;
+    }
+    std::memset(p->objtype, 0, 100);
+    p->objcap = 100;
+    p->objnext = 3;
+    p->pagefirst = 1;
+    p->pageno = 1;
+    p->compress = b->opt.pdfcomp ? 1 : 0;
+    p->sink.fp = fp;
+    bool wide = cv->cw > cv->ch;
+    p->rotate = wide;
+    const SessionState &s = b->sess;
+    double p1 = s.hwsflg ? 2.0 * s.hwsiz[0] : 3900, p2 = s.hwsflg ? 2.0 * s.hwsiz[1] : 5600;
+    const double c = 0.1417322835;
+    p->mediaw = (int)(p1 * c + 0.5);
+    p->mediah = (int)(p2 * c + 0.5);
+
+    pdfw_str(p, "%PDF-1.3\n");
+    pdfw_content_start(p);
+    pdfw_str(p, "0.709 w\n2 J\n2 j\n");
+    pdfw_content_end(p);
+    image_object(p, *cv);
+    pdfw_content_start(p);
+    char line[160];
+    char *e = pdfw_fix(pdfw_txt(line, "q\n1 0 0 1 "), wide ? p1 * c : 0.0, 2);
+    put(p, line, pdfw_txt(e, " 0.00 cm\n"));
+    if (wide) pdfw_str(p, "0 1 -1 0 0 0 cm\n");
+    double w = cv->cw, h = cv->ch;
+    double f = wide ? std::fmin(p2 / w, p1 / h) : std::fmin(p1 / w, p2 / h);
+    e = pdfw_txt(pdfw_fix(line, w * f * c, 2), " 0 0 ");
+    put(p, line, pdfw_txt(pdfw_fix(e, h * f * c, 2), " 0 0 cm\n/Image1 Do\nQ\n"));
+    end_page(p);
+    write_end(p);
+    int result = p->nomem ? -2 : (p->sink.ioerr ? -1 : 0);
+    p->sink.fp = nullptr;  // the caller's stream
+    pdfw_free(p);
+    std::free(p);
+    return result;
+}
 
 extern const Subsystem kxsub_pdf = {"pdf", nullptr, nullptr, pdf_release, nullptr, nullptr};
 

@@ -12,6 +12,8 @@
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "devices/pdf.h"
+#include "raster/canvas.h"
 #include "kolvex.h"
 #include "testkit.h"
 
@@ -435,6 +437,12 @@ void draw_page(const char *device, const std::string &file) {
         c = character('V', 2700, 1950, 90, 1);
         c.height = 60;
         drv->character(b, &c);
+    }
+    if (std::string(device) == "PNG") {
+        // The finished picture as a PDF of its own, as expimg writes it.
+        FILE *fp = std::fopen((file + ".pdf").c_str(), "wb");
+        CHECK(fp && qqpdfexport(b, fp, qqcanvasof(b)) == 0);
+        if (fp) std::fclose(fp);
     }
     kolfin();
     delglb();
