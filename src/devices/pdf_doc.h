@@ -114,6 +114,11 @@ void pdfw_content_end(PdfRecord *p) noexcept;
 void pdfw_image_data(PdfRecord *p) noexcept;
 void pdfw_image_end(PdfRecord *p) noexcept;
 
+// Ends the document after its last page: the page tree, the outline tree
+// of the bookmarks, the catalog, the info object with the date, the
+// cross-reference table and the trailer.
+void pdfw_end(PdfRecord *p) noexcept;
+
 // Opens the sink: memory (512000 bytes at first) or a file.  Returns 0,
 // or 53 when memory could not be had.
 int pdfw_sink_memory(PdfRecord *p) noexcept;

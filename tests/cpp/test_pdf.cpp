@@ -221,14 +221,14 @@ TEST(pdf_fallbacks_without_memory) {
     CHECK(pdfbuf(nullptr, 0) > 512000);
     unsigned char small[16];
     CHECK_EQ(pdfbuf(small, 16), 0);
-    CHECK_EQ(b->diag.nwarn, 1);
+    CHECK_EQ((int)b->diag.nwarn, 1);
     delglb();
 
     failing_from = 0;
     calls = 0;
     failing_call = 1;  // not even the object table
     b = open_pdf("none.pdf", true);
-    CHECK_EQ(b->core.level, 0);
+    CHECK_EQ((int)b->core.level, 0);
     CHECK(access("none.pdf", F_OK) != 0);
     delglb();
     failing_call = 0;
