@@ -54,6 +54,7 @@ def matplotlib_pdf(pts, path):
     x = [p[0] for p in pts]
     y = [p[1] for p in pts]
     t0 = time.perf_counter()
+    c0 = time.process_time()
     fig = plt.figure(figsize=(NXP / 254, NYP / 254))
     ax = fig.add_axes([0, 0, 1, 1])
     ax.set_axis_off()
@@ -62,8 +63,9 @@ def matplotlib_pdf(pts, path):
     ax.plot(x, y, lw=0.5, color="k")
     fig.savefig(path, format="pdf")
     t = time.perf_counter() - t0
+    c = time.process_time() - c0
     plt.close(fig)
-    return t, os.path.getsize(path)
+    return t, c, os.path.getsize(path)
 
 
 def main():
@@ -94,17 +96,20 @@ def main():
             plain.append(ours(plain=True))
             theirs.append(matplotlib_pdf(pts, os.path.join(tmp, "matplotlib.pdf")))
     t_file = min(o["seconds"] for o in files)
-    t_mem = min(o["seconds"] for o in memory)
+    c_file = min(o["cpu"] for o in files)
     size = files[0]["bytes"]
     t_mpl = min(t[0] for t in theirs)
-    s_mpl = theirs[0][1]
-    print(f"polyline of {a.points} random points on a DIN A4 page, to PDF")
-    print(f"  kolvex file    {t_file:8.3f} s  {size:10d} bytes")
-    print(f"  kolvex memory  {t_mem:8.3f} s  {memory[0]['bytes']:10d} bytes")
+    c_mpl = min(t[1] for t in theirs)
+    s_mpl = theirs[0][2]
+    print(f"polyline of {a.points} random points on a DIN A4 page, to PDF (wall clock, processor time)")
+    print(f"  kolvex file    {t_file:8.3f} s {c_file:8.3f} s  {size:10d} bytes")
+    print(f"  kolvex memory  {min(o['seconds'] for o in memory):8.3f} s {min(o['cpu'] for o in memory):8.3f} s"
+          f"  {memory[0]['bytes']:10d} bytes")
     print(f"  kolvex, streams not compressed {min(o['seconds'] for o in plain):8.3f} s"
-          f"  {plain[0]['bytes']:10d} bytes")
-    print(f"  matplotlib     {t_mpl:8.3f} s  {s_mpl:10d} bytes")
-    print(f"  speed ratio {t_mpl / t_file:6.1f} (target >= 10)    size ratio {size / s_mpl:5.2f} (target <= 1)")
+          f" {min(o['cpu'] for o in plain):8.3f} s  {plain[0]['bytes']:10d} bytes")
+    print(f"  matplotlib     {t_mpl:8.3f} s {c_mpl:8.3f} s  {s_mpl:10d} bytes")
+    print(f"  speed ratio {t_mpl / t_file:6.1f} wall, {c_mpl / c_file:6.1f} processor (target >= 10)"
+          f"    size ratio {size / s_mpl:5.2f} (target <= 1)")
     ok = t_mpl >= 10 * t_file and size <= s_mpl
     print("targets met" if ok else "TARGET MISSED")
     return 0 if ok else 1
