@@ -1,6 +1,8 @@
 // The PDF driver: the bytes of a small uncompressed session, the offsets
 // of the cross-reference table, long pages in several streams, memory
 // output against the file, and the fallbacks when memory runs out.
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <regex>
@@ -234,4 +236,35 @@ TEST(pdf_fallbacks_without_memory) {
     failing_call = 0;
     qqpdfrealloc = [](void *old, size_t size) { return std::realloc(old, size); };
     unsetenv("SOURCE_DATE_EPOCH");
+}
+
+// The numbers of the format are printf's, ties and large values included.
+TEST(pdf_numbers_as_printf) {
+    const double fixed[] = {0.0,    -0.0,   0.125,  2.675,   1.005,    -0.001,  0.005,   999999.995,
+                            1e6,    1e7 + 0.125, -2.5e9, 0.709,  0.7086614173, 552.755905, -1e15, -1e-300};
+    unsigned long long seed = 12345;
+    int bad = 0;
+    for (int i = 0; i < 200000 + 16; ++i) {
+        double v;
+        if (i < 16) {
+            v = fixed[i];
+        } else {
+            seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+            double u = (double)(seed >> 11) / 9007199254740992.0;
+            // Exact ties of two and three decimals, and plain values of every size.
+            v = i % 3 == 0 ? (double)(long long)(u * 2e6) / 1000.0 - 1000.0 + 0.0005
+                           : (u - 0.5) * std::pow(10.0, (double)(i % 12) - 3);
+        }
+        for (int prec = 0; prec <= 3; ++prec) {
+            char got[64], want[400];
+            *pdfw_fix(got, v, prec) = '\0';
+            std::snprintf(want, sizeof want, "%.*f", prec, v);
+            if (std::strcmp(got, want) != 0 && ++bad < 5)
+                std::fprintf(stderr, "%.17g prec %d: %s, printf %s\n", v, prec, got, want);
+        }
+    }
+    CHECK_EQ(bad, 0);
+    // A value beyond any page does not overrun the caller's line.
+    char line[64];
+    CHECK(pdfw_fix(line, 1e300, 3) - line <= 40);
 }
