@@ -18,13 +18,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <unistd.h>
 
 #include "core/family.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
-#include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
@@ -39,23 +37,40 @@ namespace {
 
 // The standard fonts by index, as the hardware font routines number them.
 const char *const kFontNames[35] = {
-    "Times-Roman",           "Times-Bold",
-    "Times-Italic",          "Times-BoldItalic",
-    "Helvetica",             "Helvetica-Bold",
-    "Helvetica-Oblique",     "Helvetica-BoldOblique",
-    "Helvetica-Narrow",      "Helvetica-Narrow-Bold",
-    "Helvetica-Narrow-Oblique", "Helvetica-Narrow-BoldOblique",
-    "NewCenturySchlbk-Roman", "NewCenturySchlbk-Italic",
-    "NewCenturySchlbk-Bold", "NewCenturySchlbk-BoldItalic",
-    "ZapfChancery-MediumItalic", "ZapfDingbats",
-    "Courier",               "Courier-Bold",
-    "Courier-Oblique",       "Courier-BoldOblique",
-    "AvantGarde-Book",       "AvantGarde-Demi",
-    "AvantGarde-BookOblique", "AvantGarde-DemiOblique",
-    "Bookman-Light",         "Bookman-LightItalic",
-    "Bookman-Demi",          "Bookman-DemiItalic",
-    "Palatino-Roman",        "Palatino-Italic",
-    "Palatino-Bold",         "Palatino-BoldItalic",
+    "Times-Roman",
+    "Times-Bold",
+    "Times-Italic",
+    "Times-BoldItalic",
+    "Helvetica",
+    "Helvetica-Bold",
+    "Helvetica-Oblique",
+    "Helvetica-BoldOblique",
+    "Helvetica-Narrow",
+    "Helvetica-Narrow-Bold",
+    "Helvetica-Narrow-Oblique",
+    "Helvetica-Narrow-BoldOblique",
+    "NewCenturySchlbk-Roman",
+    "NewCenturySchlbk-Italic",
+    "NewCenturySchlbk-Bold",
+    "NewCenturySchlbk-BoldItalic",
+    "ZapfChancery-MediumItalic",
+    "ZapfDingbats",
+    "Courier",
+    "Courier-Bold",
+    "Courier-Oblique",
+    "Courier-BoldOblique",
+    "AvantGarde-Book",
+    "AvantGarde-Demi",
+    "AvantGarde-BookOblique",
+    "AvantGarde-DemiOblique",
+    "Bookman-Light",
+    "Bookman-LightItalic",
+    "Bookman-Demi",
+    "Bookman-DemiItalic",
+    "Palatino-Roman",
+    "Palatino-Italic",
+    "Palatino-Bold",
+    "Palatino-BoldItalic",
     "Symbol",
 };
 const int kZapfDingbats = 17, kSymbol = 34;
@@ -63,15 +78,29 @@ const int kZapfDingbats = 17, kSymbol = 34;
 // Operation codes of the driver; the ones that end an open text object or
 // an open path before they act.
 enum {
-    OP_CLOSE = 1, OP_DRAW = 2, OP_MOVE = 3, OP_PAGE = 4, OP_FILL = 5, OP_WIDTH = 6, OP_JOIN = 7,
-    OP_CAP = 8, OP_MITER = 9, OP_IMAGE = 10, OP_IMAGE_END = 11, OP_CLIP = 18,
+    OP_CLOSE = 1,
+    OP_DRAW = 2,
+    OP_MOVE = 3,
+    OP_PAGE = 4,
+    OP_FILL = 5,
+    OP_WIDTH = 6,
+    OP_JOIN = 7,
+    OP_CAP = 8,
+    OP_MITER = 9,
+    OP_IMAGE = 10,
+    OP_IMAGE_END = 11,
+    OP_CLIP = 18,
 };
 
 const float kDot = 0.354f;  // half of the dash that shows a point
 
-PdfRecord *rec(glbblk *b) { return b->pdf.rec; }
+PdfRecord *rec(glbblk *b) {
+    return b->pdf.rec;
+}
 
-void put(PdfRecord *p, const char *from, const char *to) { pdfw_put(p, from, (size_t)(to - from)); }
+void put(PdfRecord *p, const char *from, const char *to) {
+    pdfw_put(p, from, (size_t)(to - from));
+}
 
 // What every operation does first: an open text object ends, and an open
 // path is stroked unless the operation goes on with it.
@@ -129,7 +158,9 @@ void write_stroke(PdfRecord *p, const int rgb[3]) {
     for (int i = 0; i < 3; ++i) p->strkrgb[i] = rgb[i];
 }
 
-bool same(const int a[3], const int b[3]) { return a[0] == b[0] && a[1] == b[1] && a[2] == b[2]; }
+bool same(const int a[3], const int b[3]) {
+    return a[0] == b[0] && a[1] == b[1] && a[2] == b[2];
+}
 
 // Fills and text take the current colour; a filled rectangle of another
 // colour may have changed the fill colour since.
@@ -293,7 +324,8 @@ void end_page(PdfRecord *p) {
     if (p->rotate) e = pdfw_txt(e, "/Rotate 90\n");
     put(p, line, e);
     if (p->anyfont) {
-        pdfw_str(p, image ? "/Resources << /ProcSet [/PDF /Text /ImageC]\n" : "/Resources << /ProcSet [/PDF /Text]\n");
+        pdfw_str(p, image ? "/Resources << /ProcSet [/PDF /Text /ImageC]\n"
+                          : "/Resources << /ProcSet [/PDF /Text]\n");
         pdfw_str(p, "/Font <<\n");
         for (int i = 1; i < last && i < p->objcap; ++i) {
             if (p->objtype[i] < PDF_FONT) continue;
@@ -302,7 +334,8 @@ void end_page(PdfRecord *p) {
         }
         pdfw_str(p, ">>\n");
     } else {
-        pdfw_str(p, image ? "/Resources << /ProcSet [/PDF /ImageC]\n" : "/Resources << /ProcSet [/PDF]\n");
+        pdfw_str(p, image ? "/Resources << /ProcSet [/PDF /ImageC]\n"
+                          : "/Resources << /ProcSet [/PDF]\n");
     }
     if (image) {
         pdfw_str(p, "/XObject <<\n");
@@ -344,7 +377,8 @@ int open_file(glbblk *b, PdfRecord *p) {
             std::snprintf(p->tmpname, sizeof p->tmpname, "%s.%ld-%u.tmp", s.fname, (long)getpid(),
                           g_tmpcount.fetch_add(1));
             fp = std::fopen(p->tmpname, "wbx");
-            if (!fp && access(p->tmpname, F_OK) != 0) break;  // not a clash: the place is not writable
+            if (!fp && access(p->tmpname, F_OK) != 0)
+                break;  // not a clash: the place is not writable
         }
     }
     qqlock(1);
@@ -632,7 +666,8 @@ void image_object(PdfRecord *p, const qqcanvas &cv) {
         if (!row) {
             // Without a row buffer the size of the stream still holds.
             static const unsigned char white[3] = {255, 255, 255};
-            for (int xx = 0; xx < cv.cw; ++xx) pdfw_put(p, reinterpret_cast<const char *>(white), 3);
+            for (int xx = 0; xx < cv.cw; ++xx)
+                pdfw_put(p, reinterpret_cast<const char *>(white), 3);
             continue;
         }
         for (int xx = 0; xx < cv.cw; ++xx) {

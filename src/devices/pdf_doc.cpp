@@ -11,7 +11,9 @@
 
 namespace {
 
-void *plain_realloc(void *old, size_t size) { return std::realloc(old, size); }
+void *plain_realloc(void *old, size_t size) {
+    return std::realloc(old, size);
+}
 
 const size_t kContentCap = 300000;  // a content stream is compressed in pieces of this size
 const size_t kMemoryStep = 512000;  // memory output grows by this much
@@ -82,7 +84,8 @@ void write_collected(PdfRecord *p, bool image) {
     char *e;
     if (z >= 0) {
         e = pdfw_int(pdfw_txt(line, image ? "   /Length " : "<< /Length "), z);
-        e = pdfw_txt(e, image ? "\n   /Filter /FlateDecode\n>>\nstream\n" : "\n/Filter /FlateDecode\n>>\nstream\n");
+        e = pdfw_txt(e, image ? "\n   /Filter /FlateDecode\n>>\nstream\n"
+                              : "\n/Filter /FlateDecode\n>>\nstream\n");
         pdfw_put(p, line, (size_t)(e - line));
         pdfw_put(p, reinterpret_cast<const char *>(p->zbuf), (size_t)z);
     } else {
@@ -122,14 +125,18 @@ void pdfw_put(PdfRecord *p, const char *data, size_t n) noexcept {
     }
 }
 
-void pdfw_str(PdfRecord *p, const char *text) noexcept { pdfw_put(p, text, std::strlen(text)); }
+void pdfw_str(PdfRecord *p, const char *text) noexcept {
+    pdfw_put(p, text, std::strlen(text));
+}
 
 char *pdfw_txt(char *at, const char *text) noexcept {
     while (*text) *at++ = *text++;
     return at;
 }
 
-char *pdfw_int(char *at, long long v) noexcept { return std::to_chars(at, at + 24, v).ptr; }
+char *pdfw_int(char *at, long long v) noexcept {
+    return std::to_chars(at, at + 24, v).ptr;
+}
 
 char *pdfw_fix(char *at, double v, int prec) noexcept {
     static const double kScale[4] = {1.0, 10.0, 100.0, 1000.0};

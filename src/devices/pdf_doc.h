@@ -30,30 +30,37 @@ struct PdfMark {
 };
 
 // Object types of the object table.
-enum { PDF_PLAIN = 0, PDF_CONTENT = 1, PDF_PAGE = 2, PDF_IMAGE = 3, PDF_OUTLINE = 5, PDF_FONT = 10 };
+enum {
+    PDF_PLAIN = 0,
+    PDF_CONTENT = 1,
+    PDF_PAGE = 2,
+    PDF_IMAGE = 3,
+    PDF_OUTLINE = 5,
+    PDF_FONT = 10
+};
 
 // The driver's record, made at open and freed at close.
 struct PdfRecord {
     PdfSink sink;
-    long long pdfpos;            // bytes that reached the sink
-    int objnext;                 // next object number; 1 and 2 are the catalog and the page tree
-    long long *objpos;           // byte offset of each object, by number
-    unsigned char *objtype;      // its type (PDF_ above, PDF_FONT + index for a font)
-    int objcap;                  // entries of both tables, growing by 100
-    int pagefirst;               // first object of the current page
-    int pagecont, contlast;      // content objects of this page, the last one's number
-    int mediaw, mediah;          // MediaBox in points
-    unsigned char rotate;        // the page is shown turned by 90 degrees
-    unsigned char landscape;     // positions map as (sY, sX)
-    unsigned char compress;      // compression wished
-    unsigned char compnow;       // the stream being written is collected for compression
-    unsigned char instream;      // a content stream is open
-    unsigned char *stmbuf;       // the stream being collected
-    size_t stmcap, stmlen;       // its size and length
-    unsigned char stmon;         // collecting
-    unsigned char stmimage;      // the stream collected is an image: it is never split
-    long long stmstart;          // offset of an uncompressed stream's data
-    unsigned char *zbuf;         // output of deflate, kept from stream to stream
+    long long pdfpos;         // bytes that reached the sink
+    int objnext;              // next object number; 1 and 2 are the catalog and the page tree
+    long long *objpos;        // byte offset of each object, by number
+    unsigned char *objtype;   // its type (PDF_ above, PDF_FONT + index for a font)
+    int objcap;               // entries of both tables, growing by 100
+    int pagefirst;            // first object of the current page
+    int pagecont, contlast;   // content objects of this page, the last one's number
+    int mediaw, mediah;       // MediaBox in points
+    unsigned char rotate;     // the page is shown turned by 90 degrees
+    unsigned char landscape;  // positions map as (sY, sX)
+    unsigned char compress;   // compression wished
+    unsigned char compnow;    // the stream being written is collected for compression
+    unsigned char instream;   // a content stream is open
+    unsigned char *stmbuf;    // the stream being collected
+    size_t stmcap, stmlen;    // its size and length
+    unsigned char stmon;      // collecting
+    unsigned char stmimage;   // the stream collected is an image: it is never split
+    long long stmstart;       // offset of an uncompressed stream's data
+    unsigned char *zbuf;      // output of deflate, kept from stream to stream
     size_t zcap;
     unsigned char pathopen;      // a path with segments is open and must be stroked
     unsigned char penmode;       // 3 after a move, 2 after a draw
@@ -72,15 +79,15 @@ struct PdfRecord {
     int qfill[3], qstrk[3];
     double qlinew, qmiter;
     int qcap, qjoin;
-    int imgcount;                // images so far
-    unsigned char imgmask;       // the next image masks white
-    int imgw, imgh;              // size of the image being written
-    int pageno;                  // page number from 1
-    PdfMark *marks;              // bookmarks
+    int imgcount;           // images so far
+    unsigned char imgmask;  // the next image masks white
+    int imgw, imgh;         // size of the image being written
+    int pageno;             // page number from 1
+    PdfMark *marks;         // bookmarks
     int nmarks, capmarks;
-    unsigned char nomem;         // the object table could not grow: the document is lost
-    char tmpname[300];           // the file as it is written; renamed at close
-    char finalname[300];         // its name once complete
+    unsigned char nomem;  // the object table could not grow: the document is lost
+    char tmpname[300];    // the file as it is written; renamed at close
+    char finalname[300];  // its name once complete
 };
 
 // Bytes as they are.

@@ -16,7 +16,9 @@
 
 namespace {
 
-void put(PdfRecord *p, const char *from, const char *to) { pdfw_put(p, from, (size_t)(to - from)); }
+void put(PdfRecord *p, const char *from, const char *to) {
+    pdfw_put(p, from, (size_t)(to - from));
+}
 
 // The moment of creation as year, month, day, hour, minute, second: the
 // local time, or SOURCE_DATE_EPOCH in UTC when it holds an integer, so

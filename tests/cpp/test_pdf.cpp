@@ -60,14 +60,15 @@ bool offsets_hold(const std::string &pdf) {
     for (int i = 1; i < n; ++i, row += 20) {
         size_t off = std::strtoul(pdf.c_str() + row, nullptr, 10);
         std::string head = std::to_string(i) + " 0 obj\n";
-        if (pdf.compare(off, head.size(), head) != 0 || pdf.compare(row + 10, 10, " 00000 n \n") != 0)
+        if (pdf.compare(off, head.size(), head) != 0 ||
+            pdf.compare(row + 10, 10, " 00000 n \n") != 0)
             return false;
     }
     return true;
 }
 
 int calls = 0, failing_call = 0;  // the allocation that fails, counted from 1; 0 none
-size_t failing_from = 0;           // or: every request of this size or more fails
+size_t failing_from = 0;          // or: every request of this size or more fails
 void *test_realloc(void *old, size_t size) {
     if (failing_from && size >= failing_from) return nullptr;
     if (++calls == failing_call) return nullptr;
@@ -131,7 +132,8 @@ TEST(pdf_bytes_of_a_small_session) {
         "ET\nBT\n/F35 25.0 Tf\n100 Tz\n0 1 -1 0 65.00 199.50 Tm\n(\\334) Tj\n"
         "ET\nQ\nendstream\nendobj\n"
         "4 0 obj\n474\nendobj\n"
-        "5 0 obj\n<< /Type /Font\n/Subtype /Type1\n/BaseFont /Helvetica\n/Encoding /WinAnsiEncoding\n>>\nendobj\n"
+        "5 0 obj\n<< /Type /Font\n/Subtype /Type1\n/BaseFont /Helvetica\n/Encoding "
+        "/WinAnsiEncoding\n>>\nendobj\n"
         "6 0 obj\n<< /Type /Font\n/Subtype /Type1\n/BaseFont /Symbol\n>>\nendobj\n"
         "7 0 obj\n<<\n/Type /Page\n/MediaBox [0 0 500 700]\n/Parent 2 0 R\n"
         "/Resources << /ProcSet [/PDF /Text]\n/Font <<\n/F5 5 0 R\n/F35 6 0 R\n>>\n>>\n"
@@ -147,7 +149,8 @@ TEST(pdf_bytes_of_a_small_session) {
         "2 0 obj\n<< /Type /Pages /Kids [\n7 0 R\n10 0 R\n] /Count 2\n>>\nendobj\n"
         "11 0 obj\n<< /Type /Outlines\n   /First 12 0 R\n   /Last 12 0 R\n   /Count 1\n>>\nendobj\n"
         "12 0 obj\n<< /Title (One)\n   /Parent 11 0 R\n   /Dest [7 0 R /XYZ 0 700 0]\n>>\nendobj\n"
-        "1 0 obj\n<< /Type /Catalog /Pages 2 0 R\n   /Outlines 11 0 R\n   /PageMode /UseOutlines\n>>\nendobj\n"
+        "1 0 obj\n<< /Type /Catalog /Pages 2 0 R\n   /Outlines 11 0 R\n   /PageMode "
+        "/UseOutlines\n>>\nendobj\n"
         "13 0 obj\n<< /CreationDate (D:19700102000000)\n/Producer (KOLVEX 10.5)\n>>\nendobj\n";
     CHECK(same(got.substr(0, got.find("xref\n")), want));
     CHECK(offsets_hold(got));
@@ -204,13 +207,14 @@ TEST(pdf_fallbacks_without_memory) {
 
     failing_from = 0;
     calls = 0;
-    failing_call = 4;  // the record's tables and the stream buffer are had, the deflate output is not
+    failing_call =
+        4;  // the record's tables and the stream buffer are had, the deflate output is not
     b = open_pdf("nozbuf.pdf", true);
     kolfin();
     delglb();
     got = testkit::read_file("nozbuf.pdf");
-    CHECK(got.find("3 0 obj\n<< /Length 34 >>\nstream\n0.709 w\n2 J\n2 j\n0 0 0 rg\n0 0 0 RG\nendstream") !=
-          std::string::npos);
+    CHECK(got.find("3 0 obj\n<< /Length 34 >>\nstream\n0.709 w\n2 J\n2 j\n0 0 0 rg\n0 0 0 "
+                   "RG\nendstream") != std::string::npos);
     CHECK(offsets_hold(got));
 
     failing_call = 0;
@@ -240,8 +244,9 @@ TEST(pdf_fallbacks_without_memory) {
 
 // The numbers of the format are printf's, ties and large values included.
 TEST(pdf_numbers_as_printf) {
-    const double fixed[] = {0.0,    -0.0,   0.125,  2.675,   1.005,    -0.001,  0.005,   999999.995,
-                            1e6,    1e7 + 0.125, -2.5e9, 0.709,  0.7086614173, 552.755905, -1e15, -1e-300};
+    const double fixed[] = {0.0,          -0.0,       0.125, 2.675,       1.005,  -0.001,
+                            0.005,        999999.995, 1e6,   1e7 + 0.125, -2.5e9, 0.709,
+                            0.7086614173, 552.755905, -1e15, -1e-300};
     unsigned long long seed = 12345;
     int bad = 0;
     for (int i = 0; i < 200000 + 16; ++i) {
