@@ -381,17 +381,27 @@ int open_file(glbblk *b, PdfRecord *p) {
                 break;  // not a clash: the place is not writable
         }
     }
+    // A new name is taken at once by an empty file, so that a session of
+    // another thread cannot choose the same version; empty, it does not
+    // look like a document.
+    if (fp && s.fmode != 1) {
+        FILE *mark = std::fopen(s.fname, "wbx");
+        if (mark) {
+            std::fclose(mark);
+            p->placeholder = 1;
+        }
+    }
     qqlock(1);
     if (w != 0) {
         qqwar0(b, w);
         return w;
     }
+    std::snprintf(p->finalname, sizeof p->finalname, "%s", s.fname);
     if (!fp) {
         p->tmpname[0] = '\0';
         qqwar0(b, 36);
         return 36;
     }
-    std::snprintf(p->finalname, sizeof p->finalname, "%s", s.fname);
     p->sink.fp = fp;
     return 0;
 }
@@ -405,10 +415,13 @@ int finish_file(glbblk *b, PdfRecord *p) {
     if (fp && std::fclose(fp) != 0) ok = false;
     if (ok && !p->nomem && std::rename(p->tmpname, p->finalname) == 0) {
         p->tmpname[0] = '\0';
+        p->placeholder = 0;
         return 1;
     }
     std::remove(p->tmpname);
     p->tmpname[0] = '\0';
+    if (p->placeholder) std::remove(p->finalname);
+    p->placeholder = 0;
     qqwar0(b, p->nomem ? 53 : 36);
     return 0;
 }
@@ -421,6 +434,7 @@ void drop_record(glbblk *b) {
         p->sink.fp = nullptr;
     }
     if (p->tmpname[0]) std::remove(p->tmpname);
+    if (p->placeholder) std::remove(p->finalname);
     pdfw_free(p);
     std::free(p);
     b->pdf.rec = nullptr;

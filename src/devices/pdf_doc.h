@@ -85,9 +85,10 @@ struct PdfRecord {
     int pageno;             // page number from 1
     PdfMark *marks;         // bookmarks
     int nmarks, capmarks;
-    unsigned char nomem;  // the object table could not grow: the document is lost
-    char tmpname[300];    // the file as it is written; renamed at close
-    char finalname[300];  // its name once complete
+    unsigned char nomem;        // the object table could not grow: the document is lost
+    unsigned char placeholder;  // the final name is held by an empty file until the rename
+    char tmpname[300];          // the file as it is written; renamed at close
+    char finalname[300];        // its name once complete
 };
 
 // Bytes as they are.
