@@ -273,3 +273,23 @@ TEST(pdf_numbers_as_printf) {
     char line[64];
     CHECK(pdfw_fix(line, 1e300, 3) - line <= 40);
 }
+
+// What a "Q" takes back (colours and width set inside the clip) is written
+// again, so that the drawing after the clip keeps its state.
+TEST(pdf_clip_keeps_the_state) {
+    glbblk *b = open_pdf("clip.pdf", false);
+    clpwin(0, 0, 500, 400);
+    setrgb(1.0, 0.0, 0.0);
+    linwid(3);
+    clpwin(0, 0, 1000, 1400);  // the whole page: the clip ends
+    qqmove(b, 0, 0);
+    qqdraw(b, 10, 10);
+    qqflsh(b);
+    kolfin();
+    delglb();
+    std::string got = testkit::read_file("clip.pdf");
+    CHECK(
+        got.find("1 0 0 rg\n1 0 0 RG\n1.500 w\nQ\n1 0 0 RG\n1 0 0 rg\n1.500 w\n0.00 699.50 m\n") !=
+        std::string::npos);
+    unsetenv("SOURCE_DATE_EPOCH");
+}
