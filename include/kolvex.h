@@ -112,6 +112,9 @@ KOLVEX_API void lnmlt(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void noclip(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
 
+/* PostScript */
+KOLVEX_API void psmode(const char *copt) KOLVEX_NOEXCEPT;
+
 /* PDF driver */
 KOLVEX_API int pdfbuf(unsigned char *cbuf, int nmax) KOLVEX_NOEXCEPT;
 KOLVEX_API void pdfmrk(const char *cstr, const char *copt) KOLVEX_NOEXCEPT;

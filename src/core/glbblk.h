@@ -13,6 +13,7 @@
 #include "core/session_state.h"
 #include "devices/device_state.h"
 #include "devices/pdf_state.h"
+#include "devices/postscript_state.h"
 #include "devices/vector_state.h"
 #include "raster/canvas_state.h"
 #include "raster/colour_state.h"
@@ -25,6 +26,7 @@ struct glbblk {
     DeviceState dev;      // polyline buffer, clipping, line style
     VectorState vec;      // drivers of SVG, IPE and Java
     PdfState pdf;         // the PDF document being written, or held for pdfbuf
+    PsState ps;           // PostScript driver
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency
 };
