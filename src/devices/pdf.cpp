@@ -661,9 +661,9 @@ void pdf_new_page(glbblk *b) {
 }
 
 // An image object of the canvas: RGB rows from the top.
-void image_object(PdfRecord *p, const qqcanvas &cv) {
-    p->imgw = cv.cw;
-    p->imgh = cv.ch;
+void image_object(PdfRecord *p, const qqcanvas &cv, int x0, int y0, int w, int h) {
+    p->imgw = w;
+    p->imgh = h;
     p->imgcount++;
     pdfw_object(p, PDF_IMAGE);
     pdfw_str(p, "<< /Type /XObject /Subtype /Image\n   /ColorSpace /DeviceRGB\n");
@@ -674,30 +674,30 @@ void image_object(PdfRecord *p, const qqcanvas &cv) {
     put(p, line, pdfw_txt(e, " /BitsPerComponent 8\n"));
     pdfw_image_data(p);
     // Three bytes a pixel, through one row buffer.
-    unsigned char *row = static_cast<unsigned char *>(qqpdfrealloc(nullptr, (size_t)3 * cv.cw));
-    for (int yy = 0; yy < cv.ch; ++yy) {
-        const unsigned char *src = cv.pix + (size_t)yy * cv.rowb;
+    unsigned char *row = static_cast<unsigned char *>(qqpdfrealloc(nullptr, (size_t)3 * w));
+    for (int yy = 0; yy < h; ++yy) {
+        const unsigned char *src = cv.pix + (size_t)(y0 + yy) * cv.rowb;
         if (!row) {
             // Without a row buffer the size of the stream still holds.
             static const unsigned char white[3] = {255, 255, 255};
-            for (int xx = 0; xx < cv.cw; ++xx)
-                pdfw_put(p, reinterpret_cast<const char *>(white), 3);
+            for (int xx = 0; xx < w; ++xx) pdfw_put(p, reinterpret_cast<const char *>(white), 3);
             continue;
         }
-        for (int xx = 0; xx < cv.cw; ++xx) {
+        for (int xx = 0; xx < w; ++xx) {
             unsigned char *d = row + 3 * xx;
+            int sx = x0 + xx;
             if (cv.rgbcnv) {
-                d[0] = src[4 * xx];
-                d[1] = src[4 * xx + 1];
-                d[2] = src[4 * xx + 2];
+                d[0] = src[4 * sx];
+                d[1] = src[4 * sx + 1];
+                d[2] = src[4 * sx + 2];
             } else {
-                int v = src[xx];
+                int v = src[sx];
                 d[0] = cv.tabr[v];
                 d[1] = cv.tabg[v];
                 d[2] = cv.tabb[v];
             }
         }
-        pdfw_put(p, reinterpret_cast<const char *>(row), (size_t)3 * cv.cw);
+        pdfw_put(p, reinterpret_cast<const char *>(row), (size_t)3 * w);
     }
     std::free(row);
     pdfw_image_end(p);
@@ -712,7 +712,7 @@ void pdf_image(glbblk *b) {
     before(p, OP_IMAGE);
     p->imgmask = b->cnv.imgtran != -1;
     pdfw_content_end(p);
-    image_object(p, cv);
+    image_object(p, cv, 0, 0, cv.cw, cv.ch);
     char line[160];
     char *e;
     pdfw_content_start(p);
@@ -865,7 +865,18 @@ int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept {
     p->pageno = 1;
     p->compress = b->opt.pdfcomp ? 1 : 0;
     p->sink.fp = fp;
-    bool wide = cv->cw > cv->ch;
+    // The rectangle of imgclp, as every picture file keeps it.
+    const CanvasState &cs = b->cnv;
+    int x0 = 0, y0 = 0, iw = cv->cw, ih = cv->ch;
+    if (cs.imgcflg && cs.imgcx[0] >= 0 && cs.imgcx[1] >= 0 && cs.imgcx[2] >= 1 &&
+        cs.imgcx[3] >= 1 && (long long)cs.imgcx[0] + cs.imgcx[2] <= cv->cw &&
+        (long long)cs.imgcx[1] + cs.imgcx[3] <= cv->ch) {
+        x0 = cs.imgcx[0];
+        y0 = cs.imgcx[1];
+        iw = cs.imgcx[2];
+        ih = cs.imgcx[3];
+    }
+    bool wide = iw > ih;
     p->rotate = wide;
     const SessionState &s = b->sess;
     double p1 = s.hwsflg ? 2.0 * s.hwsiz[0] : 3900, p2 = s.hwsflg ? 2.0 * s.hwsiz[1] : 5600;
@@ -877,13 +888,13 @@ int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept {
     pdfw_content_start(p);
     pdfw_str(p, "0.709 w\n2 J\n2 j\n");
     pdfw_content_end(p);
-    image_object(p, *cv);
+    image_object(p, *cv, x0, y0, iw, ih);
     pdfw_content_start(p);
     char line[160];
     char *e = pdfw_fix(pdfw_txt(line, "q\n1 0 0 1 "), wide ? p1 * c : 0.0, 2);
     put(p, line, pdfw_txt(e, " 0.00 cm\n"));
     if (wide) pdfw_str(p, "0 1 -1 0 0 0 cm\n");
-    double w = cv->cw, h = cv->ch;
+    double w = iw, h = ih;
     double f = wide ? std::fmin(p2 / w, p1 / h) : std::fmin(p1 / w, p2 / h);
     e = pdfw_txt(pdfw_fix(line, w * f * c, 2), " 0 0 ");
     put(p, line, pdfw_txt(pdfw_fix(e, h * f * c, 2), " 0 0 cm\n/Image1 Do\nQ\n"));

@@ -7,8 +7,9 @@
 struct glbblk;
 struct qqcanvas;
 
-// Writes the canvas as a one-page PDF document (the image scaled to the
-// paper of the page formats, turned when wider than high) to an open
-// binary stream, compressed as pdfmod says.  The stream stays the
+// Writes the canvas (the rectangle of imgclp, as the picture files keep
+// it) as a one-page PDF document, the image scaled to the paper of the
+// page formats and turned when wider than high, to an open binary
+// stream, compressed as pdfmod says.  Format 9 of expimg.  The stream stays the
 // caller's.  Returns 0, -1 for a write error, -2 without memory.
 int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept;
