@@ -4,46 +4,19 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 
+#include "core/filetime.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "devices/pdf_doc.h"
-#include "devices/vector.h"
 #include "kolvex.h"
 
 namespace {
 
 void put(PdfRecord *p, const char *from, const char *to) {
     pdfw_put(p, from, (size_t)(to - from));
-}
-
-// The moment of creation as year, month, day, hour, minute, second: the
-// local time, or SOURCE_DATE_EPOCH in UTC when it holds an integer, so
-// that identical programs give identical files.
-void creation_time(int t[6]) {
-    const char *env = std::getenv("SOURCE_DATE_EPOCH");
-    if (env && *env) {
-        char *end = nullptr;
-        long long v = std::strtoll(env, &end, 10);
-        if (end && *end == '\0') {
-            std::time_t when = (std::time_t)v;
-            std::tm tmv;
-            std::memset(&tmv, 0, sizeof tmv);
-            if (gmtime_r(&when, &tmv)) {
-                t[0] = tmv.tm_year + 1900;
-                t[1] = tmv.tm_mon + 1;
-                t[2] = tmv.tm_mday;
-                t[3] = tmv.tm_hour;
-                t[4] = tmv.tm_min;
-                t[5] = tmv.tm_sec % 60;
-                return;
-            }
-        }
-    }
-    qqvtime(t);
 }
 
 char *two_digits(char *at, int v) {
@@ -187,7 +160,7 @@ void pdfw_end(PdfRecord *p) noexcept {
 
     int info = pdfw_object(p, PDF_PLAIN);
     int t[6];
-    creation_time(t);
+    qqfiletime(t);  // SOURCE_DATE_EPOCH when set: identical programs, identical files
     char line[128];
     char *e = pdfw_int(pdfw_txt(line, "<< /CreationDate (D:"), t[0]);
     for (int i = 1; i < 6; ++i) e = two_digits(e, t[i]);
