@@ -74,6 +74,7 @@ KOLVEX_API void metafl(const char *cdev) KOLVEX_NOEXCEPT;
 KOLVEX_API void newpag(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void page(int nxp, int nyp) KOLVEX_NOEXCEPT;
 KOLVEX_API void pagera(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void pagfll(int ncol) KOLVEX_NOEXCEPT;
 KOLVEX_API void pagmod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void pdfmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void pngmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
@@ -165,6 +166,38 @@ KOLVEX_API int rbfpng(unsigned char *cbuf, int nmax) KOLVEX_NOEXCEPT;
 KOLVEX_API void tiforg(int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void tifwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void wtiff(const char *cfl) KOLVEX_NOEXCEPT;
+
+/* Line styles */
+KOLVEX_API void chndot(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void chndsh(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dash(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dashl(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dashm(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dot(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dotl(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void linclr(const int *nray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void line(int nx1, int ny1, int nx2, int ny2) KOLVEX_NOEXCEPT;
+KOLVEX_API void lintyp(int ityp) KOLVEX_NOEXCEPT;
+KOLVEX_API void myline(const int *nray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void solid(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int getlin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int gettyp(void) KOLVEX_NOEXCEPT;
+
+/* Area fill, polygon clipping and patterns */
+KOLVEX_API void areaf(const int *nxray, const int *nyray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void mypat(int iang, int itype, int idens, int icross) KOLVEX_NOEXCEPT;
+KOLVEX_API void noarln(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void nofill(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void patcyc(int index, int ipat) KOLVEX_NOEXCEPT;
+KOLVEX_API int polclp(const double *xray, const double *yray, int n, double *xout, double *yout, int nmax, double xv, const char *cedge) KOLVEX_NOEXCEPT;
+KOLVEX_API void recfll(int nx, int ny, int nw, int nh, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void rectan(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void shdfac(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void shdpat(int ipat) KOLVEX_NOEXCEPT;
+KOLVEX_API void xdraw(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API int getpat(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlarea(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
 
 #ifdef __cplusplus
 }

@@ -15,6 +15,7 @@
 #include "devices/pdf_state.h"
 #include "devices/postscript_state.h"
 #include "devices/vector_state.h"
+#include "plots/style_state.h"
 #include "raster/canvas_state.h"
 #include "raster/colour_state.h"
 
@@ -29,4 +30,5 @@ struct glbblk {
     PsState ps;           // PostScript driver
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency
+    StyleState sty;       // line style number, shading pattern, fill switches
 };
