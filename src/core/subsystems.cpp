@@ -11,7 +11,11 @@ extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
 extern const Subsystem kxsub_pdf;
+extern const Subsystem kxsub_text;
+extern const Subsystem kxsub_numbers;
+extern const Subsystem kxsub_axes;
 extern const Subsystem kxsub_styles;
+extern const Subsystem kxsub_curves;
 extern const Subsystem kxsub_postscript;
 
 namespace {
@@ -30,7 +34,11 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_postscript,
     &kxsub_canvas,
     &kxsub_colour,
+    &kxsub_text,
+    &kxsub_numbers,
+    &kxsub_axes,
     &kxsub_styles,
+    &kxsub_curves,
 };
 
 }  // namespace

@@ -1,0 +1,55 @@
+// The axis systems as the plotting routines see them: the conversions from
+// user to plot coordinates and the tests and automatic scaling that every
+// axis-system routine shares.
+//
+// Plot coordinates are doubles on the page grid, y growing downward, before
+// the origin shift that the device layer adds.  The conversions read the
+// scaling record (AxesState::rec) that graf writes; they are valid from
+// graf to endgrf (level 2 or 3).
+#pragma once
+
+struct glbblk;
+
+// User X and Y to plot coordinates by the rule of the axis system in force
+// (logarithmic axes, neglog, the limit of +-1e6 in a rectangular system).
+double qqxpos(glbblk *b, double x) noexcept;
+double qqypos(glbblk *b, double y) noexcept;
+// Both at once; for polar and complex systems only this form is exact.
+void qqpos2(glbblk *b, double x, double y, double *xp, double *yp) noexcept;
+// Plot to user coordinates (no page flip): the inverse of qqxpos, qqypos.
+double qqxinv(glbblk *b, double xp) noexcept;
+double qqyinv(glbblk *b, double yp) noexcept;
+
+// Automatic scaling of one axis (0 X, 1 Y, 2 Z) when setscl asked for it:
+// replaces a, e, or and step (exponents on a logarithmic axis) and stores
+// the digits of the axis.  Does nothing for an axis without the flag.
+void qqautscl(glbblk *b, int axis, double *a, double *e, double *orl, double *step) noexcept;
+// The tests of one axis before an axis system is drawn.  Returns 1 when
+// the scaling is refused (warnings 9, 10, 11 given), 0 otherwise.  which
+// 4 tests pos as the left end of an X axis, 5 as the lower end of a Y
+// axis (warnings 4 and 5 when the axis leaves the page); 0 no position.
+int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len, int pos, int which) noexcept;
+
+// Digits for the labels of an axis with automatic digits: the larger need
+// of the first label and the step.
+int qqaxdig(double orl, double step) noexcept;
+
+// The clip rectangle and circle of an axis system whose lower left corner
+// is x, y and size w, h, widened by the grace margin (device layer fields).
+void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept;
+// Registers a routine that endgrf runs (at most four, each once); call it
+// from a subsystem's share of the session defaults.
+void qqaxhook(glbblk *b, void (*fn)(glbblk *)) noexcept;
+
+// Public routines kept by the axes whose table lines come with the colour
+// plots: colour rectangles and colour-bar distances.
+void setres(int nx, int ny) noexcept;
+void autres(int ixdim, int iydim) noexcept;
+void vkxbar(int nshift) noexcept;
+void vkybar(int nshift) noexcept;
+void widbar(int nwid) noexcept;
+
+// Helpers of the axis settings: the axes named in an option string (bit 0
+// X, 1 Y, 2 Z), and the label type of an axis with what it implies.
+int qqaxsmask(const char *s) noexcept;
+void qqlabkind(glbblk *b, int axis, int k) noexcept;

@@ -1,0 +1,355 @@
+// One axis: its line, ticks, labels and name.
+//
+// Positions follow the page grid: an X axis runs from x0 to x0 + len - 1
+// at height y0, a Y axis from y0 up to y0 - len + 1 at x0.  The side flag
+// tells where labels go: 0 below an X axis or right of a Y axis (toward
+// larger page coordinates), 1 the other side.
+#include "axes/axis_draw.h"
+
+#include <atomic>
+#include <cmath>
+#include <cstring>
+
+#include "axes/axes.h"
+#include "axes/label_text.h"
+#include "core/glbblk.h"
+#include "core/text.h"
+#include "core/warnings.h"
+#include "devices/device.h"
+
+namespace {
+
+// Successive ticks swap their ends so that a pen plotter need not travel
+// back; the toggle is shared by all threads, as its only effect is the
+// order of two points.
+std::atomic<int> tick_toggle{0};
+
+// More ticks or labels than this on one axis cannot be told apart on any
+// page; such an axis is drawn without them instead of looping for hours.
+constexpr double kMaxMarks = 100000;
+
+int colour_on(glbblk *b, int clr) {
+    int cur = b->dev.curclr;
+    if (clr != -1 && clr != cur) qqsetc(b, clr);
+    return cur;
+}
+
+void colour_off(glbblk *b, int clr, int saved) {
+    if (clr != -1 && clr != saved) qqsetc(b, saved);
+}
+
+bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.logfrm[c.axis] == 1; }
+
+}  // namespace
+
+void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept {
+    const AxesState &ax = b->ax;
+    if (n < 1) return;
+    double s = c.step;
+    bool logminor = false;
+    if (c.logax && n >= 2 && std::fabs(c.orl - std::nearbyint(c.orl)) < 1e-4) {
+        bool ok = ax.logtic == 0 ? std::fabs(std::fabs(s) - 1.0) < 1e-4
+                                 : std::fabs(s - std::nearbyint(s)) < 1e-4 && std::nearbyint(s) != 0;
+        if (ok) {
+            logminor = true;
+            s = s < 0 ? -1.0 : 1.0;
+            n = 1;
+        }
+    }
+    double f = (c.len - 1) / (c.e - c.a);
+    double ds = s / n;
+    double lo = (c.orl - c.a) / ds + 1e-4, hi = (c.e - c.orl) / ds + 1e-4;
+    if (!std::isfinite(lo) || !std::isfinite(hi) || std::fabs(lo) + std::fabs(hi) > kMaxMarks) return;
+    long i0 = -(long)std::trunc(lo), i1 = (long)std::trunc(hi);
+    bool isx = qqaxgeo(c) == 0;
+    auto tick = [&](double pos, int len) {
+        double a0 = centred ? -len / 2 : 0, a1 = centred ? len - len / 2 : len;
+        double p0x, p0y, p1x, p1y;
+        if (isx) {
+            p0x = p1x = pos;
+            p0y = c.y0 + a0;
+            p1y = c.y0 + a1;
+        } else {
+            p0y = p1y = pos;
+            p0x = c.x0 + a0;
+            p1x = c.x0 + a1;
+        }
+        if (tick_toggle.fetch_xor(1, std::memory_order_relaxed))
+            qqline(b, p1x, p1y, p0x, p0y);
+        else
+            qqline(b, p0x, p0y, p1x, p1y);
+    };
+    for (long i = i0; i <= i1; ++i) {
+        double d = std::trunc(i * f * ds + (c.orl - c.a) * f + 0.5);
+        double pos = isx ? c.x0 + d : c.y0 - d;
+        tick(pos, i % n == 0 ? lmaj : lmin);
+    }
+    if (logminor) {
+        double lo2 = c.a < c.e ? c.a : c.e, hi2 = c.a < c.e ? c.e : c.a;
+        double d0 = std::floor(lo2) - 1, d1 = std::ceil(hi2) + 1;
+        if (d1 - d0 > kMaxMarks) return;
+        for (double dec = d0; dec <= d1; dec += 1)
+            for (int j = 2; j <= 9; ++j) {
+                double lv = dec + std::log10((double)j);
+                if (lv < lo2 || lv > hi2) continue;
+                double d = (double)qqnint((lv - c.a) * f);
+                tick(isx ? c.x0 + d : c.y0 - d, lmin);
+            }
+    }
+}
+
+namespace {
+
+struct LabelPlan {
+    int first, last, inc;
+    bool power;
+    int h;
+    double B;
+};
+
+// The index range of the labels after labpos and axends.
+bool plan_labels(const AxesState &ax, const AxisCall &c, LabelPlan *p) {
+    double q = (c.e - c.orl) / c.step + 1e-4;
+    if (!std::isfinite(q) || q > kMaxMarks || q < -1) return false;
+    int last = (int)std::trunc(q);
+    if (ax.labpos[c.axis] == 1) --last;
+    if (last < 0) return false;
+    int first = 0, inc = 1;
+    switch (ax.axends[c.axis]) {
+    case 1: first = 1; break;
+    case 2: --last; break;
+    case 3:
+        first = 1;
+        --last;
+        break;
+    case 4: inc = last > 0 ? last : 1; break;
+    case 5: last = 0; break;
+    case 6: first = last; break;
+    default: break;
+    }
+    p->first = first;
+    p->last = last;
+    p->inc = inc;
+    return first <= last;
+}
+
+double label_value(const AxesState &ax, const AxisCall &c, int i) {
+    double v = c.orl + i * c.step;
+    int lab = ax.lab[c.axis];
+    if ((lab == 2 || lab == 13 || lab == 16) && std::fabs(v) < 1e-7 && std::fabs(v) < std::fabs(c.step) / 2)
+        v = 0;
+    return v;
+}
+
+int draw_labels(glbblk *b, const AxisCall &c, double base) {
+    AxesState &ax = b->ax;
+    int axis = c.axis;
+    int lab = ax.lab[axis];
+    if (lab == 0) return 0;
+    LabelPlan p;
+    if (!plan_labels(ax, c, &p)) return 0;
+    bool power = is_power(ax, c);
+    int h = qqaxth(b);
+    double B = qqaxbase(b);
+    int jus = ax.labjus[axis];
+    AxMixSave mix;
+    bool mixed = false;
+    if (power) {
+        qqaxmix(b, 0, &mix);
+        mixed = true;
+        if (jus == 0) jus = 1;
+    } else if (lab == 2 || lab == 16 || ax.labcls[axis] == 2) {
+        qqaxmix(b, lab == 16, &mix);
+        mixed = true;
+    }
+    if (lab == 12 && jus == 0) jus = ax.rgtlab ? 2 : 1;
+    int savdig = ax.ndig[axis];
+    if (ax.autdig[axis] && !ax.autscl[axis]) ax.ndig[axis] = qqaxdig(c.orl, c.step);
+    double f = (c.len - 1) / (c.e - c.a);
+    bool neg = c.side == 1;
+    bool vert = ax.labori[axis] == 1;
+    char t[QQ_LABLEN + 1];
+    // Labels whose width sets the extent: measure them all first.
+    int E;
+    bool xgeo = qqaxgeo(c) == 0;
+    bool wide_extent = xgeo == vert;
+    if (wide_extent) {
+        double wmax = 0;
+        for (int i = p.first; i <= p.last; i += p.inc) {
+            double v = label_value(ax, c, i);
+            if (c.crossed && std::fabs(v) < 1e-35) continue;
+            qqlabtxt(b, v, i + 1, c.logax, axis, t);
+            double w = qqaxtw(b, t);
+            if (w > wmax) wmax = w;
+        }
+        E = (int)wmax;
+    } else {
+        E = power ? (int)std::trunc(B * h + 0.5) : h;
+    }
+    if (c.measure) {
+        ax.ndig[axis] = savdig;
+        if (mixed) qqaxmixend(b, &mix);
+        return E;
+    }
+    double o = lab == 4 ? h - B * h / 2 : h / 2;
+    double w10 = power ? qqaxtw(b, "10") : 0;
+    for (int i = p.first; i <= p.last; i += p.inc) {
+        double v = label_value(ax, c, i);
+        if (c.crossed && std::fabs(v) < 1e-35) continue;
+        qqlabtxt(b, v, i + 1, c.logax, axis, t);
+        if (!t[0]) continue;
+        if (ax.labpos[axis] == 1) v += c.step / 2;
+        double w = qqaxtw(b, t);
+        double d = (v - c.a) * f;
+        double x, y;
+        int rot = 0;
+        if (xgeo && !vert) {
+            double wj = power && lab == 3 ? w10 : w;
+            x = std::trunc(d + c.x0 + 0.5 - wj / 2);
+            if (neg)
+                y = base - h;
+            else
+                y = power ? std::trunc((B - 1) * h + base) : base;
+            if (ax.labpos[axis] == 2) {
+                if (x < c.x0) x = c.x0;
+                if (x + w > c.x0 + c.len) x = c.x0 + c.len - w;
+            }
+        } else if (xgeo) {
+            rot = 90;
+            x = std::trunc(d + c.x0 + 0.5 - o);
+            if (neg)
+                y = (jus == 1 || jus == 4) ? base : base - E + w;
+            else
+                y = (jus == 1 || jus == 3) ? base + E : base + w;
+            if (ax.labpos[axis] == 2) {
+                if (x < c.x0) x = c.x0;
+                if (x + h > c.x0 + c.len) x = c.x0 + c.len - h;
+            }
+        } else if (!vert) {
+            y = std::trunc(c.y0 - 0.5 - d - o);
+            if (neg)
+                x = (jus == 1 || jus == 3) ? base - E : base - w;
+            else
+                x = (jus == 1 || jus == 4) ? base : base - w + E;
+            if (ax.labpos[axis] == 2) {
+                if (y + h > c.y0) y = c.y0 - h;
+                if (y < c.y0 - c.len) y = c.y0 - c.len;
+            }
+        } else {
+            double wj = power && lab == 4 ? w10 : w;
+            rot = 90;
+            y = std::trunc(c.y0 - 0.5 - d + wj / 2);
+            if (neg) {
+                x = base - h;
+            } else if (ax.rvynam) {
+                x = power ? std::trunc((B - 1) * h + base) : base;
+            } else {
+                rot = 270;
+                x = base + h;
+                y = std::trunc(c.y0 - 0.5 - d - wj / 2);
+            }
+            if (ax.labpos[axis] == 2) {
+                double top = rot == 270 ? y : y - w, bottom = rot == 270 ? y + w : y;
+                if (bottom > c.y0) y -= bottom - c.y0;
+                if (top < c.y0 - c.len) y += (c.y0 - c.len) - top;
+            }
+        }
+        qqaxtxt(b, t, x, y, rot);
+    }
+    ax.ndig[axis] = savdig;
+    if (mixed) qqaxmixend(b, &mix);
+    return E;
+}
+
+void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
+    const AxesState &ax = b->ax;
+    int axis = c.axis;
+    const char *nm = ax.name[axis];
+    if (!nm[0]) return;
+    int sg = c.side == 1 ? -1 : 1;
+    int tp = ax.ticpos[axis];
+    int dist = ax.namdis[axis];
+    dist += tp == 0 ? ax.ticmaj : tp == 2 ? ax.ticmaj / 2 : 0;
+    if (labels_on) dist += ax.labdis[axis];
+    dist *= sg;
+    if (!labels_on) E = 0;
+    int savh = qqaxsth(b, ax.hname);
+    int nh = ax.hname, nu = 0;
+    qqaxtext(b, nm, &nh, &nu);
+    double nw = qqaxtw(b, nm);
+    int jus = ax.namjus[axis];
+    double joff = jus == 0 ? std::trunc((c.len - nw) / 2) : jus == 2 ? c.len - nw : 0;
+    int clr = ax.axclr[axis][3];
+    int saved = colour_on(b, clr);
+    if (qqaxgeo(c) == 0) {
+        double y = sg > 0 ? c.y0 + dist + E + nh - ax.hname : c.y0 + dist - ax.hname - nu - E;
+        qqaxtxt(b, nm, c.x0 + joff, y, 0);
+    } else if (sg < 0) {
+        qqaxtxt(b, nm, c.x0 + dist - nh - E, c.y0 - joff, 90);
+    } else if (!ax.rvynam) {
+        qqaxtxt(b, nm, c.x0 + dist + nh + E, c.y0 - c.len + joff + 1, 270);
+    } else {
+        qqaxtxt(b, nm, c.x0 + dist + nu + E, c.y0 - joff, 90);
+    }
+    colour_off(b, clr, saved);
+    qqaxsth(b, savh);
+}
+
+}  // namespace
+
+int qqaxis(glbblk *b, const AxisCall &c) noexcept {
+    AxesState &ax = b->ax;
+    int axis = c.axis;
+    if (c.measure) {
+        if (c.level < 3 || ax.lab[axis] == 0) return 0;
+        return draw_labels(b, c, 0);
+    }
+    int sg = c.side == 1 ? -1 : 1;
+    int tp = ax.ticpos[axis];
+    int dir = tp == 1 ? -sg : sg;
+    int ntic = ax.ntic[axis];
+    bool ticks_on = c.level >= 2 && ntic >= 1;
+    bool labels_on = c.level >= 3 && ax.lab[axis] != 0;
+    if (c.level >= 1 && !ax.noline[axis]) {
+        int clr = ax.axclr[axis][0];
+        int saved = colour_on(b, clr);
+        if (qqaxgeo(c) == 0)
+            qqline(b, c.x0, c.y0, c.x0 + c.len - 1, c.y0);
+        else
+            qqline(b, c.x0, c.y0, c.x0, c.y0 - c.len + 1);
+        colour_off(b, clr, saved);
+    }
+    if (ticks_on) {
+        int clr = ax.axclr[axis][1];
+        int saved = colour_on(b, clr);
+        qqticks(b, c, ntic, dir * ax.ticmaj, dir * ax.ticmin, tp == 2);
+        colour_off(b, clr, saved);
+    }
+    int E = 0;
+    if (labels_on) {
+        double across = qqaxgeo(c) == 0 ? c.y0 : c.x0;
+        double base = across + sg * ax.labdis[axis];
+        if (ticks_on) base += tp == 0 ? sg * ax.ticmaj : tp == 2 ? sg * (ax.ticmaj / 2) : 0;
+        int clr = ax.axclr[axis][2];
+        int saved = colour_on(b, clr);
+        E = draw_labels(b, c, base);
+        colour_off(b, clr, saved);
+    }
+    if (c.level >= 4) {
+        if (c.crossed) {
+            // The name stands beside the part of the axis from the origin.
+            AxisCall n = c;
+            if (qqaxgeo(c) == 0) {
+                n.x0 = ax.crsx;
+                n.len = c.x0 + c.len - ax.crsx;
+            } else {
+                n.y0 = ax.crsy;
+                n.len = ax.crsy - (c.y0 - c.len);
+            }
+            draw_name(b, n, E, labels_on);
+        } else {
+            draw_name(b, c, E, labels_on);
+        }
+    }
+    return E;
+}

@@ -1,0 +1,31 @@
+// Drawing of one axis: line, ticks, labels and name, in that order.
+#pragma once
+
+struct glbblk;
+
+struct AxisCall {
+    int axis;          // 0 X, 1 Y (the settings of that axis are used)
+    double a, e;       // limits (exponents on a logarithmic axis)
+    double orl, step;  // first label and label step
+    int len;           // axis length
+    int x0, y0;        // start point: left end of X, lower end of Y
+    int side;          // 0 labels toward larger page x or y, 1 the other side
+    int logax;         // 1 logarithmic
+    int level;         // highest element drawn: 1 line, 2 ticks, 3 labels, 4 name
+    int crossed;       // 1 in a crossed system: no label at 0
+    int measure;       // 1: draw nothing, only give the label extent
+    int geo;           // 0 placed as its axis; 1 as an X axis, 2 as a Y axis
+};
+
+// Whether the axis is placed as an X (0) or a Y axis (1).
+inline int qqaxgeo(const AxisCall &c) { return c.geo ? c.geo - 1 : c.axis; }
+
+// Draws the axis; returns the extent of its labels across the axis.
+int qqaxis(glbblk *b, const AxisCall &c) noexcept;
+
+// Ticks alone, with lengths given (signed: positive toward the label side),
+// n intervals per label; used by the axes and by grid lines.
+void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept;
+
+// One line between two plot positions (the device layer's line entry).
+void qqline(glbblk *b, double x0, double y0, double x1, double y1) noexcept;
