@@ -118,6 +118,10 @@ KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
 /* PostScript */
 KOLVEX_API void psmode(const char *copt) KOLVEX_NOEXCEPT;
 
+/* PDF driver */
+KOLVEX_API int pdfbuf(unsigned char *cbuf, int nmax) KOLVEX_NOEXCEPT;
+KOLVEX_API void pdfmrk(const char *cstr, const char *copt) KOLVEX_NOEXCEPT;
+
 /* Native metafile and its inclusion */
 KOLVEX_API void filbox(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void filclr(const char *cmode) KOLVEX_NOEXCEPT;

@@ -14,6 +14,7 @@ extern const DeviceFamily kxfam_raster;
 extern const DeviceFamily kxfam_java;
 extern const DeviceFamily kxfam_svg;
 extern const DeviceFamily kxfam_ipe;
+extern const DeviceFamily kxfam_pdf;
 extern const DeviceFamily kxfam_postscript;
 
 namespace {
@@ -66,16 +67,11 @@ const DeviceKey kHpglKeys[] = {
 const DeviceFamily kHpgl = {.name = "HPGL", .keys = kHpglKeys, .lo = 401, .hi = 405,
                              .kind = QQ_KIND_FILE, .lnlen = 80, .viewer = "koldrv"};
 
-constexpr unsigned kWhitePage = QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK;
-const DeviceKey kPdfKeys[] = {{"PDF ", 511, "pdf", kWhitePage}, {}};
-const DeviceFamily kPdf = {.name = "PDF", .keys = kPdfKeys, .lo = 511, .hi = 511,
-                            .kind = QQ_KIND_PAGE, .file = QQ_FILE_OWN, .viewer = "koldrv"};
-
 // In the order in which metafl has always searched the keywords; where
 // two families share a code range the first wins.
 const DeviceFamily *const kFamilies[] = {
-    &kxfam_plogfl, &kCgm, &kHpgl, &kOpenGL, &kScreen, &kxfam_postscript, &kxfam_raster,
-    &kxfam_java,   &kWmf, &kEmf,  &kPdf,    &kxfam_svg, &kxfam_ipe,
+    &kxfam_plogfl, &kCgm,  &kHpgl,        &kOpenGL,   &kScreen,   &kxfam_postscript,
+    &kxfam_raster, &kxfam_java, &kWmf,    &kEmf,      &kxfam_pdf, &kxfam_svg, &kxfam_ipe,
 };
 
 }  // namespace

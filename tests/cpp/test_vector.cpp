@@ -12,6 +12,8 @@
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "devices/pdf.h"
+#include "raster/canvas.h"
 #include "kolvex.h"
 #include "testkit.h"
 
@@ -435,6 +437,12 @@ void draw_page(const char *device, const std::string &file) {
         c.height = 60;
         qqhwchar(b, &c);
     }
+    if (std::string(device) == "PNG") {
+        // The finished picture as a PDF of its own, as expimg writes it.
+        FILE *fp = std::fopen((file + ".pdf").c_str(), "wb");
+        CHECK(fp && qqpdfexport(b, fp, qqcanvasof(b)) == 0);
+        if (fp) std::fclose(fp);
+    }
     kolfin();
     delglb();
 }
@@ -446,7 +454,7 @@ void draw_page(const char *device, const std::string &file) {
 PAGE(vector_test_page) {
     const char *dir = std::getenv("KOLVEX_PAGE_DIR");
     std::string base = std::string(dir ? dir : testkit::temp_dir().c_str()) + "/vector_test_page.";
-    for (const char *dev : {"SVG", "IPE", "JAVA", "PNG"}) {
+    for (const char *dev : {"SVG", "IPE", "JAVA", "PNG", "PDF"}) {
         std::string ext = dev;
         for (char &ch : ext) ch = (char)std::tolower((unsigned char)ch);
         draw_page(dev, base + ext);
