@@ -113,6 +113,9 @@ KOLVEX_API void lnmlt(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void noclip(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
 
+/* PostScript */
+KOLVEX_API void psmode(const char *copt) KOLVEX_NOEXCEPT;
+
 /* Colours */
 KOLVEX_API void clrcyc(int index, int iclr) KOLVEX_NOEXCEPT;
 KOLVEX_API void color(const char *col) KOLVEX_NOEXCEPT;

@@ -12,6 +12,7 @@
 #include "core/diag_state.h"
 #include "core/session_state.h"
 #include "devices/device_state.h"
+#include "devices/postscript_state.h"
 #include "devices/vector_state.h"
 #include "raster/canvas_state.h"
 #include "raster/colour_state.h"
@@ -26,6 +27,7 @@ struct glbblk {
     OutputOptions opt;    // level-0 settings of the output formats
     DeviceState dev;      // polyline buffer, clipping, line style
     VectorState vec;      // drivers of SVG, IPE and Java
+    PsState ps;           // PostScript driver
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency
     TextState txt;        // fonts, text settings, the string being drawn

@@ -86,6 +86,14 @@ struct DriverOps {
     // The hardware font or its height changed: a driver that carries the
     // font in its open state ends that state.
     void (*textstyle)(glbblk *b);
+    // A filled ring sector: centre and radii (r1 at most r2) in plot
+    // coordinates, the angles from a1 to a2 in degrees counter-clockwise,
+    // a colour value.  Returns 0 when the layer must fill it as a polygon.
+    int (*sector)(glbblk *b, double x, double y, double r1, double r2, double a1, double a2,
+                  int colour);
+    // A filled triangle in the current colour, corners in plot
+    // coordinates.  Returns 0 when the layer must fill it as a polygon.
+    int (*triangle)(glbblk *b, const double *x, const double *y);
 };
 
 // The driver of a device code; a family without a driver in this build

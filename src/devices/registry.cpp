@@ -13,6 +13,7 @@ extern const DeviceFamily kxfam_raster;
 extern const DeviceFamily kxfam_java;
 extern const DeviceFamily kxfam_svg;
 extern const DeviceFamily kxfam_ipe;
+extern const DeviceFamily kxfam_postscript;
 
 namespace {
 
@@ -63,18 +64,7 @@ const DeviceKey kHpglKeys[] = {
 const DeviceFamily kHpgl = {"HPGL",   kHpglKeys, 401,     405,    QQ_KIND_FILE, 0, 80,
                             "koldrv", nullptr,   nullptr, nullptr};
 
-constexpr unsigned kDarkPage = QQ_CLR_TURN_ON_WHITE;
 constexpr unsigned kWhitePage = QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK;
-const DeviceKey kPostScriptKeys[] = {
-    {"POST", 501, "psc", (kPaper & ~QQ_CLR_WHIT_BLACK) | QQ_CLR_GREY_TABLE},
-    {"PSCL", 502, "psc", kDarkPage},
-    {"EPS ", 503, "eps", kWhitePage},
-    {"PS  ", 504, "ps", kWhitePage},
-    {},
-};
-const DeviceFamily kPostScript = {"PostScript", kPostScriptKeys, 501,     504,    QQ_KIND_PAGE, 0, 80,
-                                  "koldrv",     nullptr,         nullptr, nullptr};
-
 const DeviceKey kPdfKeys[] = {{"PDF ", 511, "pdf", kWhitePage}, {}};
 const DeviceFamily kPdf = {"PDF",    kPdfKeys, 511,     511,    QQ_KIND_PAGE, QQ_FILE_OWN, 0,
                            "koldrv", nullptr,  nullptr, nullptr};
@@ -82,7 +72,7 @@ const DeviceFamily kPdf = {"PDF",    kPdfKeys, 511,     511,    QQ_KIND_PAGE, QQ
 // In the order in which metafl has always searched the keywords; where
 // two families share a code range the first wins.
 const DeviceFamily *const kFamilies[] = {
-    &kxfam_plogfl, &kCgm,  &kHpgl,        &kOpenGL,   &kScreen,   &kPostScript,
+    &kxfam_plogfl, &kCgm,  &kHpgl,        &kOpenGL,   &kScreen,   &kxfam_postscript,
     &kxfam_raster, &kxfam_java, &kWmf,    &kEmf,      &kPdf,      &kxfam_svg, &kxfam_ipe,
 };
 

@@ -172,11 +172,15 @@ void svg_colour(glbblk *b, int, int r, int g, int bl, int) {
     v.bl = (unsigned char)bl;
 }
 
-// The stroke width is n pixels; the device's thinnest line is 1.
+// A width of n plot coordinates is scaled like the positions, so that a
+// line is as wide as on every other device; the thinnest line is the 1.0
+// of the open, as one pixel is on raster output.  n = 0 (hardware lines
+// off) gives that thinnest line.
 int svg_width(glbblk *b, double n, int) {
     end_path(b);
     group(b, NO_GROUP);
-    b->vec.strokew = n > 0 ? n : 1.0;
+    double w = n * b->sess.devscl;
+    b->vec.strokew = n > 0 && w > 1.0 ? w : 1.0;
     return n > 0 ? 1 : 0;
 }
 

@@ -66,6 +66,7 @@ struct WriteOptions {
     int bil;      // imgfmt BIL: one bit a pixel in TIFF
     int whitebg;  // bgmode 2
     int bckclr;   // background index for GIF
+    double psorg[2], pspaper[2];  // PostScript origin and paper in 0.05 mm
 };
 
 // Each writer returns 0, -1 for a file error or -2 without memory; PNG
@@ -76,5 +77,6 @@ int write_tiff(Sink &s, const Picture &p, const WriteOptions &o);
 int write_bmp(Sink &s, const Picture &p, const WriteOptions &o);
 int write_ppm(Sink &s, const Picture &p);
 int write_imag(Sink &s, const Picture &p);
+int write_ps(Sink &s, const Picture &p, const WriteOptions &o);
 
 }  // namespace raster

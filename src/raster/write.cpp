@@ -89,6 +89,7 @@ Data data_for(const glbblk *b, int format) {
     bool deep = b->sess.colbits > 8 || b->cnv.cv.rgbcnv;
     switch (format) {
         case QQ_WPPM:
+        case QQ_WPS:
             return TRUE_COLOUR;
         case QQ_WIMAG:
             return b->cnv.cv.rgbcnv ? TRUE_COLOUR : TABLE;
@@ -147,6 +148,13 @@ raster::WriteOptions options_of(const glbblk *b) {
     o.bil = b->opt.rasfmt == 2;
     o.whitebg = b->sess.bgmode == 2;
     o.bckclr = b->clr.bckclr;
+    // The paper of the page files: DIN A4 with a margin, or twice hwpage
+    // and hworig, which are in 1/100 cm.
+    const SessionState &ss = b->sess;
+    o.psorg[0] = ss.hwpflg ? 2.0 * ss.hworg[0] : 150.0;
+    o.psorg[1] = ss.hwpflg ? 2.0 * ss.hworg[1] : 200.0;
+    o.pspaper[0] = ss.hwsflg ? 2.0 * ss.hwsiz[0] : 3900.0;
+    o.pspaper[1] = ss.hwsflg ? 2.0 * ss.hwsiz[1] : 5600.0;
     return o;
 }
 
@@ -164,6 +172,8 @@ int run_writer(raster::Sink &s, const Picture &p, const raster::WriteOptions &o,
             return raster::write_bmp(s, p, o);
         case QQ_WGIF:
             return raster::write_gif(s, p, o);
+        case QQ_WPS:
+            return raster::write_ps(s, p, o);
         default:
             return -1;
     }
@@ -227,16 +237,11 @@ long qqpngmem(glbblk *b, unsigned char *buffer, size_t size) noexcept {
 }
 
 int qqwritefile(glbblk *b, const char *file, int format) noexcept {
-    char name[257];
-    qqscpy(name, file ? file : "", 256);
-    FILE *fp = qqopenw(b, name, "wb");
-    if (!fp) return -1;
-    int r = qqwrite(b, fp, name, format);
-    if (std::fclose(fp) != 0 && r == 0) {
-        qqwar0(b, 36);
-        r = -1;
-    }
+    QQOutFile out{};
+    qqscpy(out.name, file ? file : "", 256);
+    if (qqoutopen(b, &out, "wb") != 0) return -1;
+    int r = qqwrite(b, out.fp, out.name, format);
     // A file that the writer could not finish must not pass for a picture.
-    if (r != 0) std::remove(name);
+    if (qqoutclose(b, &out, r == 0) != 0 && r == 0) r = -1;
     return r;
 }

@@ -7,7 +7,8 @@
 struct glbblk;
 
 // Format numbers of qqwrite.
-enum { QQ_WTIFF = 1, QQ_WIMAG = 2, QQ_WPNG = 4, QQ_WPPM = 5, QQ_WBMP = 6, QQ_WGIF = 7 };
+enum { QQ_WTIFF = 1, QQ_WIMAG = 2, QQ_WPNG = 4, QQ_WPPM = 5, QQ_WBMP = 6, QQ_WGIF = 7,
+       QQ_WPS = 8 };
 
 // Writes the canvas of the session to an open binary stream in a format,
 // keeping the rectangle of imgclp.  Reports the format's warnings itself

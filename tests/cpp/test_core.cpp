@@ -197,14 +197,20 @@ TEST(kolini_derives_page_axes_window_and_background) {
     // The background by device: white for the page-description formats.
     b->diag.outu = 0;
     metafl("PS");
-    kolini();  // fails in a build without that driver, after the background is known
+    kolini();
     CHECK_EQ(b->sess.bgmode, 2);
+    b->diag.outu = 0;
+    kolfin();
     metafl("PSCL");
     kolini();
     CHECK_EQ(b->sess.bgmode, 0);
+    b->diag.outu = 0;
+    kolfin();
     scrmod("REVERS");
     kolini();
     CHECK_EQ(b->sess.bgmode, 2);
+    b->diag.outu = 0;
+    kolfin();
     CHECK_EQ(b->sess.bgprev, 0);  // what the first session took stays
     delglb();
 }

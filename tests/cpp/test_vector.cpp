@@ -153,7 +153,7 @@ TEST(svg_bytes_of_a_small_session) {
         "<g fill=\"none\" stroke=\"#ff8000\" stroke-width=\"1.000\">\n"
         "<line x1=\"5.00\" y1=\"0.00\" x2=\"20.00\" y2=\"30.00\"/>\n"
         "</g>\n"
-        "<g fill=\"none\" stroke=\"#ff8000\" stroke-width=\"3.000\">\n"
+        "<g fill=\"none\" stroke=\"#ff8000\" stroke-width=\"1.500\">\n"
         "<line x1=\"50.00\" y1=\"100.00\" x2=\"150.00\" y2=\"200.00\"/>\n"
         "<polygon fill=\"#ff8000\" points=\"\n 50.00, 50.00 100.00, 50.00 100.00, 150.00\"/>\n"
         "<rect x=\"50.00\" y=\"50.00\" width=\"101.00\" height=\"51.00\"\n"

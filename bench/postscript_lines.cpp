@@ -1,0 +1,56 @@
+// Times a long polyline through the device layer into a PostScript file.
+//
+// Usage: kolvex_bench_ps points.bin out.ps
+// points.bin holds n pairs of doubles, plot coordinates on the default
+// page of 2969 by 2099.  Prints one line of JSON: the seconds from kolini
+// to the end of kolfin (wall clock and processor time), and the size of
+// the file.
+#include <chrono>
+#include <ctime>
+#include <cstdio>
+#include <vector>
+
+#include "core/glbblk.h"
+#include "core/guard.h"
+#include "devices/device.h"
+#include "kolvex.h"
+
+int main(int argc, char **argv) {
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: %s points.bin out.ps\n", argv[0]);
+        return 2;
+    }
+    FILE *fp = std::fopen(argv[1], "rb");
+    if (!fp) return 2;
+    std::vector<double> xy;
+    double pair[2];
+    while (std::fread(pair, sizeof pair, 1, fp) == 1) {
+        xy.push_back(pair[0]);
+        xy.push_back(pair[1]);
+    }
+    std::fclose(fp);
+    size_t n = xy.size() / 2;
+    if (n < 2) return 2;
+
+    auto t0 = std::chrono::steady_clock::now();
+    std::clock_t c0 = std::clock();
+    filmod("DELE");
+    setfil(argv[2]);
+    metafl("PS");
+    kolini();
+    unit(0);  // no protocol: the output is the timing line
+    glbblk *b = qqcur();
+    if (!b || !b->dev.drv) return 1;
+    qqmove(b, xy[0], xy[1]);
+    for (size_t i = 1; i < n; ++i) qqdraw(b, xy[2 * i], xy[2 * i + 1]);
+    qqflsh(b);
+    kolfin();
+    double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+    double cpu = (double)(std::clock() - c0) / CLOCKS_PER_SEC;
+    fp = std::fopen(argv[2], "rb");
+    long size = -1;
+    if (fp && std::fseek(fp, 0, SEEK_END) == 0) size = std::ftell(fp);
+    if (fp) std::fclose(fp);
+    std::printf("{\"seconds\": %.6f, \"cpu\": %.6f, \"bytes\": %ld}\n", t, cpu, size);
+    return 0;
+}
