@@ -75,6 +75,7 @@ KOLVEX_API void newpag(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void page(int nxp, int nyp) KOLVEX_NOEXCEPT;
 KOLVEX_API void pagera(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void paghdr(const char *cstr1, const char *cstr2, int iopt, int idir) KOLVEX_NOEXCEPT;
+KOLVEX_API void pagfll(int ncol) KOLVEX_NOEXCEPT;
 KOLVEX_API void pagmod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void pdfmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void pngmod(const char *cval, const char *copt) KOLVEX_NOEXCEPT;
@@ -303,6 +304,95 @@ KOLVEX_API void yaxis(double a, double e, double orl, double step, int nl, const
 KOLVEX_API void yaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void zaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void zaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx, int ny) KOLVEX_NOEXCEPT;
+
+/* Curves and interpolation */
+KOLVEX_API void barwth(double xf) KOLVEX_NOEXCEPT;
+KOLVEX_API void bartyp(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void bezier(const double *xray, const double *yray, int n, double *x, double *y, int m) KOLVEX_NOEXCEPT;
+KOLVEX_API void chnatt(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void chncrv(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void curve(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void errbar(const double *x, const double *y, const double *err1, const double *err2, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void gapcrv(double xgap) KOLVEX_NOEXCEPT;
+KOLVEX_API void gapsiz(double xgap, const char *cax) KOLVEX_NOEXCEPT;
+KOLVEX_API int histog(const double *xray, int n, double *x, double *y) KOLVEX_NOEXCEPT;
+KOLVEX_API void hsymbl(int nhsym) KOLVEX_NOEXCEPT;
+KOLVEX_API void inccrv(int ncrv) KOLVEX_NOEXCEPT;
+KOLVEX_API void incmrk(int nmrk) KOLVEX_NOEXCEPT;
+KOLVEX_API void linfit(const double *xray, const double *yray, int n, double *a, double *b, double *r, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void marker(int nsym) KOLVEX_NOEXCEPT;
+KOLVEX_API void mrkclr(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void mysymb(const double *xray, const double *yray, int n, int isym, int iflag) KOLVEX_NOEXCEPT;
+KOLVEX_API void polcrv(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void resatt(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlsymb(int nsym, double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void shdcrv(const double *x1ray, const double *y1ray, int n1, const double *x2ray, const double *y2ray, int n2) KOLVEX_NOEXCEPT;
+KOLVEX_API int spline(const double *xray, const double *yray, int n, double *xsray, double *ysray) KOLVEX_NOEXCEPT;
+KOLVEX_API void splmod(int ngrad, int npts) KOLVEX_NOEXCEPT;
+KOLVEX_API void symbol(int nsym, int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void symrot(double xrot) KOLVEX_NOEXCEPT;
+KOLVEX_API void thkcrv(int ithk) KOLVEX_NOEXCEPT;
+
+/* Line styles */
+KOLVEX_API void chndot(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void chndsh(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dash(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dashl(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dashm(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dot(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dotl(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void linclr(const int *nray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void line(int nx1, int ny1, int nx2, int ny2) KOLVEX_NOEXCEPT;
+KOLVEX_API void lintyp(int ityp) KOLVEX_NOEXCEPT;
+KOLVEX_API void myline(const int *nray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void solid(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int getlin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int gettyp(void) KOLVEX_NOEXCEPT;
+
+/* Legends */
+KOLVEX_API void legbgd(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void legclr(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void legend(const char *cbuf, int npos) KOLVEX_NOEXCEPT;
+KOLVEX_API void legini(char *cbuf, int nlin, int nmaxln) KOLVEX_NOEXCEPT;
+KOLVEX_API void leglin(char *cbuf, const char *cstr, int ilin) KOLVEX_NOEXCEPT;
+KOLVEX_API void legopt(double xf1, double xf2, double xf3) KOLVEX_NOEXCEPT;
+KOLVEX_API void legpat(int ityp, int ithk, int isym, int iclr, int ipat, int ilin) KOLVEX_NOEXCEPT;
+KOLVEX_API void legpos(int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void legsel(const int *nray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void legtbl(int nclm, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void legtit(const char *ctit) KOLVEX_NOEXCEPT;
+KOLVEX_API void legtyp(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void legval(double x, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void mixleg(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int nxlegn(const char *cbuf) KOLVEX_NOEXCEPT;
+KOLVEX_API int nylegn(const char *cbuf) KOLVEX_NOEXCEPT;
+
+/* Area fill, polygon clipping and patterns */
+KOLVEX_API void areaf(const int *nxray, const int *nyray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void mypat(int iang, int itype, int idens, int icross) KOLVEX_NOEXCEPT;
+KOLVEX_API void noarln(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void nofill(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void patcyc(int index, int ipat) KOLVEX_NOEXCEPT;
+KOLVEX_API int polclp(const double *xray, const double *yray, int n, double *xout, double *yout, int nmax, double xv, const char *cedge) KOLVEX_NOEXCEPT;
+KOLVEX_API void recfll(int nx, int ny, int nw, int nh, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void rectan(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void shdfac(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void shdpat(int ipat) KOLVEX_NOEXCEPT;
+KOLVEX_API void xdraw(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API int getpat(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlarea(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
+
+/* Contour lines */
+KOLVEX_API void conclr(const int *nclray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void concrv(const double *xray, const double *yray, int n, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void congap(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void conlab(const char *ctext) KOLVEX_NOEXCEPT;
+KOLVEX_API void conmat(const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void conmod(double xfac, double xquot) KOLVEX_NOEXCEPT;
+KOLVEX_API void conpts(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev, double *xpts, double *ypts, int maxpts, int *nptray, int maxlin, int *nlins) KOLVEX_NOEXCEPT;
+KOLVEX_API void contur2(const double *xmat, const double *ymat, const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void contur(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev) KOLVEX_NOEXCEPT;
 
 #ifdef __cplusplus
 }

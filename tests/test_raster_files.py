@@ -397,10 +397,10 @@ def test_demo_writes_a_png_to_look_at(tmp_path):
     assert r.returncode == 0, r.stderr
     im = Image.open(tmp_path / "demo.png").convert("RGB")
     assert im.size == (853, 603)
-    assert im.getpixel((0, 300)) == (255, 255, 255)  # the thin border
-    assert im.getpixel((3, 300)) == (255, 128, 0)    # orange inside it
-    assert im.getpixel((426, 301)) != (0, 0, 0)      # the band of colours
-    assert len(np.unique(np.asarray(im).reshape(-1, 3), axis=0)) > 100
+    assert im.getpixel((5, 5)) == (255, 255, 255)    # white paper
+    colours = {tuple(c) for c in np.unique(np.asarray(im).reshape(-1, 3), axis=0)}
+    assert (0, 0, 0) in colours                      # axes, texts, the first curve
+    assert len(colours) >= 3                         # the curves change colour
 
 
 def test_imgfmt_reads_three_characters(capfd):

@@ -32,7 +32,7 @@ HERSHEY = "/usr/share/hershey-fonts"
 OUTLINE_SOURCES = {
     # font table name: source file
     "helve1": "/usr/share/fonts/truetype/liberation2/LiberationSans-Regular.ttf",
-    "helves1": "/usr/share/fonts/truetype/liberation2/LiberationSans-Italic.ttf",
+    "helves1": "/usr/share/fonts/truetype/liberation2/LiberationSans-Regular.ttf",
     "helvet1": "/usr/share/fonts/truetype/liberation2/LiberationSans-Bold.ttf",
     "serif1": "/usr/share/fonts/truetype/liberation2/LiberationSerif-Regular.ttf",
 }
@@ -498,8 +498,13 @@ def maths_section_codes():
 
 # ---------------------------------------------------------------- outlines
 
-def outline_font(path, chars, budget=180):
-    """char -> closed contours in units of a 200 high capital."""
+# Faces drawn narrower than their source: helves is the sans face condensed.
+CONDENSE = {"helves1": 0.82}
+
+
+def outline_font(path, chars, budget=180, xscale=1.0):
+    """char -> closed contours in units of a 200 high capital, x times
+    xscale."""
     from fontTools.ttLib import TTFont
     from fontTools.pens.basePen import BasePen
 
@@ -562,7 +567,7 @@ def outline_font(path, chars, budget=180):
             for c in pen.contours:
                 pts = []
                 for x, y in c:
-                    p = (round(x * k), round(y * k))
+                    p = (round(x * k * xscale), round(y * k))
                     if not pts or pts[-1] != p:
                         pts.append(p)
                 if len(pts) >= 3:
@@ -808,7 +813,7 @@ def main():
     if not a.no_outline:
         chars = latin_chars(101)
         for name, path in OUTLINE_SOURCES.items():
-            g = outline_font(path, chars)
+            g = outline_font(path, chars, xscale=CONDENSE.get(name, 1.0))
             t = Table(name, False)
             for ch in chars:
                 st = g[ch]

@@ -44,6 +44,25 @@ Py_ssize_t qqpyln(PyObject *object);
 
 // n doubles or 32-bit integers from a flat sequence.
 double *qqpydb(PyObject *slot, Py_ssize_t n);
+// n doubles that the routine only reads: the caller's own memory when the
+// argument is a C-contiguous buffer of native float64 with at least n
+// elements (held until the object goes out of scope, with the interpreter
+// lock), else a copy made by qqpydb.  get returns null with the error of
+// qqpydb set.
+struct KxInD {
+    Py_buffer view;
+    bool held = false;
+    double *copy = nullptr;
+    KxInD() = default;
+    KxInD(const KxInD &) = delete;
+    KxInD &operator=(const KxInD &) = delete;
+    const double *get(PyObject *slot, Py_ssize_t n);
+    // A read-only matrix of nx by ny: a C-contiguous float64 buffer of one
+    // or two dimensions holding at least nx*ny values is used in place,
+    // anything else is read as qqpyd2 reads it.
+    const double *get2(PyObject *slot, Py_ssize_t nx, Py_ssize_t ny);
+    ~KxInD();
+};
 int *qqpyin(PyObject *slot, Py_ssize_t n);
 // The integer list of the map shading routines: None or an empty sequence
 // gives n zeros, anything else is read as by qqpyin.

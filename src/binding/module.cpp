@@ -29,6 +29,7 @@
 #include "core/threads.h"
 // The library's own sizes that lengths of table lines call.
 #include "raster/image_mode.h"
+#include "plots/curves.h"
 
 #include "wrappers.inc"
 

@@ -14,11 +14,14 @@
 #include "devices/device_state.h"
 #include "devices/postscript_state.h"
 #include "devices/vector_state.h"
+#include "plots/style_state.h"
+#include "plots/curve_state.h"
 #include "raster/canvas_state.h"
 #include "raster/colour_state.h"
 #include "text/text_state.h"
 #include "text/number_state.h"
 #include "axes/axes_state.h"
+#include "fields/contour_state.h"
 
 struct glbblk {
     CoreState core;       // call frame, level, page
@@ -33,4 +36,8 @@ struct glbblk {
     TextState txt;        // fonts, text settings, the string being drawn
     NumberState num;      // numbers as text
     AxesState ax;         // axis settings and the scaling record
+    StyleState sty;       // line style number, shading pattern, fill switches
+    CurveState crv;       // curves, symbols, attribute cycles
+    LegendState leg;      // legend lines, layout and curve records
+    ContourState con;     // contour labelling and the contour pen
 };

@@ -10,10 +10,13 @@ extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
-extern const Subsystem kxsub_postscript;
 extern const Subsystem kxsub_text;
 extern const Subsystem kxsub_numbers;
 extern const Subsystem kxsub_axes;
+extern const Subsystem kxsub_styles;
+extern const Subsystem kxsub_curves;
+extern const Subsystem kxsub_contours;
+extern const Subsystem kxsub_postscript;
 
 namespace {
 
@@ -33,6 +36,9 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_text,
     &kxsub_numbers,
     &kxsub_axes,
+    &kxsub_styles,
+    &kxsub_curves,
+    &kxsub_contours,
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
+#include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -198,25 +199,25 @@ void qqclip(glbblk *b, int back) noexcept {
 void clpwin(int nx, int ny, int nw, int nh) noexcept {
     glbblk *b = KX_ENTRY("clpwin");
     if (!b) return;
-    if (nx < 0 || ny < 0) {
-        qqwarn(b, 2, nx < ny ? nx : ny);
-        return;
-    }
-    if (nw < 1 || nh < 1) {
-        qqwarn(b, 2, nw < nh ? nw : nh);
-        return;
-    }
+    // A corner off the page or an empty size is reported, and the window
+    // is still tested against the page and set.
+    if (nx < 0 || ny < 0) qqwarn(b, 2, nx < ny ? nx : ny);
+    if (nw < 1 || nh < 1) qqwarn(b, 2, nw < nh ? nw : nh);
     long long x2 = (long long)nx + nw - 1, y2 = (long long)ny + nh - 1;
     if (x2 > b->core.nxp || y2 > b->core.nyp) {
-        qqwarn(b, 2, x2 > b->core.nxp ? (int)(x2 > 0x7fffffff ? 0x7fffffff : x2) : (int)y2);
+        long long v = x2 > b->core.nxp ? x2 : y2;
+        qqwarn(b, 2, (int)(v > 0x7fffffff ? 0x7fffffff : v));
         return;
     }
     DeviceState &d = b->dev;
     qqflsh(b);
+    // The page origin may turn y round: the window keeps its corners in
+    // order.
+    int ya = qqyflpi(b, ny), yb = qqyflpi(b, (int)(y2 < -0x7fffffff ? -0x7fffffff : y2));
     d.clpx1 = nx;
-    d.clpy1 = ny;
-    d.clpx2 = (int)x2;
-    d.clpy2 = (int)y2;
+    d.clpy1 = ya < yb ? ya : yb;
+    d.clpx2 = (int)(x2 < -0x7fffffff ? -0x7fffffff : x2);
+    d.clpy2 = ya < yb ? yb : ya;
     d.clpflg = 1;
     qqclipdev(b, 0);
 }

@@ -116,6 +116,32 @@ int qqin(glbblk *b, double x, double y) noexcept;
 void qqclippage(glbblk *b) noexcept;
 // Sends the clip window to a driver that clips itself.
 void qqclipdev(glbblk *b, int narrowing) noexcept;
+// One line from (x1, y1) to (x2, y2), and the closed outline of a polygon
+// of n points (below 2 nothing), in plot coordinates through qqmove and
+// qqdraw; the current colour comes back when the dash colours of linclr
+// changed it.
+void qqline(glbblk *b, double x1, double y1, double x2, double y2) noexcept;
+void qqpolyln(glbblk *b, const double *x, const double *y, int n) noexcept;
+// Fills a polygon of n points in plot coordinates (the origin shift is
+// added on the way, as to every position) with the current pattern: solid
+// fill goes to a driver that takes polygons, everything else is hatched
+// with lines through qqmove and qqdraw, so that it is clipped like a line.
+// The arrays may be changed.  Without the fill of the plots nothing is
+// drawn.
+void qqfillpoly(glbblk *b, double *x, double *y, int n) noexcept;
+// Hatches several polygons together with horizontal lines d apart in
+// their own frame, from the lowest y - d/2 to the highest + d/2, so that
+// holes and islands cancel (the shading of outline characters, contour
+// and map shading).  Each line goes to the caller's move and draw; more
+// than maxcross crossings on a line give warning 26 and end the hatching
+// (returns 1).  Without the fill of the plots nothing is drawn.
+int qqhatchpolys(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
+                 double d, int maxcross, void (*move)(glbblk *, double, double),
+                 void (*draw)(glbblk *, double, double)) noexcept;
+// Hands a solid polygon (plot coordinates without origin shift) to the
+// driver when it fills polygons itself; returns 1 when the driver drew it,
+// 0 when the caller must hatch.  No checks of pattern or hardware mode.
+int qqdevpoly(glbblk *b, const double *x, const double *y, int n) noexcept;
 // Resets the dash pattern to its first element (lintyp, myline, solid).
 void qqdshres(glbblk *b) noexcept;
 

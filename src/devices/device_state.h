@@ -53,4 +53,11 @@ struct DeviceState {
     // segment test of hidden lines or shields.  Null when not in use.
     void (*plane)(glbblk *b, double *x, double *y);
     int (*segtest)(glbblk *b, double x0, double y0, double x1, double y1);
+    // The polygon fill of the plots with the current pattern (qqfillpoly),
+    // set when a block is made: the layer hands fills upward through it.
+    void (*fillfn)(glbblk *b, double *x, double *y, int n);
+    // The hatching of several polygons together (qqhatchpolys).
+    int (*hatchfn)(glbblk *b, const double *const *x, const double *const *y, const int *n,
+                   int npoly, double d, int maxcross, void (*move)(glbblk *, double, double),
+                   void (*draw)(glbblk *, double, double));
 };

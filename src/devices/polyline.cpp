@@ -76,6 +76,89 @@ void next_element(DeviceState &d) {
     d.dsrem = d.dshl[d.dsidx - 1];
 }
 
+// Advances the dash state by a length without drawing: whole rounds of
+// the pattern at once, so that a line far outside the page costs nothing.
+void dash_skip(DeviceState &d, double len) {
+    if (!(len > 0)) return;
+    if (len < d.dsrem) {
+        d.dsrem -= len;
+        return;
+    }
+    len -= d.dsrem;
+    next_element(d);
+    if (d.dsrem <= 0) d.dsrem = 1;
+    // A round that brings the pen back to the same element and phase: the
+    // pattern once with an even count of elements, twice with an odd one.
+    double round = 0;
+    for (int k = 0; k < d.dshn; ++k) round += d.dshl[k] > 0 ? d.dshl[k] : 1;
+    int gaps = d.dshn / 2;
+    if (d.dshn % 2) {
+        round *= 2;
+        gaps = d.dshn;
+    }
+    if (round > 0 && len > round) {
+        double k = std::floor(len / round);
+        len -= k * round;
+        if (d.clrn > 0) d.clridx = (int)((d.clridx - 1 + std::fmod(k * gaps, d.clrn)) + 0.5) % d.clrn + 1;
+    }
+    int guard = 0;
+    while (len >= d.dsrem && guard++ < 100) {
+        len -= d.dsrem;
+        next_element(d);
+        if (d.dsrem <= 0) d.dsrem = 1;
+    }
+    d.dsrem -= len;
+}
+
+// The part [t0, t1] of the segment from (x0, y0) to (x1, y1) that can show
+// in the clip region grown by a margin; false when none can.
+bool visible_part(const DeviceState &d, double x0, double y0, double x1, double y1, double m,
+                  double *t0, double *t1) {
+    double lx = d.clpx1 - m, hx = d.clpx2 + m, ly = d.clpy1 - m, hy = d.clpy2 + m;
+    if (d.clpcir == 1) {
+        lx = d.ccx - d.ccr - m;
+        hx = d.ccx + d.ccr + m;
+        ly = d.ccy - d.ccr - m;
+        hy = d.ccy + d.ccr + m;
+    }
+    double a = 0, z = 1;
+    const double p[4] = {-(x1 - x0), x1 - x0, -(y1 - y0), y1 - y0};
+    const double q[4] = {x0 - lx, hx - x0, y0 - ly, hy - y0};
+    for (int k = 0; k < 4; ++k) {
+        if (p[k] == 0) {
+            if (q[k] < 0) return false;
+            continue;
+        }
+        double t = q[k] / p[k];
+        if (p[k] < 0) {
+            if (t > a) a = t;
+        } else if (t < z) {
+            z = t;
+        }
+    }
+    *t0 = a;
+    *t1 = z;
+    return a <= z;
+}
+
+// Whether the outlines of a wide piece of n points can reach the clip
+// region: a piece far outside draws none of its many passes.
+bool reaches_clip(glbblk *b, int n) {
+    const DeviceState &d = b->dev;
+    double lx = d.polx[0], hx = lx, ly = d.poly[0], hy = ly;
+    for (int i = 1; i < n; ++i) {
+        lx = std::fmin(lx, d.polx[i]);
+        hx = std::fmax(hx, d.polx[i]);
+        ly = std::fmin(ly, d.poly[i]);
+        hy = std::fmax(hy, d.poly[i]);
+    }
+    double m = 2.0 + 2.0 * d.lnwid * b->core.unitf;
+    if (d.clpcir == 1)
+        return !(hx < d.ccx - d.ccr - m || lx > d.ccx + d.ccr + m || hy < d.ccy - d.ccr - m ||
+                 ly > d.ccy + d.ccr + m);
+    return !(hx < d.clpx1 - m || lx > d.clpx2 + m || hy < d.clpy1 - m || ly > d.clpy2 + m);
+}
+
 }  // namespace
 
 void qqdshres(glbblk *b) noexcept {
@@ -111,9 +194,21 @@ void qqdraw(glbblk *b, double x, double y) noexcept {
         return;
     }
     double dx = x - d.curx, dy = d.cury - y;
-    double a = std::fabs(dx) <= 1e-6 ? (dy >= 0 ? 1.570796 : -1.570796) : std::atan2(dy, dx);
-    double len = d.cury == y ? std::fabs(dx) : std::fabs(dy / std::sin(a));
-    double ca = std::cos(a), sa = std::sin(a);
+    // The direction (cos a, sin a) of the angle a of the segment; a nearly
+    // vertical one takes a = +-1.570796.  Taken from the lengths, it costs
+    // no trigonometry per point.
+    double ca, sa, len;
+    if (std::fabs(dx) <= 1e-6) {
+        const double c = 3.2679489653813835e-07, s = 0.99999999999994660;  // of 1.570796
+        ca = c;
+        sa = dy >= 0 ? s : -s;
+        len = d.cury == y ? std::fabs(dx) : std::fabs(dy / sa);
+    } else {
+        double h = std::hypot(dx, dy);
+        ca = dx / h;
+        sa = dy / h;
+        len = d.cury == y ? std::fabs(dx) : h;
+    }
     double px = d.curx, py = d.cury;  // walker position
     double ex = x, ey = y;            // end of the segment
     if (d.lnoff != 0) {
@@ -140,6 +235,29 @@ void qqdraw(glbblk *b, double x, double y) noexcept {
     }
     if (!(len < 1e300)) len = 0;  // a NaN or infinite length walks nowhere
     if (d.dsrem <= 0) d.dsrem = d.dshl[d.dsidx - 1] > 0 ? d.dshl[d.dsidx - 1] : 1;
+    // The pattern is walked only where the line can show; beyond the clip
+    // region (and its reach with a wide line) the dash state just advances.
+    double rest = 0;
+    if (d.lnoff == 0 && d.pl3on == 0 && d.trfon != 1 && len > 0) {
+        double m = 2.0 + 2.0 * std::fabs((double)d.lnwid) * b->core.unitf;
+        double t0, t1;
+        if (!visible_part(d, px, py, ex, ey, m, &t0, &t1)) {
+            dash_skip(d, len);
+            buf_move(b, ex, ey);
+            d.curx = x;
+            d.cury = y;
+            return;
+        }
+        if (t0 > 0) {
+            dash_skip(d, t0 * len);
+            px += t0 * len * ca;
+            py -= t0 * len * sa;
+            if (d.dspen == 0 && d.clrn >= 1) pattern_colour(b);
+            buf_move(b, px, py);
+        }
+        rest = (1 - t1) * len;
+        len *= t1 - t0;
+    }
     // Step through the pattern; every element boundary is a point.
     int guard = 0;
     while (len >= d.dsrem && guard++ < 10000000) {
@@ -155,11 +273,16 @@ void qqdraw(glbblk *b, double x, double y) noexcept {
         next_element(d);
         if (d.dsrem <= 0) d.dsrem = 1;
     }
-    if (d.dspen == 0)
-        buf_draw(b, ex, ey);
-    else
-        buf_move(b, ex, ey);
     d.dsrem -= len;
+    if (rest > 0) {
+        if (d.dspen == 0) buf_draw(b, px + len * ca, py - len * sa);
+        dash_skip(d, rest);
+        buf_move(b, ex, ey);
+    } else if (d.dspen == 0) {
+        buf_draw(b, ex, ey);
+    } else {
+        buf_move(b, ex, ey);
+    }
     d.curx = x;
     d.cury = y;
 }
@@ -206,7 +329,8 @@ void qqflsh(glbblk *b) noexcept {
     ClipPen pen{b, 0, 0, false};
     pen_move(pen, d.polx[0], d.poly[0]);
     for (int i = 1; i < n; ++i) pen_draw(pen, d.polx[i], d.poly[i]);
-    if (d.lnwid > 1 && qqnint(d.lnwid * b->core.unitf) > 1) qqthick(b, d.polx, d.poly, n);
+    if (d.lnwid > 1 && qqnint(d.lnwid * b->core.unitf) > 1 && reaches_clip(b, n))
+        qqthick(b, d.polx, d.poly, n);
     // The piece is complete: a driver that buffers paths writes it now,
     // before whatever state change made the layer flush.
     qqplot(b, d.polx[n - 1], d.poly[n - 1], QQ_ENDPATH);

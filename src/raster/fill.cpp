@@ -1,6 +1,8 @@
 // Filled shapes on the canvas: the polygon scan converter, discs,
 // rectangles and single pixels.
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "raster/canvas.h"
 #include "raster/paint.h"
@@ -43,6 +45,132 @@ struct Vertices {
     double py(int i) const { return m ? m[3] * x[i] + m[4] * y[i] + m[5] : y[i]; }
 };
 
+namespace {
+
+// The crossing of edge i with row yy, or false when the edge does not
+// reach the row: an edge counts for the rows above its lower end up to
+// and with its upper end, so that a horizontal edge never counts.
+inline bool edge_cross(const Vertices &v, int i, int n, double yy, int *xout) {
+    int j = i + 1 == n ? 0 : i + 1;
+    double yi = v.py(i), yj = v.py(j);
+    if (!((yy > yi && yj >= yy) || (yi >= yy && yy > yj))) return false;
+    double xi = v.px(i), xj = v.px(j);
+    double xc = std::fabs(yi - yj) < 0.01 ? xi + 0.5 : xi + (xj - xi) * (yy - yi) / (yj - yi) + 0.5;
+    if (!(xc > -1e9)) xc = -1e9;  // NaN too
+    if (xc > 1e9) xc = 1e9;
+    *xout = (int)std::trunc(xc);
+    return true;
+}
+
+template <class Pen>
+void fill_pairs(const Painter<Pen> &p, int row, int *cross, int nc) {
+    sort_small(cross, nc);
+    for (int k = 0; k + 1 < nc; k += 2) {
+        int xa = cross[k], xb = cross[k + 1];
+        if (xb < p.x0 || xa > p.x1) continue;
+        p.span(row, xa, xb);
+    }
+}
+
+// One row by testing every edge in polygon order: the reference rule,
+// also for rows with more crossings than the table holds.
+template <class Pen>
+int full_row(const Painter<Pen> &p, const Vertices &v, int n, int row) {
+    int cross[MAXCROSS];
+    int nc = 0, overflow = 0, xc;
+    for (int i = 0; i < n; ++i) {
+        if (!edge_cross(v, i, n, row, &xc)) continue;
+        if (nc == MAXCROSS) {
+            overflow = 1;
+            continue;
+        }
+        cross[nc++] = xc;
+    }
+    fill_pairs(p, row, cross, nc);
+    return overflow;
+}
+
+// Polygons of many points: the edges enter an active list at their first
+// row and leave it after their last, so a row costs what crosses it.
+// Returns -1 when the work memory is not there.
+template <class Pen>
+int active_edges(const Painter<Pen> &p, const Vertices &v, int n, int ya, int yb) {
+    size_t rows = (size_t)(yb - ya) + 2;
+    int *first = (int *)std::malloc(sizeof(int) * (2 * (size_t)n + rows + 1));
+    if (!first) return -1;
+    int *order = first + n, *start = order + n;  // start: rows + 1 counters
+    int *active = first;  // reuses the first rows once the edges are sorted
+    for (size_t r = 0; r <= rows; ++r) start[r] = 0;
+    // First and last row of each edge, cut to the rows that are filled.
+    for (int i = 0; i < n; ++i) {
+        int j = i + 1 == n ? 0 : i + 1;
+        double yi = v.py(i), yj = v.py(j);
+        double lo = yi < yj ? yi : yj, hi = yi < yj ? yj : yi;
+        double r0 = std::floor(lo) + 1, r1 = std::floor(hi);
+        if (!(r0 <= r1) || r1 < ya || r0 > yb) {
+            first[i] = -1;
+            continue;
+        }
+        int a = r0 < ya ? ya : (int)r0;
+        first[i] = a - ya;
+        start[a - ya + 1]++;
+    }
+    for (size_t r = 1; r <= rows; ++r) start[r] += start[r - 1];
+    for (int i = 0; i < n; ++i)
+        if (first[i] >= 0) order[start[first[i]]++] = i;
+    // start[r] now ends row r's edges: the edges of row r are
+    // order[start[r - 1] .. start[r]).
+    int nact = 0, next = 0, overflow = 0, xc;
+    int cross[MAXCROSS];
+    for (int row = ya; row <= yb; ++row) {
+        int end = start[row - ya];
+        while (next < end) active[nact++] = order[next++];
+        int nc = 0;
+        bool full = false;
+        for (int k = 0; k < nact;) {
+            int i = active[k], j = i + 1 == n ? 0 : i + 1;
+            double yi = v.py(i), yj = v.py(j);
+            if ((yi > yj ? yi : yj) < row) {  // past its last row
+                active[k] = active[--nact];
+                continue;
+            }
+            if (edge_cross(v, i, n, row, &xc)) {
+                if (nc == MAXCROSS)
+                    full = true;
+                else
+                    cross[nc++] = xc;
+            }
+            ++k;
+        }
+        if (full) {
+            // The table keeps the first crossings in the polygon's order:
+            // the edges of the lowest numbers, found with a bounded heap.
+            int heap[MAXCROSS], nh = 0;
+            for (int k = 0; k < nact; ++k) {
+                int i = active[k];
+                if (!edge_cross(v, i, n, row, &xc)) continue;
+                if (nh < MAXCROSS) {
+                    heap[nh++] = i;
+                    std::push_heap(heap, heap + nh);
+                } else if (i < heap[0]) {
+                    std::pop_heap(heap, heap + nh);
+                    heap[nh - 1] = i;
+                    std::push_heap(heap, heap + nh);
+                }
+            }
+            nc = 0;
+            for (int k = 0; k < nh; ++k)
+                if (edge_cross(v, heap[k], n, row, &xc)) cross[nc++] = xc;
+            overflow = 1;
+        }
+        fill_pairs(p, row, cross, nc);
+    }
+    std::free(first);
+    return overflow;
+}
+
+}  // namespace
+
 template <class Pen>
 int paint_polygon(const Painter<Pen> &p, const double *xs, const double *ys, int n,
                   const double *m) {
@@ -58,33 +186,14 @@ int paint_polygon(const Painter<Pen> &p, const double *xs, const double *ys, int
     int ya = (int)std::trunc(ymin + 0.5), yb = (int)std::trunc(ymax + 0.5);
     if (ya < p.y0) ya = p.y0;
     if (yb > p.y1) yb = p.y1;
-    int overflow = 0;
-    int cross[MAXCROSS];
-    for (int row = ya; row <= yb; ++row) {
-        double yy = row;
-        int nc = 0;
-        for (int i = 0; i < n; ++i) {
-            int j = i + 1 == n ? 0 : i + 1;
-            double yi = v.py(i), yj = v.py(j);
-            if (!((yy > yi && yj >= yy) || (yi >= yy && yy > yj))) continue;
-            double xi = v.px(i), xj = v.px(j);
-            double xc =
-                std::fabs(yi - yj) < 0.01 ? xi + 0.5 : xi + (xj - xi) * (yy - yi) / (yj - yi) + 0.5;
-            if (nc == MAXCROSS) {
-                overflow = 1;
-                continue;
-            }
-            if (!(xc > -1e9)) xc = -1e9;  // NaN too
-            if (xc > 1e9) xc = 1e9;
-            cross[nc++] = (int)std::trunc(xc);
-        }
-        sort_small(cross, nc);
-        for (int k = 0; k + 1 < nc; k += 2) {
-            int xa = cross[k], xb = cross[k + 1];
-            if (xb < p.x0 || xa > p.x1) continue;
-            p.span(row, xa, xb);
-        }
+    if (ya > yb) return 0;
+    // A few rows of a small polygon are cheaper without the edge list.
+    if ((long long)n * (yb - ya + 1) > 4096) {
+        int r = active_edges(p, v, n, ya, yb);
+        if (r >= 0) return r;
     }
+    int overflow = 0;
+    for (int row = ya; row <= yb; ++row) overflow |= full_row(p, v, n, row);
     return overflow;
 }
 

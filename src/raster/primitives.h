@@ -5,8 +5,9 @@
 // Coordinates are integer pixels, row 0 on top (polygons take doubles).
 // Lines use the pen of the record (lw, lcap, ljoin, colour); rectangles and
 // pixels take a colour value of their own.  All operations draw on the plane
-// in use (cv->pix), which must exist.  Nothing here allocates or warns: the
-// callers turn the results into warnings.
+// in use (cv->pix), which must exist.  Nothing here warns: the callers turn
+// the results into warnings.  Only the polygon fill allocates, an edge list
+// for polygons of many points (without the memory it scans every edge).
 #pragma once
 
 struct qqcanvas;

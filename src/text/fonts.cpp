@@ -159,6 +159,10 @@ namespace {
 
 void text_init(glbblk *b) { qqtxtdefaults(b); }
 
+// A new block has the session defaults too, so that measuring before a
+// session never meets an empty section.
+void text_first(glbblk *b) { qqtxtdefaults(b); }
+
 // reset() rows: each puts one setting back to its session default.
 void reset_angle(glbblk *b) {
     b->txt.angle = 0;
@@ -206,7 +210,7 @@ const ResetEntry kResets[] = {
 
 }  // namespace
 
-extern const Subsystem kxsub_text = {"text", nullptr, text_init, nullptr, kResets, nullptr};
+extern const Subsystem kxsub_text = {"text", text_first, text_init, nullptr, kResets, nullptr};
 
 const TextSection *qqtxtsection(glbblk *b, int alf) noexcept {
     TextState &t = b->txt;

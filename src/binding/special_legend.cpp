@@ -1,0 +1,100 @@
+// Legend wrappers: the module owns the legend's text buffer, which the
+// caller's first argument only stands for.
+#include "marshal.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "kolvex.h"
+#include "plots/curves.h"
+
+namespace {
+
+char *pylegb = nullptr;  // the legend buffer that legini allocated
+Py_ssize_t pylegn = 0;   // its size in bytes
+int pylegf = 0;          // 1 once it exists
+
+// A buffer of at least n bytes, blank-filled beyond what it held: the
+// library's legend state (of this thread's block) may ask for more than
+// the last legini of the module gave.
+char *legend_buffer(Py_ssize_t n) {
+    if (pylegb && pylegn >= n) return pylegb;
+    char *p = (char *)std::malloc((size_t)n + 1);
+    if (!p) return nullptr;
+    std::memset(p, ' ', (size_t)n);
+    p[n] = '\0';
+    if (pylegb) std::memcpy(p, pylegb, (size_t)pylegn);
+    std::free(pylegb);
+    pylegb = p;
+    pylegn = n;
+    pylegf = 1;
+    return p;
+}
+
+char *current_buffer() {
+    int need = qqlegbytes();
+    return legend_buffer(need > 0 ? need : 1);
+}
+
+}  // namespace
+
+PyObject *kxs_legini(PyObject *, PyObject *args) {
+    const char *cbuf = nullptr;
+    int nlin = 0, nmaxln = 0;
+    if (!PyArg_ParseTuple(args, "sii:legini", &cbuf, &nlin, &nmaxln)) return kxpy_argfail();
+    if (nlin >= 1 && nlin <= 80 && nmaxln >= 1 && nmaxln <= 256) {
+        Py_ssize_t n = (Py_ssize_t)nlin * nmaxln;
+        char *p = (char *)std::malloc((size_t)n + 1);
+        if (!p) {
+            PyErr_SetString(PyExc_MemoryError, "out of memory in legini");
+            return nullptr;
+        }
+        std::memset(p, ' ', (size_t)n);
+        p[n] = '\0';
+        std::free(pylegb);
+        pylegb = p;
+        pylegn = n;
+        pylegf = 1;
+        legini(pylegb, nlin, nmaxln);
+    } else {
+        char scratch[2] = {' ', '\0'};
+        legini(scratch, nlin, nmaxln);  // refuses the sizes with its warning
+    }
+    Py_RETURN_NONE;
+}
+
+PyObject *kxs_leglin(PyObject *, PyObject *args) {
+    const char *cbuf = nullptr, *cstr = nullptr;
+    int ilin = 0;
+    if (!PyArg_ParseTuple(args, "ssi:leglin", &cbuf, &cstr, &ilin)) return kxpy_argfail();
+    char *p = current_buffer();
+    if (!p) return PyErr_NoMemory();
+    leglin(p, cstr, ilin);
+    Py_RETURN_NONE;
+}
+
+PyObject *kxs_legend(PyObject *, PyObject *args) {
+    const char *cbuf = nullptr;
+    int npos = 0;
+    if (!PyArg_ParseTuple(args, "si:legend", &cbuf, &npos)) return kxpy_argfail();
+    char *p = current_buffer();
+    if (!p) return PyErr_NoMemory();
+    legend(p, npos);
+    Py_RETURN_NONE;
+}
+
+PyObject *kxs_nxlegn(PyObject *, PyObject *args) {
+    const char *cbuf = nullptr;
+    if (!PyArg_ParseTuple(args, "s:nxlegn", &cbuf)) return kxpy_argfail();
+    char *p = current_buffer();
+    if (!p) return PyErr_NoMemory();
+    return Py_BuildValue("i", nxlegn(p));
+}
+
+PyObject *kxs_nylegn(PyObject *, PyObject *args) {
+    const char *cbuf = nullptr;
+    if (!PyArg_ParseTuple(args, "s:nylegn", &cbuf)) return kxpy_argfail();
+    char *p = current_buffer();
+    if (!p) return PyErr_NoMemory();
+    return Py_BuildValue("i", nylegn(p));
+}

@@ -1,0 +1,46 @@
+// The drawing steps that curve shares with errbar, shdcrv and the legend:
+// saving and restoring what a plot routine changes, line styles by number,
+// and the tests of a curve's points.
+#pragma once
+
+#include "core/glbblk.h"
+
+struct AxisMap;
+
+// What a plot routine changes and puts back on every way out.
+struct CurveSave {
+    int colour;
+    int dshn, dshl[10];
+    double lnoff;
+    unsigned char ynoflp;
+    int ltyp;     // line style number
+    int pattern;  // shading pattern
+};
+
+void qqcrvsave(glbblk *b, CurveSave *s) noexcept;
+void qqcrvrestore(glbblk *b, const CurveSave *s) noexcept;
+// The line style number and the pattern, kept by the line-style and fill
+// settings.
+void qqstylesave(glbblk *b, CurveSave *s) noexcept;
+void qqstylerestore(glbblk *b, const CurveSave *s) noexcept;
+// Line style 0 to 7 of the style table, the dash state restarted.
+void qqsetstyle(glbblk *b, int ltyp) noexcept;
+// The current line style number.
+int qqgetstyle(glbblk *b) noexcept;
+// A solid line without offset for symbols and outlines.
+void qqsolid(glbblk *b) noexcept;
+// A polygon filled with a shading pattern (0 none); the outline is not
+// drawn.
+void qqpatfill(glbblk *b, const double *x, const double *y, int n, int pattern) noexcept;
+// The current pattern and the pattern cycle, kept by the fill settings.
+int qqgetpattern(glbblk *b) noexcept;
+void qqsetpattern(glbblk *b, int pattern) noexcept;
+int qqpatcycle(glbblk *b, int index) noexcept;
+// Whether shaded areas get an outline.
+bool qqarealine(glbblk *b) noexcept;
+
+// curve without its guard, for routines that draw a curve of their own.
+void qqcurve(glbblk *b, const double *x, const double *y, int n) noexcept;
+bool qqcrvlog(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) noexcept;
+void qqcrvsymbols(glbblk *b, const AxisMap &m, const double *x, const double *y, int n,
+                  int step) noexcept;

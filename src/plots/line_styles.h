@@ -1,0 +1,19 @@
+// Line styles: the style table behind lintyp, and the dash pattern saved
+// round a drawing of a style of its own.  The line entries themselves
+// (qqline, qqpolyln) are the device layer's, in devices/device.h.
+#pragma once
+
+struct glbblk;
+
+// Sets line style 0 to 7 by the style table (no checks): the dash lengths
+// in plot coordinates and a fresh dash state.
+void qqlintyp(glbblk *b, int ityp) noexcept;
+// The dash pattern of the device layer, saved round a drawing that needs
+// a style of its own (hatching, frames).
+struct SavedDash {
+    int ltyp, dshn, dshl[10];
+    double dsrem;
+    int dspen, dsidx, clridx;
+};
+void qqdshsave(glbblk *b, SavedDash *s) noexcept;
+void qqdshback(glbblk *b, const SavedDash *s) noexcept;

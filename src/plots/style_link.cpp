@@ -1,0 +1,64 @@
+// Line styles, patterns and fills as the curve routines use them, on top of
+// the line-style and fill settings.
+#include <cstring>
+
+#include "devices/device.h"
+#include "plots/curve_draw.h"
+#include "plots/curves.h"
+#include "plots/fill.h"
+#include "plots/line_styles.h"
+#include "plots/patterns.h"
+
+void qqsetstyle(glbblk *b, int ltyp) noexcept {
+    if (ltyp < 0 || ltyp > 7) return;
+    qqflsh(b);
+    qqlintyp(b, ltyp);
+}
+
+int qqgetstyle(glbblk *b) noexcept {
+    return b->sty.ltyp;
+}
+
+void qqstylesave(glbblk *b, CurveSave *s) noexcept {
+    s->ltyp = b->sty.ltyp;
+    s->pattern = qqgetpat(b);
+}
+
+void qqstylerestore(glbblk *b, const CurveSave *s) noexcept {
+    b->sty.ltyp = s->ltyp;
+    if (qqgetpat(b) != s->pattern) qqshdpat(b, s->pattern);
+}
+
+void qqpatfill(glbblk *b, const double *x, const double *y, int n, int pattern) noexcept {
+    if (pattern == 0 || n < 3) return;
+    int saved = qqgetpat(b);
+    if (saved != pattern) qqshdpat(b, pattern);
+    // The fill may change its arrays: small polygons go through a copy,
+    // large ones (shaded areas between curves) are the caller's own.
+    if (n <= 256) {
+        double cx[256], cy[256];
+        std::memcpy(cx, x, sizeof(double) * n);
+        std::memcpy(cy, y, sizeof(double) * n);
+        qqpfill(b, cx, cy, n);
+    } else {
+        qqpfill(b, const_cast<double *>(x), const_cast<double *>(y), n);
+    }
+    if (saved != pattern) qqshdpat(b, saved);
+}
+
+void qqsolidfill(glbblk *b, const double *x, const double *y, int n) noexcept {
+    qqpatfill(b, x, y, n, QQ_SOLID_PATTERN);
+}
+
+int qqgetpattern(glbblk *b) noexcept {
+    return qqgetpat(b);
+}
+void qqsetpattern(glbblk *b, int pattern) noexcept {
+    qqshdpat(b, pattern);
+}
+int qqpatcycle(glbblk *b, int index) noexcept {
+    return index >= 1 && index <= 30 ? b->sty.patcycl[index - 1] : 0;
+}
+bool qqarealine(glbblk *b) noexcept {
+    return b->sty.outline != 0;
+}
