@@ -21,6 +21,8 @@
 #include "text/text_state.h"
 #include "text/number_state.h"
 #include "axes/axes_state.h"
+#include "plots/zscale_state.h"
+#include "space/space_state.h"
 
 struct glbblk {
     CoreState core;       // call frame, level, page
@@ -38,4 +40,6 @@ struct glbblk {
     StyleState sty;       // line style number, shading pattern, fill switches
     CurveState crv;       // curves, symbols, attribute cycles
     LegendState leg;      // legend lines, layout and curve records
+    ZScaleState zsc;      // the z colour scale
+    SpaceState sp;        // 3-D axis system, z-buffer, lights, surfaces
 };

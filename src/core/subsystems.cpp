@@ -16,6 +16,8 @@ extern const Subsystem kxsub_axes;
 extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_curves;
 extern const Subsystem kxsub_postscript;
+extern const Subsystem kxsub_zscale;
+extern const Subsystem kxsub_space;
 
 namespace {
 
@@ -37,6 +39,8 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_axes,
     &kxsub_styles,
     &kxsub_curves,
+    &kxsub_zscale,
+    &kxsub_space,
 };
 
 }  // namespace
