@@ -38,13 +38,20 @@ def plot(fname, fmt, surfaces, view=None, lights=False, mesh=False, smooth=False
     if smooth:
         k.shdmod("SMOO", "SURF")
     k.graf3d(-2, 2, -2, 1, -2, 2, -2, 1, -1, 1, -1, 0.5)
+    # One bracket round all surfaces, so that they hide each other: the
+    # z-buffer on PNG, the depth buffer on SVG.  The box is drawn inside it
+    # on PNG, so that its hidden edges stay hidden.
     if zbuf:
         k.zbfini()
+    else:
+        k.dbfini()
     for xs, z in surfaces:
         k.surshd(xs, len(xs), xs, len(xs), z)
     if zbuf:
+        k.box3d()
         k.zbffin()
-    k.box3d()
+    else:
+        k.dbffin()
     k.endgrf()
     k.kolfin()
 
