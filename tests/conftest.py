@@ -16,6 +16,9 @@ import pytest
 _build = os.environ.get("KOLVEX_BUILD_DIR")
 if _build:
     sys.path.insert(0, os.path.abspath(_build))
+    # Python processes that the tests start find the same module.
+    os.environ["PYTHONPATH"] = os.pathsep.join(
+        [os.path.abspath(_build)] + [p for p in os.environ.get("PYTHONPATH", "").split(os.pathsep) if p])
 
 import kolvex  # noqa: E402
 

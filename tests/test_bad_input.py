@@ -143,3 +143,45 @@ def test_nan_scale_factor_keeps_the_header_readable():
     head = open("kolvex.met").readline()
     assert head == "      29.7      21.0\n"
     assert not math.isnan(float(head[:10]))
+
+
+RUNAWAY = """
+import os, resource, sys, time, kolvex
+# A memory limit far below what the sizes ask: a result sized by them fails.
+# (Not under a sanitizer, whose shadow memory needs more address space.)
+if "san" not in os.environ.get("LD_PRELOAD", ""):
+    limit = 768 << 20
+    resource.setrlimit(resource.RLIMIT_AS, (limit, limit))
+kolvex.metafl("PNG")
+kolvex.kolini()
+kolvex.unit(0)
+kolvex.imgini()
+start = time.monotonic()
+assert kolvex.rpixls(0, 0, 100000, 100000) == b""
+assert kolvex.rpixls(5, 5, 2**31 - 1, 2) == b""
+assert kolvex.rpxrow(0, 0, 2**31 - 1) == (b"", 0)
+assert kolvex.rpxrow(10, 10, 3) == (bytes(3), 3)
+kolvex.imgmod("RGB")
+assert kolvex.rpixls(0, 0, 2**31 - 1, 2**31 - 1) == b""
+kolvex.imgfin()
+png, n = kolvex.rbfpng(2**31 - 1)
+assert png[:4] == b"\\x89PNG" and len(png) == n < 100000
+assert time.monotonic() - start < 5
+kolvex.kolfin()
+print("ok")
+"""
+
+
+def test_sizes_from_arguments_allocate_only_what_the_library_accepts():
+    import subprocess
+    import sys
+    r = subprocess.run([sys.executable, "-c", RUNAWAY], capture_output=True, text=True, timeout=60)
+    assert r.returncode == 0, r.stderr[-2000:]
+    assert r.stdout == "ok\n"
+
+
+def test_myvlt_counts_out_of_range_give_the_warning(capfd):
+    for n in (-1, 0, 257):
+        kolvex.myvlt([], [], [], n)
+    assert warnings_of(capfd.readouterr().out) == [
+        f" <<<< Warning 2: Incorrect parameter in myvlt!   {param(n)}" for n in (-1, 0, 257)]

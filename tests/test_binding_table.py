@@ -44,7 +44,7 @@ def test_the_module_has_nothing_but_its_methods():
     assert kolvex.__doc__ is None
     for name in own:
         fn = getattr(kolvex, name)
-        assert type(fn).__name__ == "builtin_function_or_method" and fn.__doc__ is None, name
+        assert type(fn).__name__ == "builtin_function_or_method", name
 
 
 def test_wrong_argument_counts_and_keywords_are_type_errors():
@@ -194,7 +194,7 @@ def test_the_generator_refuses_lines_that_disagree(tmp_path):
         "getpag - i - void getpag(int *nx, int *ny)",  # result
         "curve OOi - r void curve(const double *x[n], const double *y[m], int n)",  # unknown length
         "histog OiOO i - void histog(const double *x[n], int n, double *a[n:k], double *b[n], int *nh)",
-        "metafl s - - void metafl(const char *cdev)",  # must be hand-written
+        "thrfin - - r void thrfin(void)",  # must be hand-written
         "getlev - i - special: int getlev(void)",  # must not be
         "vscl3d ss - - alias: nothing",
         "pdfbuf i s#i - r int pdfbuf(out unsigned char *b[n:return], int n)",  # both forms

@@ -90,15 +90,20 @@ def test_raster_files_sniffed_inside_a_session():
 
 
 @pytest.mark.parametrize("data, kind", [
-    (b"\x89PNG\r\n\x1a\n", 4),  # too short for the header: the kind without a size
+    (b"\x89PNG\r\n\x1a\n", 4),  # too short for the header
+    (b"\x89PNG\r\n\x1a\n" + bytes(8) + struct.pack(">II", 0xFFFFFFFF, 0xFFFFFFFF), 4),  # no image is so big
     (b"II\x2a\x00" + struct.pack("<I", 1 << 30), 3),  # a directory beyond the file
     (b"BM", 1),
+    (b"BM" + bytes(16) + struct.pack("<ii", 5, -2**31), 1),
     (b"GIF8", 2),
+    (b"GIF89a" + bytes(4), 2),  # a size of 0
     (b"!Bitmap", 5),
 ])
-def test_truncated_headers_give_the_kind_and_no_size(data, kind):
+def test_images_whose_size_cannot_be_read_are_unreadable(data, kind, capfd):
     write("cut", data)
-    assert kolvex.filsiz("cut") == (kind, 0, 0)
+    assert kolvex.filtyp("cut") == kind  # the kind shows in the first bytes
+    assert kolvex.filsiz("cut") == (-1, 0, 0)
+    assert capfd.readouterr().out == " <<<< Warning 36: File error in filsiz!   (cut)\n"
 
 
 @pytest.mark.parametrize("name", ["missing.png", ".", ""])

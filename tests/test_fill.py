@@ -299,3 +299,26 @@ def test_bad_coordinates_and_huge_polygons_draw_nothing_wrong(capfd):
     # Near its top and bottom the zigzag crosses a scan line more than 100
     # times: the raster fill and the hatching say so.
     assert len(out) == 2 and all("Warning 26" in w for w in out)
+
+
+@pytest.mark.skipif(not hasattr(kolvex, "graf"), reason="axis systems are not in this build")
+def test_rlarea_fills_in_user_coordinates_cut_to_the_axis_system():
+    session()
+    kolvex.graf(0.0, 10.0, 0.0, 2.0, 0.0, 10.0, 0.0, 2.0)
+    kolvex.noarln()
+    kolvex.mypat(0, 1, 1, 0)
+    # The polygon reaches beyond the axis system on the right.
+    kolvex.rlarea([2.0, 14.0, 14.0, 2.0], [2.0, 2.0, 8.0, 8.0], 4)
+    x0, x1 = kolvex.xposn(2.0), kolvex.xposn(10.0)
+    y0, y1 = sorted((kolvex.yposn(2.0), kolvex.yposn(8.0)))
+    kolvex.endgrf()
+    kolvex.kolfin()
+    segs = metafile_segments("f.met")
+    # The hatch lines among the axis system's own: long horizontal lines
+    # within the polygon's rows.
+    flat = (segs[:, 1] == segs[:, 3]) & (segs[:, 1] > y0 + 0.5) & (segs[:, 1] < y1 - 0.5)
+    hatch = segs[flat & (np.abs(segs[:, 2] - segs[:, 0]) > 1000)]
+    assert len(hatch) == pytest.approx((y1 - y0) / 6.9999, abs=2)
+    assert np.minimum(hatch[:, 0], hatch[:, 2]) == pytest.approx(x0, abs=1e-3)
+    # Cut at the axis system's right edge.
+    assert np.maximum(hatch[:, 0], hatch[:, 2]) == pytest.approx(x1, abs=1.01)

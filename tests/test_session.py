@@ -272,6 +272,47 @@ def test_delete_mode_replaces_the_file():
     assert open("kolvex.met").read().startswith("      29.7")
 
 
+DIES_IN_SESSION = """
+import os, kolvex
+kolvex.metafl("{device}")
+kolvex.setfil("{name}")
+kolvex.filmod("{mode}")
+kolvex.kolini()
+kolvex.unit(0)
+kolvex.pagera()
+os._exit(3)  # the program dies before kolfin
+"""
+
+
+@pytest.mark.parametrize("device,name", [("PLOG", "plot.met"), ("SVG", "plot.svg"), ("PNG", "plot.png")])
+def test_a_program_that_dies_in_a_session_leaves_the_old_file(device, name):
+    import subprocess
+    import sys
+    old = b"the user's previous plot\n"
+    with open(name, "wb") as f:
+        f.write(old)
+    code = DIES_IN_SESSION.format(device=device, name=name, mode="DELE")
+    assert subprocess.run([sys.executable, "-c", code], timeout=60).returncode == 3
+    assert open(name, "rb").read() == old
+    # With a new name only an empty file reserves it: nothing that looks whole.
+    code = DIES_IN_SESSION.format(device=device, name="new_" + name, mode="COUNT")
+    assert subprocess.run([sys.executable, "-c", code], timeout=60).returncode == 3
+    assert os.path.getsize("new_" + name) == 0
+    # A session that ends replaces the old file and leaves nothing else.
+    for f in os.listdir("."):
+        if f.endswith(".part"):
+            os.remove(f)
+    kolvex.metafl(device)
+    kolvex.setfil(name)
+    kolvex.filmod("DELE")
+    kolvex.kolini()
+    kolvex.unit(0)
+    kolvex.pagera()
+    kolvex.kolfin()
+    assert open(name, "rb").read() != old
+    assert sorted(os.listdir(".")) == sorted([name, "new_" + name])
+
+
 def test_delete_mode_that_cannot_delete(tmp_path, capfd):
     os.makedirs("kolvex.met/inside")  # a directory in the way
     kolvex.filmod("DELE")

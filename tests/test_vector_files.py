@@ -85,12 +85,11 @@ def test_svg_sessions_are_read_and_rendered(tmp_path, page, mode, size):
     # A new page keeps the one picture; every group is closed.
     assert text.count("<svg ") == 1 and text.endswith("</g>\n</svg>\n")
     assert text.count("<g ") == text.count("</g>")
-    # Widths scale like the coordinates, never below the thinnest line.
-    w, h = (2969, 2099) if page is None else (2099, 2969)
-    if mode == "PORT":
-        w, h = h, w
-    sc = min((size[0] - 1) / w, (size[1] - 1) / h)
-    assert f'stroke-width="{20 * sc:.3f}"' in text and 'stroke-width="0.500"' not in text
+    # Widths scale like positions (the long side of the page, 2970 units,
+    # fills 853 pixels, or 603 on a turned page), never below 1.
+    scale = (603 if mode == "PORT" else 853) / 2970
+    widths = sorted({float(w) for w in re.findall(r'stroke-width="([0-9.]+)"', text)})
+    assert widths[0] == 1.0 and widths[-1] == pytest.approx(20 * scale, abs=0.01)
     if mode == "PORT":
         # The page turns: its frame stands upright in the left of the picture.
         cols = np.nonzero(red.any(axis=0))[0]
@@ -267,3 +266,34 @@ def test_svg_rendering_matches_the_png(page, tmp_path):
     for what in ("star", "rect"):
         na, nb = colour_mask(a, COLOURS[what]).sum(), colour_mask(b, COLOURS[what]).sum()
         assert abs(na - nb) <= 0.05 * nb, what
+
+
+@needs("rsvg-convert")
+def test_svg_lines_are_as_wide_as_png_lines():
+    """linwid(40) on an A4 page: the page frame rendered from the SVG file
+    and drawn into the PNG file has the same width in pixels (half of it
+    inside the page at the left edge)."""
+    from PIL import Image
+
+    def draw(device, name):
+        kolvex.setfil(name)
+        kolvex.metafl(device)
+        kolvex.scrmod("REVERS")  # black lines on white on both
+        kolvex.kolini()
+        kolvex.unit(0)
+        kolvex.linwid(40)
+        kolvex.pagera()
+        kolvex.kolfin()
+
+    draw("SVG", "w.svg")
+    draw("PNG", "w.png")
+    run(["rsvg-convert", "-b", "white", "-o", "svg.png", "w.svg"])
+
+    def width(path):
+        im = np.asarray(Image.open(path).convert("L")).astype(float)
+        row = 255 - im[im.shape[0] // 2, :100]  # ink at the left of the middle row
+        return row.sum() / 255
+
+    png, svg = width("w.png"), width("svg.png")
+    assert 5 < png < 8
+    assert svg == pytest.approx(png, abs=1.0)

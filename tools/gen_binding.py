@@ -12,8 +12,9 @@ format  the argument format of PyArg_ParseTuple, '-' for none, 'own' for a
         method that parses its arguments itself
 gives   the result format of Py_BuildValue, '-' for None; a method with two
         result forms lists both, separated by a comma
-lock    'r' when the wrapper releases the interpreter lock around the call,
-        '-' when it keeps it
+lock    'r' when the wrapper may release the interpreter lock around the
+        call (it does so only when each thread has a block of its own:
+        kxpy_unlocked), '-' when it keeps it
 special the wrapper is hand-written: kxs_<name> in src/binding/special_*.cpp.
         Only the methods in SPECIAL below may be hand-written, and they must
         be.  A declaration after 'special:' goes to the C header and names
@@ -58,6 +59,9 @@ lengths in brackets after its name:
                           is an int argument: the size rules of kxpy_sized_bytes
                           (gives "s#i,si")
     int m = expr          a value that the wrapper computes: no argument
+    int n[lo..hi]         a count that the routine tests itself: outside lo..hi
+                          the routine is called with null arrays (it warns and
+                          reads none) and nothing is converted
     unsigned char *p      (any pointer without lengths) only in a declaration
                           after 'special:'
 
@@ -71,7 +75,14 @@ then the out-parameters, inout arguments and text results in the order of
 the parameters.  One value is returned bare, more as a tuple.
 
 Lines starting with '##' are group headings of the C header; '#' starts a
-comment.  Run with --header, --wrappers, --stub to write those files, or
+comment.
+
+summaries.txt beside the table gives each method's one-line summary (name,
+blanks, text).  The stub's docstring of each method is generated from it and
+the line: the summary, and the calling form with the types of arguments and
+result.  The module itself carries no doc strings.  A method
+without a summary still builds, but a test requires one for every method:
+add it with the table line.  Run with --header, --wrappers, --stub to write those files, or
 --check to test that include/kolvex.h is up to date.  --table-dir reads
 another table (a test table: then SPECIAL is not enforced).
 """
@@ -96,9 +107,7 @@ SPECIAL = {
        ("conshade", "contour", "plot", "plot3", "scattr", "setvar", "surf3", "surface", "surshade")},
     **{n: "takes a Python callable" for n in
        ("piecbk", "setcbk", "surfcp", "surfun", "swgcb", "swgcb2", "swgcb3", "swgcbk", "wincbk")},
-    "kolini": "applies the settings of the convenience plots after the call",
-    "metafl": "sets pymfl",
-    "imgmod": "sets pyrgb",
+    "thrfin": "waits for the calls of other threads before it frees their blocks",
     "legini": "allocates the module's legend buffer",
     "legend": "passes the module's legend buffer",
     "leglin": "passes the module's legend buffer",
@@ -146,6 +155,14 @@ class Param:
         self.type = re.sub(r"\s+", " ", m.group("type").replace("*", " *")).strip()
         self.name = m.group("name")
         dims = re.findall(r"\[([^\]]*)\]", m.group("dims"))
+        # int n[lo..hi]: a count that the routine tests itself (it warns
+        # outside lo..hi and reads no array then).
+        self.range = None
+        if len(dims) == 1 and re.fullmatch(r"\s*-?\d+\s*\.\.\s*-?\d+\s*", dims[0]):
+            if m.group("type").strip() != "int" or kw:
+                raise TableError(f"{where}: only an int count has a range: {text!r}")
+            self.range = tuple(int(v) for v in dims[0].split(".."))
+            dims = []
         self.count = None
         self.optional = False
         if dims and ":" in dims[-1]:
@@ -386,6 +403,8 @@ class Method:
                     raise self.error(f"the count {p.count!r} is no int")
             if p.count == "return" and self.ret not in ("int",):
                 raise self.error("a count from the result needs an int result")
+            if p.range and (self.ret != "void" or any(q.role not in ("in", "arg") for q in self.params)):
+                raise self.error("a ranged count goes with input arrays, plain arguments and no result")
 
     # ---- output ---------------------------------------------------------------
     def header_decl(self):
@@ -397,7 +416,7 @@ class Method:
         """The int arguments that size arrays: one below 1 makes the method
         return None at once."""
         counts = []
-        args = {p.name for p in self.params if p.role == "arg" and p.letter == "i"}
+        args = {p.name for p in self.params if p.role == "arg" and p.letter == "i" and not p.range}
         for p in self.params:
             if p.role in ("in", "inout", "out", "work", "bytes"):
                 for d in p.dims:
@@ -432,20 +451,42 @@ class Method:
         L.append("}")
         return "\n".join(L)
 
-    def stub_text(self):
+    def signature(self):
+        """The Python parameters as (name, type) pairs, or None when a
+        'stub:' gives the signature outright; and the result type."""
         if self.stub:
-            return f"def {self.name}{self.stub}: ..."
+            return None, None
         fmt_units = units(self.format)
         named = [p for p in self.params if p.letter]
         if self.decl and [p.letter for p in named] == fmt_units:
-            args = [f"{p.name}: {p.stub_type()}" for p in named]
+            args = [(p.name, p.stub_type()) for p in named]
         else:
-            args = [f"arg{i}: {'Any' if u == 'O' else PYTYPES[u]}" for i, u in enumerate(fmt_units)]
-        sig = ", ".join(args + ["/"]) if args else ""
+            args = [(f"arg{i}", "Any" if u == "O" else PYTYPES[u]) for i, u in enumerate(fmt_units)]
         result = result_type(self.gives)
         if result != "None" and self.decl and self.count_args():
             result += " | None"  # a count below 1
+        return args, result
+
+    def stub_text(self):
+        if self.stub:
+            return f"def {self.name}{self.stub}: ..."
+        args, result = self.signature()
+        sig = ", ".join([f"{n}: {t}" for n, t in args] + ["/"]) if args else ""
         return f"def {self.name}({sig}) -> {result}: ..."
+
+    def doc_text(self, name, summary):
+        """The docstring of the method `name` (an alias has its own name and
+        summary): a signature that inspect reads, the summary, and the
+        calling form with the types of arguments and result."""
+        args, result = self.signature()
+        if args is None:
+            typed = f"{name}{self.stub}"
+            head = ""
+        else:
+            typed = f"{name}({', '.join(f'{n}: {t}' for n, t in args)}) -> {result}"
+            head = f"{name}({', '.join(['$module'] + [n for n, _ in args] + ['/'])})\n--\n\n"
+        body = f"{summary}\n\n{typed}" if summary else typed
+        return head + body
 
 
 def c_dim(expr):
@@ -503,6 +544,16 @@ def parse_lines(m):
     counts = m.count_args()
     if counts:
         L.append(f"    if ({' || '.join(f'a_{c} < 1' for c in counts)}) Py_RETURN_NONE;")
+    # A count outside the routine's own range: the routine gives its warning
+    # without arrays, and nothing is converted.
+    for p in m.params:
+        if p.range:
+            lo, hi = p.range
+            refused = ", ".join("nullptr" if q.role == "in" else q.local() for q in m.params)
+            L.append(f"    if (a_{p.name} < {lo} || a_{p.name} > {hi}) {{")
+            L.append(f"        {m.cname}({refused});")
+            L.append("        Py_RETURN_NONE;")
+            L.append("    }")
     return L
 
 
@@ -544,7 +595,7 @@ class Wrapper:
         if m.ret != "void":
             L.append(f"    {c_local(m.ret, 'ret')} = {{}};")
             call = f"ret = {call}"
-        body = ["Py_BEGIN_ALLOW_THREADS", f"{call};", "Py_END_ALLOW_THREADS"] if m.release else [f"{call};"]
+        body = [f"kxpy_unlocked([&] {{ {call}; }});"] if m.release else [f"{call};"]
         body += self.write_backs()
         if not checks:
             L += [f"    {b}" for b in body]
@@ -738,7 +789,38 @@ def header_text(methods, guard="KOLVEX_H", title="kolvex: the public routines of
     return "\n".join(out)
 
 
-def wrappers_text(methods):
+def c_string(text):
+    return '"' + text.replace("\\", "\\\\").replace('"', '\\"').replace("\n", "\\n") + '"'
+
+
+def read_summaries(table_dir=TABLE_DIR):
+    """The one-line summaries of the methods (summaries.txt beside the
+    table): name, blanks, the summary.  A method without one gets a
+    docstring without it; a test requires one for every bound method."""
+    out = {}
+    path = os.path.join(table_dir, "summaries.txt")
+    if not os.path.exists(path):
+        return out
+    with open(path, encoding="utf-8") as f:
+        for no, line in enumerate(f, 1):
+            if not line.strip() or line.startswith("#"):
+                continue
+            parts = line.split(None, 1)
+            if len(parts) < 2:
+                raise TableError(f"{os.path.relpath(path, ROOT)}:{no}: a summary line is a name and its text")
+            if parts[0] in out:
+                raise TableError(f"{os.path.relpath(path, ROOT)}:{no}: {parts[0]} has a summary already")
+            out[parts[0]] = parts[1].strip()
+    return out
+
+
+def method_doc(m, summaries):
+    src = m.target if m.alias else m
+    return src.doc_text(m.name, summaries.get(m.name, ""))
+
+
+def wrappers_text(methods, summaries=None):
+    summaries = summaries or {}
     out = ["// Generated from the routine table by tools/gen_binding.py; do not edit.", ""]
     for m in methods:
         if m.special:
@@ -751,13 +833,16 @@ def wrappers_text(methods):
     out.append("static PyMethodDef kolvex_methods[] = {")
     for m in sorted(methods, key=lambda m: m.name):
         fn = m.target.fn_name() if m.alias else m.fn_name()
+        # The method table carries no doc strings: the module is exactly its
+        # methods.  The help text lives in the stub, where editors read it.
         out.append(f'    {{"{m.name}", {fn}, METH_VARARGS, nullptr}},')
     out.append("    {nullptr, nullptr, 0, nullptr},")
     out.append("};")
     return "\n".join(out) + "\n"
 
 
-def stub_text(methods, module="kolvex"):
+def stub_text(methods, module="kolvex", summaries=None):
+    summaries = summaries or {}
     out = [
         f'"""{module}: scientific plotting from Python.',
         "",
@@ -769,8 +854,14 @@ def stub_text(methods, module="kolvex"):
     ]
     for m in sorted(methods, key=lambda m: m.name):
         src = m.target if m.alias else m
-        text = src.stub_text()
-        out.append(text.replace(f"def {src.name}(", f"def {m.name}(", 1))
+        text = src.stub_text().replace(f"def {src.name}(", f"def {m.name}(", 1)
+        doc = method_doc(m, summaries)
+        if "\n--\n\n" in doc:
+            doc = doc.split("\n--\n\n", 1)[1]
+        assert text.endswith(": ...")
+        body = doc.replace("\\", "\\\\").replace('"""', '\\"\\"\\"').replace("\n", "\n    ")
+        text = text[: -len(" ...")] + '\n    """' + body + '"""'
+        out.append(text)
     return "\n".join(out) + "\n"
 
 
@@ -797,12 +888,13 @@ def main():
     a = ap.parse_args()
     try:
         methods = read_table(a.table_dir)
+        summaries = read_summaries(a.table_dir)
         if a.header:
             write(a.header, header_text(methods, a.guard))
         if a.wrappers:
-            write(a.wrappers, wrappers_text(methods))
+            write(a.wrappers, wrappers_text(methods, summaries))
         if a.stub:
-            write(a.stub, stub_text(methods, a.module))
+            write(a.stub, stub_text(methods, a.module, summaries))
     except TableError as e:
         sys.exit(f"routine table: {e}")
     if a.check:

@@ -42,17 +42,6 @@ bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.log
 
 }  // namespace
 
-void qqline(glbblk *b, double x0, double y0, double x1, double y1) noexcept {
-    // Dash colours (linclr) may change the colour on the way: it comes back.
-    int colour = b->dev.curclr;
-    qqmove(b, x0, y0);
-    qqdraw(b, x1, y1);
-    if (b->dev.curclr != colour) {
-        qqflsh(b);
-        qqsetc(b, colour);
-    }
-}
-
 void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept {
     const AxesState &ax = b->ax;
     if (n < 1) return;

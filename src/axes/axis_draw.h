@@ -27,5 +27,5 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept;
 // n intervals per label; used by the axes and by grid lines.
 void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept;
 
-// One line between two plot positions.
+// One line between two plot positions (the device layer's line entry).
 void qqline(glbblk *b, double x0, double y0, double x1, double y1) noexcept;

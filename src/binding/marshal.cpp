@@ -1,13 +1,46 @@
 #include "marshal.h"
 
+#include <condition_variable>
 #include <cstdint>
+#include <mutex>
 #include <cstring>
 #include <type_traits>
 
 #include <sys/mman.h>
 
-int pyrgb = 0;
-int pymfl = 0;
+int (*kxpy_perthread)() = nullptr;
+KxCallGate kxpy_calls;
+
+namespace {
+std::mutex gate_mutex;
+std::condition_variable gate_changed;
+int gate_inside = 0;
+bool gate_closing = false;
+}  // namespace
+
+void KxCallGate::enter() {
+    std::unique_lock<std::mutex> lock(gate_mutex);
+    gate_changed.wait(lock, [] { return !gate_closing; });
+    ++gate_inside;
+}
+
+void KxCallGate::leave() {
+    std::lock_guard<std::mutex> lock(gate_mutex);
+    if (--gate_inside == 0) gate_changed.notify_all();
+}
+
+void KxCallGate::close() {
+    std::unique_lock<std::mutex> lock(gate_mutex);
+    gate_changed.wait(lock, [] { return !gate_closing; });
+    gate_closing = true;
+    gate_changed.wait(lock, [] { return gate_inside == 0; });
+}
+
+void KxCallGate::open() {
+    std::lock_guard<std::mutex> lock(gate_mutex);
+    gate_closing = false;
+    gate_changed.notify_all();
+}
 
 namespace {
 
@@ -689,7 +722,7 @@ char *kxpy_textbuf(const char *text, Py_ssize_t room) {
 
 bool kxpy_enough(Py_ssize_t have, Py_ssize_t need) {
     if (have >= need) return true;
-    set_error(PyExc_MemoryError, "out of range");
+    set_error(PyExc_ValueError, "buffer is shorter than its size");
     return false;
 }
 

@@ -170,7 +170,8 @@ int *kxpy_out_i(PyObject *sequence, Py_ssize_t n, bool nested);
 // zero-filled; null with MemoryError set.
 char *kxpy_textbuf(const char *text, Py_ssize_t room);
 // A byte argument given as "s#" must hold the bytes that the routine
-// reads: false with MemoryError "out of range" when it is shorter.
+// reads: false with ValueError "buffer is shorter than its size" when it
+// is shorter (a bad argument, not a lack of memory).
 bool kxpy_enough(Py_ssize_t have, Py_ssize_t need);
 // A private copy of a byte argument for a routine that runs without the
 // interpreter lock (the object's memory is only guaranteed while the lock
@@ -185,6 +186,68 @@ PyObject *kxpy_text(const char *text);
 // Binary data as bytes; a negative length gives b"".
 PyObject *kxpy_bytes(const void *data, Py_ssize_t n);
 
+// ---- the interpreter lock -------------------------------------------------------
+
+// Whether each thread has a block of its own (thrini is in force).  The
+// module sets it at import; without it (the marshalling test module) every
+// call keeps the interpreter lock.
+extern int (*kxpy_perthread)();
+// Counts the calls that run without the interpreter lock, so that thrfin,
+// which frees the blocks of all threads, runs only when none does.  A
+// closing gate lets no new call in (it prefers the closer, so a stream of
+// calls cannot starve it).
+struct KxCallGate {
+    void enter();  // waits while the gate is closed
+    void leave();
+    void close();  // waits until no call is inside; new calls wait
+    void open();
+};
+extern KxCallGate kxpy_calls;
+
+// Runs the core call of a method whose table line says r.  With one block
+// for every thread the call keeps the interpreter lock for its whole length,
+// so that calls from different threads never work on the block at once;
+// with a block per thread it gives the lock up and runs in parallel with
+// the calls of other threads.
+template <typename Call>
+void kxpy_unlocked(Call &&call) {
+    if (!kxpy_perthread || !kxpy_perthread()) {
+        call();
+        return;
+    }
+    PyThreadState *state = PyEval_SaveThread();
+    kxpy_calls.enter();
+    if (!kxpy_perthread()) {
+        // thrfin ran while this thread waited: the one block is back.
+        kxpy_calls.leave();
+        PyEval_RestoreThread(state);
+        call();
+        return;
+    }
+    call();
+    kxpy_calls.leave();
+    PyEval_RestoreThread(state);
+}
+
+// Runs a call that frees the blocks of other threads (thrfin) once the
+// calls that run without the interpreter lock have ended; it waits without
+// the lock, so that a call inside may still run Python code.
+template <typename Call>
+void kxpy_exclusive(Call &&call) {
+    PyThreadState *state = PyEval_SaveThread();
+    kxpy_calls.close();
+    PyEval_RestoreThread(state);
+    call();
+    kxpy_calls.open();
+}
+
+// ---- results of a caller-given size -------------------------------------------------
+
+// Sizes up to this many bytes are allocated as asked; a larger size is first
+// put to the routine (size 0), so that a bad size never allocates more than
+// the routine would write.
+constexpr int kKxpyAskAbove = 1 << 20;
+
 // The result of a routine that fills a byte buffer whose size the caller
 // gives (pdfbuf, rbfpng, readfl, fitsimg and the like):
 //   size < 0   (b"", 0) without calling the routine;
@@ -193,15 +256,30 @@ PyObject *kxpy_bytes(const void *data, Py_ssize_t n);
 //   size > 0   a buffer of size bytes is filled by the routine, which
 //              returns the number of bytes it wrote (or a negative status),
 //              and (the bytes written, the routine's result) comes back.
-// The buffer is freed on every path; no memory raises MemoryError with
-// "out of memory in <name>".  `call(buffer, size)` runs without the
-// interpreter lock when `release` is set.
+// A routine called with a null buffer and size 0 must return the size that
+// it needs, or a status below 1 when it refuses the request; a size above
+// kKxpyAskAbove asks it first and allocates no more than that need (a
+// refusal returns (b"", status) at once).  The buffer is freed on every
+// path; no memory raises MemoryError with "out of memory in <name>".
+// `call(buffer, size)` runs as kxpy_unlocked says when `release` is set.
 //
 // The results are always bytes, also the empty ones, so that a caller sees
 // one type whatever the size.
 template <typename Call>
 PyObject *kxpy_sized_bytes(const char *name, int size, bool release, Call call) {
     if (size < 0) return Py_BuildValue("Ni", kxpy_bytes(nullptr, 0), 0);
+    int status = 0;
+    auto run = [&](unsigned char *buffer, int n) {
+        if (release)
+            kxpy_unlocked([&] { status = call(buffer, n); });
+        else
+            status = call(buffer, n);
+    };
+    if (size > kKxpyAskAbove) {
+        run(nullptr, 0);
+        if (status < 1) return Py_BuildValue("Ni", kxpy_bytes(nullptr, 0), status);
+        if (status < size) size = status;
+    }
     KxOwned<unsigned char> buffer;
     if (size > 0) {
         buffer.reset(static_cast<unsigned char *>(std::calloc((size_t)size, 1)));
@@ -210,16 +288,10 @@ PyObject *kxpy_sized_bytes(const char *name, int size, bool release, Call call) 
             return nullptr;
         }
     }
-    PyThreadState *unlocked = release ? PyEval_SaveThread() : nullptr;
-    int status = call(buffer.get(), size);  // size 0: a null buffer, asking for the size
-    if (unlocked) PyEval_RestoreThread(unlocked);
+    run(buffer.get(), size);  // size 0: a null buffer, asking for the size
     Py_ssize_t length = size > 0 ? kxpy_limit(size, status) : 0;
     return Py_BuildValue("Ni", kxpy_bytes(buffer.get(), length), status);
 }
-
-// Module-level state that several wrappers share.
-extern int pyrgb;  // pixel rows are 3 bytes a pixel (imgmod "RGB")
-extern int pymfl;  // metafl was called through the module
 
 // None, as a new reference.
 inline PyObject *kxpy_none() {

@@ -12,9 +12,10 @@
 //     runs (qqpydb and its kin), each followed by KxErrStash::take(); the
 //     routine runs only when err.failed() is false; every array is freed on
 //     every path (KxOwned holds one for you);
-//   - release the interpreter around the routine exactly when the table's
-//     line says r (Py_BEGIN_ALLOW_THREADS / Py_END_ALLOW_THREADS), and then
-//     hand the routine no memory of a Python object that is not immutable;
+//   - run the routine through kxpy_unlocked exactly when the table's line
+//     says r (it gives the interpreter lock up only when each thread has a
+//     block of its own), and then hand the routine no memory of a Python
+//     object that is not immutable;
 //   - texts come back through kxpy_text, binary data as bytes through
 //     kxpy_bytes, and a bytes result of a caller-given size through
 //     kxpy_sized_bytes, which applies the size rules; a buffer that the
@@ -25,6 +26,7 @@
 #include <cstdlib>
 
 #include "kolvex.h"
+#include "core/threads.h"
 // The library's own sizes that lengths of table lines call.
 #include "raster/image_mode.h"
 #include "plots/curves.h"
@@ -38,5 +40,6 @@ static struct PyModuleDef kolvex_module = {
 };
 
 PyMODINIT_FUNC PyInit_kolvex(void) {
+    kxpy_perthread = qqthrmode;
     return PyModule_Create2(&kolvex_module, 1013);
 }

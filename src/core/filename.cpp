@@ -1,7 +1,11 @@
 // The plot file: its name, the version rule and the open of kolini.
+#include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "core/family.h"
@@ -16,13 +20,109 @@ namespace {
 
 bool file_exists(const char *name) { return access(name, F_OK) == 0; }
 
+// Whether an existing file can be replaced: no directory, and its own
+// directory may be written (a rename into it needs that).
+bool replaceable(const char *name) {
+    struct stat st;
+    if (stat(name, &st) == 0 && S_ISDIR(st.st_mode)) return false;
+    char dir[257];
+    int cut = 0;
+    for (int i = 0; name[i] && i < 256; ++i)
+        if (name[i] == '/') cut = i + 1;
+    if (cut == 0) return access(".", W_OK) == 0;
+    std::memcpy(dir, name, (size_t)cut);
+    dir[cut] = '\0';
+    return access(dir, W_OK) == 0;
+}
+
+std::atomic<unsigned> temp_serial{0};
+
+// A new file beside name, ".<base>.<pid>.<n>.part", created exclusively
+// with the usual permissions; its descriptor, or -1.
+int create_temp(const char *name, char *temp, size_t size) {
+    const char *base = name;
+    for (const char *p = name; *p; ++p)
+        if (*p == '/') base = p + 1;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        unsigned n = temp_serial.fetch_add(1);
+        int len = std::snprintf(temp, size, "%.*s.%s.%ld.%u.part", (int)(base - name), name, base,
+                                (long)getpid(), n);
+        if (len < 0 || (size_t)len >= size) break;
+        int fd = open(temp, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd >= 0) return fd;
+        if (errno != EEXIST) break;
+    }
+    temp[0] = '\0';
+    return -1;
+}
+
+// The open of QQOutFile on the fields of a caller (a QQOutFile, or the
+// session's plot file).
+int open_out(glbblk *b, char *name, char *temp, size_t tsize, int *reserved, FILE **fp,
+             const char *mode) {
+    *fp = nullptr;
+    temp[0] = '\0';
+    *reserved = 0;
+    qqlock(0);
+    int w = qqvers(b, name);
+    if (w == 0 && !file_exists(name)) {
+        // The final name is taken now, so that another thread or program
+        // choosing a version passes it by.
+        int fd = open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd >= 0) {
+            close(fd);
+            *reserved = 1;
+        } else {
+            w = 36;
+        }
+    }
+    if (w == 0) {
+        int fd = create_temp(name, temp, tsize);
+        *fp = fd >= 0 ? fdopen(fd, mode) : nullptr;
+        if (!*fp) {
+            if (fd >= 0) {
+                close(fd);
+                unlink(temp);
+            }
+            temp[0] = '\0';
+            if (*reserved) unlink(name);
+            *reserved = 0;
+            w = 36;
+        }
+    }
+    qqlock(1);
+    if (w != 0) qqwar0(b, w);
+    return w;
+}
+
+int close_out(glbblk *b, const char *name, char *temp, int *reserved, FILE **fp, int keep) {
+    bool ok = true;
+    if (*fp && std::fclose(*fp) != 0) ok = false;  // a full disk shows here
+    *fp = nullptr;
+    int r = 0;
+    if (temp[0]) {
+        if (keep && ok && std::rename(temp, name) == 0) {
+            *reserved = 0;
+        } else {
+            if (keep) r = -1;
+            unlink(temp);
+        }
+    }
+    if (*reserved) unlink(name);
+    temp[0] = '\0';
+    *reserved = 0;
+    if (r != 0) qqwar0(b, 36);
+    return r;
+}
+
 }  // namespace
 
 int qqvers(glbblk *b, char *name) noexcept {
     if (!file_exists(name)) return 0;
     const SessionState &s = b->sess;
     if (s.fmode == 1) {
-        if (std::remove(name) != 0) {
+        // The old file is replaced when the new one is complete.
+        if (!replaceable(name)) {
             qqwtxt(b, "Plotfile cannot be deleted");
             return 168;
         }
@@ -77,36 +177,24 @@ int qqvers(glbblk *b, char *name) noexcept {
     return 170;
 }
 
-int qqopenf(glbblk *b, const char *mode) noexcept {
-    qqlock(0);
-    int w = qqvers(b, b->sess.fname);
-    if (w != 0) {
-        qqlock(1);
-        qqwar0(b, w);
-        qqkolfail(b);
-        return w;
-    }
-    FILE *fp = std::fopen(b->sess.fname, mode);
-    qqlock(1);
-    if (!fp) {
-        qqwar0(b, 36);
-        qqkolfail(b);
-        return 36;
-    }
-    b->sess.fhnd = fp;
-    return 0;
+int qqoutopen(glbblk *b, QQOutFile *f, const char *mode) noexcept {
+    return open_out(b, f->name, f->temp, sizeof f->temp, &f->reserved, &f->fp, mode);
 }
 
-FILE *qqopenw(glbblk *b, char *name, const char *mode) noexcept {
-    qqlock(0);
-    int w = qqvers(b, name);
-    FILE *fp = w == 0 ? std::fopen(name, mode) : nullptr;
-    qqlock(1);
-    if (w != 0)
-        qqwar0(b, w);
-    else if (!fp)
-        qqwar0(b, 36);
-    return fp;
+int qqoutclose(glbblk *b, QQOutFile *f, int keep) noexcept {
+    return close_out(b, f->name, f->temp, &f->reserved, &f->fp, keep);
+}
+
+int qqopenf(glbblk *b, const char *mode) noexcept {
+    SessionState &s = b->sess;
+    int w = open_out(b, s.fname, s.ftemp, sizeof s.ftemp, &s.freserved, &s.fhnd, mode);
+    if (w != 0) qqkolfail(b);
+    return w;
+}
+
+int qqplotclose(glbblk *b, int keep) noexcept {
+    SessionState &s = b->sess;
+    return close_out(b, s.fname, s.ftemp, &s.freserved, &s.fhnd, keep);
 }
 
 int qqopenplot(glbblk *b) noexcept {

@@ -46,9 +46,10 @@ uint32_t be32(const unsigned char *p) {
     return (be16(p) << 16) | be16(p + 2);
 }
 
+// A size of a header, or -1 when no image can have it (a corrupt file).
 int clamp_size(int64_t v) {
     if (v < 0) v = -v;  // a BMP stored top to bottom has a negative height
-    return v > 0x7fffffff ? 0x7fffffff : (int)v;
+    return v < 1 || v > 0x7fffffff ? -1 : (int)v;
 }
 
 // A decimal number in a fixed column of the raw image header.
@@ -90,8 +91,10 @@ bool starts(const unsigned char *p, size_t n, const char *magic, size_t len) {
     return n >= len && std::memcmp(p, magic, len) == 0;
 }
 
+// The kind of the file; for the raster kinds w and h are its size, or -1
+// when the header cannot be read (cut short, or sizes no image has).
 int sniff(const char *name, int *w, int *h) {
-    *w = *h = 0;
+    *w = *h = -1;
     FILE *fp = std::fopen(name, "rb");
     if (!fp) return UNREADABLE;
     unsigned char p[HEAD];
@@ -113,8 +116,8 @@ int sniff(const char *name, int *w, int *h) {
     } else if (starts(p, n, "GIF8", 4)) {
         kind = GIF;
         if (n >= 10) {
-            *w = (int)le16(p + 6);
-            *h = (int)le16(p + 8);
+            *w = clamp_size(le16(p + 6));
+            *h = clamp_size(le16(p + 8));
         }
     } else if (starts(p, n, "\x89PNG\r\n", 6)) {
         kind = PNG;
@@ -172,6 +175,11 @@ int filsiz(const char *cfil, int *nw, int *nh) noexcept {
         return -1;
     }
     if (kind < BMP || kind > RAWIMAGE) return 0;
+    // An image whose size cannot be read is a file that cannot be read.
+    if (w < 1 || h < 1) {
+        qqwarc(b, 36, cfil ? cfil : "");
+        return -1;
+    }
     *nw = w;
     *nh = h;
     return kind;

@@ -19,6 +19,7 @@
 
 #include "core/subsystems.h"
 #include "core/text.h"
+#include "core/threads.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 
@@ -60,6 +61,8 @@ void qqconsole(const char *text) noexcept {
     std::fputs(text, stdout);
     std::fflush(stdout);
 }
+
+int qqthrmode() noexcept { return thrmod.load(std::memory_order_acquire) == 1 ? 1 : 0; }
 
 void qqlock(int release) noexcept {
     if (thrmod.load(std::memory_order_acquire) != 1 || !liblock) return;

@@ -6,18 +6,42 @@
 struct glbblk;
 
 // The name rule: 0 when the file may be written (name may have changed to
-// a new version), else a warning number whose text stands in wrntxt.
+// a new version), else a warning number whose text stands in wrntxt.  In
+// DELE mode an existing file stays: it is only tested that it can be
+// replaced (not a directory, in a directory that may be written).
 int qqvers(glbblk *b, char *name) noexcept;
+
+// Every file of the library is written under a temporary name beside its
+// final one (".<name>.<pid>.<n>.part" in the same directory) and takes the
+// final name only when it is complete: an old file that DELE mode replaces
+// stays until then, and a program that dies half-way leaves no file under
+// the final name that looks complete.  While it is written, a new final
+// name is reserved by an empty file, so that version numbers stay unique.
+struct QQOutFile {
+    FILE *fp;
+    char name[257];  // the final name; the name rule may change it
+    char temp[320];  // the temporary name, empty when none
+    int reserved;    // 1 when name was created empty to reserve it
+};
+// Applies the name rule to f->name and opens the temporary file, both
+// under the library lock.  0, or the warning number after it is reported
+// (the name rule's, or 36).
+int qqoutopen(glbblk *b, QQOutFile *f, const char *mode) noexcept;
+// Closes the stream.  keep 1: the file takes its final name (0, or -1
+// after warning 36 when it cannot); keep 0: the temporary file and a
+// reservation are removed, and an old file stays as it was.
+int qqoutclose(glbblk *b, QQOutFile *f, int keep) noexcept;
+
 // Opens the plot file of the session as kolini does; 0 on success, else the
 // warning has been reported and level is 0.  Drivers that open their file
 // themselves call qqopenf for the name rule and the open under the lock.
 int qqopenplot(glbblk *b) noexcept;
 int qqopenf(glbblk *b, const char *mode) noexcept;
-// Opens a file that a routine writes besides the plot file (a colour
-// table, an image): the name rule and the open run under the library
-// lock, and name (257 bytes) may become a new version.  Returns the
-// stream, or null after reporting the name rule's warning or 36.
-FILE *qqopenw(glbblk *b, char *name, const char *mode) noexcept;
+// Ends the plot file of the session (sess.fhnd, fname): with keep 1 it
+// takes its final name (kolfin; 0, or -1 after warning 36), with keep 0 it
+// is dropped (a failed session or a picture that was not written).  A
+// driver may have closed fhnd itself before.
+int qqplotclose(glbblk *b, int keep) noexcept;
 // Turns the Y of the interface round when the page origin is at the bottom.
 double qqyflp(glbblk *b, double y) noexcept;
 int qqyflpi(glbblk *b, int y) noexcept;

@@ -44,8 +44,8 @@ void session_init(glbblk *b) {
 
 void session_release(glbblk *b) {
     SessionState &s = b->sess;
-    if (s.fhnd) std::fclose(s.fhnd);
-    s.fhnd = nullptr;
+    // A session that never reached kolfin leaves no file behind.
+    qqplotclose(b, 0);
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
     free_psinfo(b);
@@ -66,8 +66,7 @@ extern const Subsystem kxsub_session = {"session", session_first, session_init, 
 
 void qqkolfail(glbblk *b) noexcept {
     SessionState &s = b->sess;
-    if (s.fhnd) std::fclose(s.fhnd);
-    s.fhnd = nullptr;
+    qqplotclose(b, 0);
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
     b->core.level = 0;

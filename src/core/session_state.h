@@ -28,6 +28,8 @@ struct SessionState {
     unsigned char fdig;      // digits of a version number, 2 to 6
     unsigned char fscal;     // scaling of included files: 0 OFF, 1 PAGE/ON, 2 VIEW
     FILE *fhnd;              // the open plot file
+    char ftemp[320];         // the name fhnd writes under until kolfin, or empty
+    int freserved;           // 1 when kolini created fname empty to reserve it
     char *lnbuf;             // line buffer of the text formats
     int lnlen, lnpos;        // line length and characters in the buffer
     int wplace;              // window placement: 0 automatic, 1 window, 2 winsiz

@@ -116,6 +116,12 @@ int qqin(glbblk *b, double x, double y) noexcept;
 void qqclippage(glbblk *b) noexcept;
 // Sends the clip window to a driver that clips itself.
 void qqclipdev(glbblk *b, int narrowing) noexcept;
+// One line from (x1, y1) to (x2, y2), and the closed outline of a polygon
+// of n points (below 2 nothing), in plot coordinates through qqmove and
+// qqdraw; the current colour comes back when the dash colours of linclr
+// changed it.
+void qqline(glbblk *b, double x1, double y1, double x2, double y2) noexcept;
+void qqpolyln(glbblk *b, const double *x, const double *y, int n) noexcept;
 // Fills a polygon of n points in plot coordinates (the origin shift is
 // added on the way, as to every position) with the current pattern: solid
 // fill goes to a driver that takes polygons, everything else is hatched

@@ -1,4 +1,4 @@
-// Filled polygons on their way to a driver.
+// Lines and filled polygons on their way to a driver.
 //
 // The fill itself (patterns, hatching) lives with the plots above; the
 // layer offers the entry that lower layers call, and the step that hands a
@@ -9,6 +9,34 @@
 #include "core/glbblk.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+
+namespace {
+
+// The current colour comes back after a line whose dashes had colours.
+void colour_back(glbblk *b, int colour) {
+    if (b->dev.curclr != colour) {
+        qqflsh(b);
+        qqsetc(b, colour);
+    }
+}
+
+}  // namespace
+
+void qqline(glbblk *b, double x1, double y1, double x2, double y2) noexcept {
+    int colour = b->dev.curclr;
+    qqmove(b, x1, y1);
+    qqdraw(b, x2, y2);
+    colour_back(b, colour);
+}
+
+void qqpolyln(glbblk *b, const double *x, const double *y, int n) noexcept {
+    if (n < 2) return;
+    int colour = b->dev.curclr;
+    qqmove(b, x[0], y[0]);
+    for (int i = 1; i < n; ++i) qqdraw(b, x[i], y[i]);
+    qqdraw(b, x[0], y[0]);
+    colour_back(b, colour);
+}
 
 void qqfillpoly(glbblk *b, double *x, double *y, int n) noexcept {
     if (b->dev.fillfn) b->dev.fillfn(b, x, y, n);

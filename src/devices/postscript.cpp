@@ -26,6 +26,7 @@
 #include <unistd.h>
 
 #include "core/family.h"
+#include "core/filetime.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -244,22 +245,18 @@ void map_int(glbblk *b, double x, double y, int *ix, int *iy) {
     *iy = dev_int(dy);
 }
 
-// The creation time: SOURCE_DATE_EPOCH (taken as UTC) when it holds an
-// integer, so that identical programs give identical files; else the
-// local time.
+// The creation time: the library's one file date (qqfiletime), which
+// honours SOURCE_DATE_EPOCH so that identical programs give identical files.
 void creation_time(std::tm *t) {
+    int v[6];
+    qqfiletime(v);
     std::memset(t, 0, sizeof *t);
-    const char *e = std::getenv("SOURCE_DATE_EPOCH");
-    if (e && *e) {
-        char *end = nullptr;
-        long long v = std::strtoll(e, &end, 10);
-        if (end && *end == '\0') {
-            std::time_t when = (std::time_t)v;
-            if (gmtime_r(&when, t)) return;
-        }
-    }
-    std::time_t now = std::time(nullptr);
-    localtime_r(&now, t);
+    t->tm_year = v[0] - 1900;
+    t->tm_mon = v[1] - 1;
+    t->tm_mday = v[2];
+    t->tm_hour = v[3];
+    t->tm_min = v[4];
+    t->tm_sec = v[5];
 }
 
 // ---- paths --------------------------------------------------------------

@@ -12,6 +12,7 @@
 
 #include "core/family.h"
 #include "core/glbblk.h"
+#include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -42,15 +43,9 @@ int size_problem(int dev, int w, int h, bool rgb, int *value) {
     return 0;
 }
 
-// Removes the file that kolini opened: a session that writes no picture
-// leaves no file behind that looks like one.
-void discard_file(glbblk *b) {
-    SessionState &s = b->sess;
-    if (!s.fhnd) return;
-    std::fclose(s.fhnd);
-    s.fhnd = nullptr;
-    std::remove(s.fname);
-}
+// Drops the file that kolini opened: a session that writes no picture
+// leaves no file behind that looks like one (an old file stays).
+void discard_file(glbblk *b) { qqplotclose(b, 0); }
 
 bool to_pixel(glbblk *b, double x, double y, int *px, int *py) {
     double dx, dy;

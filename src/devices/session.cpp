@@ -134,8 +134,8 @@ void kolfin() noexcept {
     if (drv && drv->close) flag = drv->close(b);
     if (b->core.fam->kind == QQ_KIND_SCREEN) flag = 0;
     if (s.lnbuf && s.lnpos > 0) qqsbufend(b);
-    if (s.fhnd) std::fclose(s.fhnd);
-    s.fhnd = nullptr;
+    // The file is complete: it takes its name now.
+    if (qqplotclose(b, 1) != 0) flag = 0;
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
     b->dev.drv = nullptr;
@@ -182,12 +182,7 @@ void newpag() noexcept {
     qqflsh(b);
     b->sess.pageno++;
     const DriverOps *drv = b->dev.drv;
-    if (drv && drv->new_page) {
-        drv->new_page(b);
-        // A page of the format starts with its own pen: a width that the
-        // device draws goes to it again.
-        if (b->dev.lnwid < 0 && drv->width) drv->width(b, -b->dev.lnwid, 0);
-    }
+    if (drv && drv->new_page) drv->new_page(b);
 }
 
 void erase() noexcept {

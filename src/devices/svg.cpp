@@ -191,8 +191,10 @@ void svg_colour(glbblk *b, int, int r, int g, int bl, int) {
     v.bl = (unsigned char)bl;
 }
 
-// The stroke width is scaled like the coordinates, so that a line is as
-// wide as on the other devices; the device's thinnest line is 1.
+// A width of n plot coordinates is scaled like the positions, so that a
+// line is as wide as on every other device; the thinnest line is the 1.0
+// of the open, as one pixel is on raster output.  n = 0 (hardware lines
+// off) gives that thinnest line.
 int svg_width(glbblk *b, double n, int) {
     end_path(b);
     group(b, NO_GROUP);

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "core/filetime.h"
 #include "core/glbblk.h"
 #include "core/numfmt.h"
 #include "core/subsystems.h"
@@ -123,18 +124,7 @@ void qqvcollect(glbblk *b, double x, double y, int op, void (*write_poly)(glbblk
     v.npts = 0;
 }
 
-void qqvtime(int t[6]) noexcept {
-    std::time_t now = std::time(nullptr);
-    std::tm tmv;
-    std::memset(&tmv, 0, sizeof tmv);
-    localtime_r(&now, &tmv);
-    t[0] = (tmv.tm_year + 1900) % 10000;
-    t[1] = tmv.tm_mon + 1;
-    t[2] = tmv.tm_mday;
-    t[3] = tmv.tm_hour;
-    t[4] = tmv.tm_min;
-    t[5] = tmv.tm_sec % 60;
-}
+void qqvtime(int t[6]) noexcept { qqfiletime(t); }
 
 void qqvdate(char *date, char *clock) noexcept {
     int t[6];

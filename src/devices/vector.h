@@ -32,7 +32,7 @@ void qqvfree(glbblk *b) noexcept;
 // writes the collected points (b->vec.ptx, pty, npts) as one element.
 void qqvcollect(glbblk *b, double x, double y, int op, void (*write_poly)(glbblk *)) noexcept;
 
-// Local time now: year, month, day, hour, minute, second.
+// The file date of qqfiletime: year, month, day, hour, minute, second.
 void qqvtime(int t[6]) noexcept;
 // "dd.mm.yyyy" and "hh:mm:ss" (11 and 9 bytes).
 void qqvdate(char *date, char *clock) noexcept;

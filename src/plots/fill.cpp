@@ -309,10 +309,11 @@ void recfll(int nx, int ny, int nw, int nh, int ncol) noexcept {
         qqwarn(b, 2, nw < nh ? nw : nh);
         return;
     }
-    int y1 = qqyflpi(b, ny), y2 = qqyflpi(b, (int)((long long)ny + nh - 1 > 0x7fffffff ? 0x7fffffff : ny + nh - 1));
-    long long x2 = (long long)nx + nw - 1;
+    // The far corner, kept within the integers.
+    long long x2 = (long long)nx + nw - 1, y2 = (long long)ny + nh - 1;
     if (x2 > 0x7fffffff) x2 = 0x7fffffff;
-    qqrectf(b, nx, y1, (int)x2, y2, ncol < 0 ? b->dev.curclr : ncol);
+    if (y2 > 0x7fffffff) y2 = 0x7fffffff;
+    qqrectf(b, nx, qqyflpi(b, ny), (int)x2, qqyflpi(b, (int)y2), ncol < 0 ? b->dev.curclr : ncol);
 }
 
 void pagfll(int ncol) noexcept {

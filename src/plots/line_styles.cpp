@@ -29,15 +29,6 @@ const int kStyles[8][5] = {
     {2, 30, 20},          // dashl
 };
 
-// The current colour comes back after a line whose dashes had colours.
-void colour_back(glbblk *b, int colour) {
-    if (b->dev.curclr != colour) {
-        qqflsh(b);
-        qqsetc(b, colour);
-    }
-}
-
-
 }  // namespace
 
 void qqlintyp(glbblk *b, int ityp) noexcept {
@@ -50,15 +41,6 @@ void qqlintyp(glbblk *b, int ityp) noexcept {
     }
     b->sty.ltyp = ityp;
     qqdshres(b);
-}
-
-void qqpolyln(glbblk *b, const double *x, const double *y, int n) noexcept {
-    if (n < 2) return;
-    int colour = b->dev.curclr;
-    qqmove(b, x[0], y[0]);
-    for (int i = 1; i < n; ++i) qqdraw(b, x[i], y[i]);
-    qqdraw(b, x[0], y[0]);
-    colour_back(b, colour);
 }
 
 void qqdshsave(glbblk *b, SavedDash *s) noexcept {

@@ -399,11 +399,11 @@ void vltfil(const char *cfl, const char *copt) noexcept {
     int k = qqkey(b, "SAVE+LOAD", 2, copt);
     if (k == 0) return;
     if (k == 1) {
-        char name[257];
-        qqscpy(name, cfl ? cfl : "", 256);
-        FILE *fp = qqopenw(b, name, "w");
-        if (!fp) return;
-        qqscpy(b->clr.vltfnm, name, 256);
+        QQOutFile out{};
+        qqscpy(out.name, cfl ? cfl : "", 256);
+        if (qqoutopen(b, &out, "w") != 0) return;
+        FILE *fp = out.fp;
+        qqscpy(b->clr.vltfnm, out.name, 256);
         for (int i = 0; i < 256; ++i) {
             int r, g, bl;
             qqclrrgb(b, i, &r, &g, &bl);
@@ -414,7 +414,7 @@ void vltfil(const char *cfl, const char *copt) noexcept {
             line[n++] = '\n';
             std::fwrite(line, 1, (size_t)n, fp);
         }
-        std::fclose(fp);
+        qqoutclose(b, &out, 1);
         return;
     }
     FILE *fp = std::fopen(cfl ? cfl : "", "r");

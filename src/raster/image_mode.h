@@ -15,3 +15,12 @@ void qqtprfig(glbblk *b, int open) noexcept;
 // calling thread: 3 in RGB mode, else 1.  The binding sizes its buffers by
 // this, never by a flag of its own.
 int qqpixbytes() noexcept;
+// The bytes that rpxrow (row 1: one row of nw pixels) or rpixls (row 0: nh
+// rows) writes for the calling thread, or -1 when the routine would refuse
+// the request: no image mode, or a rectangle not wholly in the image.  No
+// warning; the binding sizes its result by it, so that a refused request
+// never allocates what its arguments ask.
+long long qqpixrequest(int ix, int iy, int nw, int nh, int row) noexcept;
+// The bytes of the whole image of image mode for the calling thread (the
+// most that any accepted request reads), 0 without one.
+long long qqpixlimit() noexcept;

@@ -51,11 +51,39 @@ bool inside(const qqcanvas *cv, int x, int y) {
     return x >= 0 && y >= 0 && x < cv->cw && y < cv->ch;
 }
 
+// The tests of rpxrow and rpixls: the whole row or block lies in the image.
+bool row_inside(const qqcanvas *cv, int ix, int iy, int n) {
+    return n >= 1 && inside(cv, ix, iy) && (long long)ix + n <= cv->cw;
+}
+
+bool block_inside(const glbblk *b, const qqcanvas *cv, int ix, int iy, int nw, int nh) {
+    int dir = b->cnv.imgbot ? -1 : 1;
+    long long last = (long long)iy + dir * (long long)(nh - 1);
+    return nw >= 1 && nh >= 1 && inside(cv, ix, iy) && (long long)ix + nw <= cv->cw &&
+           last >= 0 && last < cv->ch;
+}
+
 }  // namespace
 
 int qqpixbytes() noexcept {
     glbblk *b = qqcur();
     return b && b->cnv.imgrgb ? 3 : 1;
+}
+
+long long qqpixlimit() noexcept {
+    glbblk *b = qqcur();
+    if (!b || b->core.level < 1 || !b->cnv.imgact) return 0;
+    const qqcanvas *cv = qqcanvasof(b);
+    return cv ? (long long)cv->cw * cv->ch * bytes_per_pixel(b) : 0;
+}
+
+long long qqpixrequest(int ix, int iy, int nw, int nh, int row) noexcept {
+    glbblk *b = qqcur();
+    if (!b || b->core.level < 1 || !b->cnv.imgact) return -1;
+    const qqcanvas *cv = qqcanvasof(b);
+    if (!cv) return -1;
+    if (row ? !row_inside(cv, ix, iy, nw) : !block_inside(b, cv, ix, iy, nw, nh)) return -1;
+    return (long long)nw * (row ? 1 : nh) * bytes_per_pixel(b);
 }
 
 void imgmod(const char *cmode) noexcept {
@@ -248,7 +276,7 @@ void rpxrow(unsigned char *iray, int ix, int iy, int n) noexcept {
     if (!b) return;
     qqcanvas *cv = image_canvas(b);
     if (!cv) return;
-    if (n < 1 || !inside(cv, ix, iy) || (long long)ix + n > cv->cw) {
+    if (!row_inside(cv, ix, iy, n)) {
         qqwar0(b, 58);
         return;
     }
@@ -277,13 +305,11 @@ void rpixls(unsigned char *iray, int ix, int iy, int nw, int nh) noexcept {
     if (!b) return;
     qqcanvas *cv = image_canvas(b);
     if (!cv) return;
-    int dir = b->cnv.imgbot ? -1 : 1;
-    long long last = (long long)iy + dir * (long long)(nh - 1);
-    if (nw < 1 || nh < 1 || !inside(cv, ix, iy) || (long long)ix + nw > cv->cw || last < 0 ||
-        last >= cv->ch) {
+    if (!block_inside(b, cv, ix, iy, nw, nh)) {
         qqwar0(b, 58);
         return;
     }
+    int dir = b->cnv.imgbot ? -1 : 1;
     int bpp = bytes_per_pixel(b);
     for (int k = 0; k < nh; ++k)
         qqcgetrow(cv, ix, iy + dir * k, nw, bpp == 3, iray + (size_t)k * nw * bpp);

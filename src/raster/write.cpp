@@ -237,16 +237,11 @@ long qqpngmem(glbblk *b, unsigned char *buffer, size_t size) noexcept {
 }
 
 int qqwritefile(glbblk *b, const char *file, int format) noexcept {
-    char name[257];
-    qqscpy(name, file ? file : "", 256);
-    FILE *fp = qqopenw(b, name, "wb");
-    if (!fp) return -1;
-    int r = qqwrite(b, fp, name, format);
-    if (std::fclose(fp) != 0 && r == 0) {
-        qqwar0(b, 36);
-        r = -1;
-    }
+    QQOutFile out{};
+    qqscpy(out.name, file ? file : "", 256);
+    if (qqoutopen(b, &out, "wb") != 0) return -1;
+    int r = qqwrite(b, out.fp, out.name, format);
     // A file that the writer could not finish must not pass for a picture.
-    if (r != 0) std::remove(name);
+    if (qqoutclose(b, &out, r == 0) != 0 && r == 0) r = -1;
     return r;
 }
