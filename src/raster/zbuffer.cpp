@@ -64,7 +64,9 @@ inline void put(Pen &p, int x, int y, float z, int r, int g, int b) {
     if (zp) *zp = z;
 }
 
-inline int rnd(double v) { return (int)std::floor(v + 0.5); }
+inline int rnd(double v) {
+    return (int)std::floor(v + 0.5);
+}
 
 // A span of row y from a to b (a.x not above b.x after the swap).
 void span(Pen &p, int y, const QQZVert &a0, const QQZVert &b0) {
@@ -79,7 +81,8 @@ void span(Pen &p, int y, const QQZVert &a0, const QQZVert &b0) {
     int xa = rnd(a->x), xb = rnd(b->x);
     int x0 = xa < cv->clipx0 ? cv->clipx0 : xa, x1 = xb > cv->clipx1 ? cv->clipx1 : xb;
     if (x0 > x1) return;
-    double ca[3] = {255 * a->r, 255 * a->g, 255 * a->b}, cb[3] = {255 * b->r, 255 * b->g, 255 * b->b};
+    double ca[3] = {255 * a->r, 255 * a->g, 255 * a->b},
+           cb[3] = {255 * b->r, 255 * b->g, 255 * b->b};
     double dx = b->x - a->x;
     double dz = 0, dc[3] = {0, 0, 0};
     if (dx > 0) {
@@ -165,10 +168,11 @@ void qqcrast(qqcanvas *cv, float *zb, const QQZVert *v, int alpha) noexcept {
     }
 }
 
-void qqczline(qqcanvas *cv, float *zb, double x0, double y0, double z0, double x1, double y1, double z1,
-              float bias) noexcept {
+void qqczline(qqcanvas *cv, float *zb, double x0, double y0, double z0, double x1, double y1,
+              double z1, float bias) noexcept {
     if (!cv || !cv->pix) return;
-    if (!std::isfinite(x0) || !std::isfinite(y0) || !std::isfinite(x1) || !std::isfinite(y1)) return;
+    if (!std::isfinite(x0) || !std::isfinite(y0) || !std::isfinite(x1) || !std::isfinite(y1))
+        return;
     int r = cv->colr, g = cv->colg, b = cv->colb;
     double dx = x1 - x0, dy = y1 - y0;
     double n = std::fmax(std::fabs(dx), std::fabs(dy));

@@ -16,5 +16,5 @@ struct QQZVert {
 void qqcrast(qqcanvas *cv, float *zb, const QQZVert *v, int alpha) noexcept;
 // One line in the canvas's current colour; a pixel is written when its
 // depth is not behind the stored one by more than bias.
-void qqczline(qqcanvas *cv, float *zb, double x0, double y0, double z0, double x1, double y1, double z1,
-              float bias) noexcept;
+void qqczline(qqcanvas *cv, float *zb, double x0, double y0, double z0, double x1, double y1,
+              double z1, float bias) noexcept;

@@ -164,7 +164,9 @@ int facing(const glbblk *b, const double *p1, const double *p2, const double *p3
     return v[0] * n[0] + v[1] * n[1] + v[2] * n[2] > 0 ? 1 : 2;
 }
 
-bool finite3(const double *p) { return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]); }
+bool finite3(const double *p) {
+    return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+}
 
 void rgb_of(glbblk *b, int clr, double c[3]) {
     int r, g, bl;
@@ -289,14 +291,16 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
             }
             int clr;
             if (!pix) {
-                double mr = (r[0] + r[1] + r[2] + r[3]) / 4, mg = (gg[0] + gg[1] + gg[2] + gg[3]) / 4,
+                double mr = (r[0] + r[1] + r[2] + r[3]) / 4,
+                       mg = (gg[0] + gg[1] + gg[2] + gg[3]) / 4,
                        mb = (bl[0] + bl[1] + bl[2] + bl[3]) / 4;
                 if (!lights && s.mesh != 2 && s.zsca == 0)
                     clr = qqzclr(b, (val[0] + val[1] + val[2] + val[3]) / 4);
                 else if (s.mesh == 2 || s.zsca == 1)
                     clr = flatclr;
                 else
-                    clr = qqnearest(b, (int)(mr * 255 + 0.5), (int)(mg * 255 + 0.5), (int)(mb * 255 + 0.5));
+                    clr = qqnearest(b, (int)(mr * 255 + 0.5), (int)(mg * 255 + 0.5),
+                                    (int)(mb * 255 + 0.5));
             } else {
                 clr = savclr;
             }
@@ -381,7 +385,8 @@ void colour_scale(glbblk *b, const double *c, size_t n, bool own) {
 
 }  // namespace
 
-extern const Subsystem kxsub_space = {"space", defaults, space_init, space_release, nullptr, space_end};
+extern const Subsystem kxsub_space = {"space",       defaults, space_init,
+                                      space_release, nullptr,  space_end};
 
 void qqlitabs(glbblk *b, int k) noexcept {
     Light3 &l = b->sp.lit[k];
@@ -442,7 +447,8 @@ void surshd(const double *xray, int n, const double *yray, int m, const double *
     surface(b, g, (long long)n * m);
 }
 
-void surshc(const double *xray, int n, const double *yray, int m, const double *zmat, const double *cmat) noexcept {
+void surshc(const double *xray, int n, const double *yray, int m, const double *zmat,
+            const double *cmat) noexcept {
     glbblk *b = KX_ENTRY("surshc");
     if (!b) return;
     if (n >= 2 && m >= 2 && b->sp.open) colour_scale(b, cmat, (size_t)n * m, true);
@@ -450,8 +456,8 @@ void surshc(const double *xray, int n, const double *yray, int m, const double *
     surface(b, g, (long long)n * m);
 }
 
-void surtri(const double *xray, const double *yray, const double *zray, int n, const int *i1, const int *i2,
-            const int *i3, int ntri) noexcept {
+void surtri(const double *xray, const double *yray, const double *zray, int n, const int *i1,
+            const int *i2, const int *i3, int ntri) noexcept {
     glbblk *b = KX_ENTRY("surtri");
     if (!b) return;
     SpaceState &s = b->sp;
@@ -484,7 +490,8 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
         s.curmesh = s.mshclr[side] == -1 ? savclr : s.mshclr[side];
         for (int t = 0; t < ntri; ++t) {
             int id[3] = {i1[t] - 1, i2[t] - 1, i3[t] - 1};
-            if (id[0] < 0 || id[1] < 0 || id[2] < 0 || id[0] >= n || id[1] >= n || id[2] >= n) continue;
+            if (id[0] < 0 || id[1] < 0 || id[2] < 0 || id[0] >= n || id[1] >= n || id[2] >= n)
+                continue;
             double P[3][3], X[3], Y[3], Z[3], r[3], g[3], bl[3];
             bool ok = true;
             for (int k = 0; k < 3; ++k) {
@@ -506,11 +513,11 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
                 g[k] = c[1];
                 bl[k] = c[2];
             }
-            int clr = pix ? savclr
-                          : s.lights ? qqnearest(b, (int)((r[0] + r[1] + r[2]) / 3 * 255 + 0.5),
-                                                 (int)((g[0] + g[1] + g[2]) / 3 * 255 + 0.5),
-                                                 (int)((bl[0] + bl[1] + bl[2]) / 3 * 255 + 0.5))
-                                     : qqzclr(b, mean);
+            int clr = pix        ? savclr
+                      : s.lights ? qqnearest(b, (int)((r[0] + r[1] + r[2]) / 3 * 255 + 0.5),
+                                             (int)((g[0] + g[1] + g[2]) / 3 * 255 + 0.5),
+                                             (int)((bl[0] + bl[1] + bl[2]) / 3 * 255 + 0.5))
+                                 : qqzclr(b, mean);
             qqtri3(b, X, Y, Z, 3, r, g, bl, clr);
         }
         if (side == 1) swap_sides(s);
@@ -523,8 +530,8 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
 // The parametric surface waits for the callback bridge of the binding: a
 // core entry that takes the function pointer is ready; the Python method
 // answers with warning 35 outside graf3d and otherwise draws nothing yet.
-void qqsurfcp(glbblk *b, double (*fn)(double, double, int, void *), void *ctx, double pmin, double pmax,
-              double pstp, double qmin, double qmax, double qstp) noexcept {
+void qqsurfcp(glbblk *b, double (*fn)(double, double, int, void *), void *ctx, double pmin,
+              double pmax, double pstp, double qmin, double qmax, double qstp) noexcept {
     if (!b->sp.open) {
         qqwar0(b, 35);
         return;
@@ -533,7 +540,8 @@ void qqsurfcp(glbblk *b, double (*fn)(double, double, int, void *), void *ctx, d
         qqwar0(b, 2);
         return;
     }
-    double np = std::floor((pmax - pmin) / pstp + 1e-9) + 1, nq = std::floor((qmax - qmin) / qstp + 1e-9) + 1;
+    double np = std::floor((pmax - pmin) / pstp + 1e-9) + 1,
+           nq = std::floor((qmax - qmin) / qstp + 1e-9) + 1;
     if (np < 2 || nq < 2 || np * nq > 4e7) {
         qqwarn(b, 2, (int)std::min(np, 1e9));
         return;
@@ -562,7 +570,8 @@ void qqsurfcp(glbblk *b, double (*fn)(double, double, int, void *), void *ctx, d
     size_t t = 0;
     for (int i = 0; i + 1 < n; ++i)
         for (int j = 0; j + 1 < m; ++j) {
-            int c0 = i * m + j + 1, c1 = (i + 1) * m + j + 1, c2 = (i + 1) * m + j + 2, c3 = i * m + j + 2;
+            int c0 = i * m + j + 1, c1 = (i + 1) * m + j + 1, c2 = (i + 1) * m + j + 2,
+                c3 = i * m + j + 2;
             tri[t] = c0, tri[nt + t] = c1, tri[2 * nt + t] = c2, ++t;
             tri[t] = c0, tri[nt + t] = c2, tri[2 * nt + t] = c3, ++t;
         }

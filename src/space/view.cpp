@@ -22,7 +22,9 @@ namespace {
 
 const double kPi = 3.1415927;  // the degree conversions of the settings use this value
 
-bool in_graf3d(const glbblk *b) { return b->sp.open != 0; }
+bool in_graf3d(const glbblk *b) {
+    return b->sp.open != 0;
+}
 
 // The user to absolute mapping with the plain limits (no logarithm): the
 // focus and eye given as USER points.
@@ -135,7 +137,6 @@ void plane_map(glbblk *b, double *x, double *y) {
     *y = yp + d.nysh;
 }
 
-
 void plane_open(glbblk *b, const double c1[3], const double c2[3], const double c3[3]) {
     SpaceState &s = b->sp;
     qqflsh(b);
@@ -195,15 +196,20 @@ void corner(const SpaceState &s, int k, double p[3]) {
 // The planes of the axes by the class of the eye: x plane, rev, nofirst,
 // y plane, rev, nofirst, z plane, rev, nofirst.
 const short kAxisPlanes[27][9] = {
-    {432, 0, 1, 321, 1, 0, 437, 0, 1}, {126, 0, 1, 415, 1, 0, 437, 0, 1}, {123, 0, 1, 412, 1, 0, 437, 0, 1},
-    {432, 0, 1, 321, 1, 0, 415, 0, 1}, {123, 0, 1, 415, 1, 0, 415, 0, 1}, {123, 0, 1, 412, 1, 0, 415, 0, 1},
-    {214, 1, 0, 321, 1, 1, 326, 0, 1}, {348, 1, 0, 415, 1, 1, 326, 0, 1}, {341, 1, 0, 412, 1, 1, 326, 0, 1},
-    {432, 0, 0, 143, 0, 1, 126, 0, 1}, {126, 0, 0, 234, 0, 1, 126, 0, 1}, {123, 0, 0, 234, 0, 1, 126, 0, 1},
-    {432, 0, 0, 143, 0, 1, 126, 0, 1}, {123, 0, 0, 234, 0, 1, 126, 0, 1}, {123, 0, 0, 234, 0, 1, 126, 0, 1},
-    {214, 1, 0, 321, 1, 1, 348, 0, 1}, {348, 1, 0, 412, 1, 1, 348, 0, 1}, {341, 1, 0, 412, 1, 1, 348, 0, 1},
-    {432, 0, 0, 143, 0, 1, 148, 0, 1}, {126, 0, 0, 237, 0, 1, 148, 0, 1}, {123, 0, 0, 234, 0, 1, 148, 0, 1},
-    {214, 1, 1, 143, 0, 0, 237, 0, 1}, {341, 1, 1, 237, 0, 0, 237, 0, 1}, {341, 1, 1, 234, 0, 0, 237, 0, 1},
-    {214, 1, 1, 143, 0, 0, 215, 0, 1}, {348, 1, 1, 237, 0, 0, 215, 0, 1}, {341, 1, 1, 234, 0, 0, 215, 0, 1},
+    {432, 0, 1, 321, 1, 0, 437, 0, 1}, {126, 0, 1, 415, 1, 0, 437, 0, 1},
+    {123, 0, 1, 412, 1, 0, 437, 0, 1}, {432, 0, 1, 321, 1, 0, 415, 0, 1},
+    {123, 0, 1, 415, 1, 0, 415, 0, 1}, {123, 0, 1, 412, 1, 0, 415, 0, 1},
+    {214, 1, 0, 321, 1, 1, 326, 0, 1}, {348, 1, 0, 415, 1, 1, 326, 0, 1},
+    {341, 1, 0, 412, 1, 1, 326, 0, 1}, {432, 0, 0, 143, 0, 1, 126, 0, 1},
+    {126, 0, 0, 234, 0, 1, 126, 0, 1}, {123, 0, 0, 234, 0, 1, 126, 0, 1},
+    {432, 0, 0, 143, 0, 1, 126, 0, 1}, {123, 0, 0, 234, 0, 1, 126, 0, 1},
+    {123, 0, 0, 234, 0, 1, 126, 0, 1}, {214, 1, 0, 321, 1, 1, 348, 0, 1},
+    {348, 1, 0, 412, 1, 1, 348, 0, 1}, {341, 1, 0, 412, 1, 1, 348, 0, 1},
+    {432, 0, 0, 143, 0, 1, 148, 0, 1}, {126, 0, 0, 237, 0, 1, 148, 0, 1},
+    {123, 0, 0, 234, 0, 1, 148, 0, 1}, {214, 1, 1, 143, 0, 0, 237, 0, 1},
+    {341, 1, 1, 237, 0, 0, 237, 0, 1}, {341, 1, 1, 234, 0, 0, 237, 0, 1},
+    {214, 1, 1, 143, 0, 0, 215, 0, 1}, {348, 1, 1, 237, 0, 0, 215, 0, 1},
+    {341, 1, 1, 234, 0, 0, 215, 0, 1},
 };
 
 void draw_axes(glbblk *b) {
@@ -340,7 +346,9 @@ void seg_plot(glbblk *b, const double *p0, const double *p1, bool move) {
 // ---------------------------------------------------------------------------
 // Conversions.
 
-int qqclipbox(const glbblk *b, double p0[3], double p1[3]) noexcept { return clip_box(b->sp, p0, p1); }
+int qqclipbox(const glbblk *b, double p0[3], double p1[3]) noexcept {
+    return clip_box(b->sp, p0, p1);
+}
 
 double qqusr2abs(const glbblk *b, int i, double v) noexcept {
     const SpaceState &s = b->sp;
@@ -361,7 +369,8 @@ void qqclip4(const glbblk *b, const double p[3], double out[4]) noexcept {
     for (int r = 0; r < 4; ++r) out[r] = m[r][0] * p[0] + m[r][1] * p[1] + m[r][2] * p[2] + m[r][3];
 }
 
-void qqabs2plot(const glbblk *b, double x, double y, double z, double *xp, double *yp, double *depth) noexcept {
+void qqabs2plot(const glbblk *b, double x, double y, double z, double *xp, double *yp,
+                double *depth) noexcept {
     double p[3] = {x, y, z}, c[4];
     qqclip4(b, p, c);
     clip_to_plot(b, c, xp, yp);
@@ -558,8 +567,8 @@ void flab3d() noexcept {
 // ---------------------------------------------------------------------------
 // The axis system.
 
-void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor, double ystp, double za,
-            double ze, double zor, double zstp) noexcept {
+void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor,
+            double ystp, double za, double ze, double zor, double zstp) noexcept {
     glbblk *b = KX_ENTRY("graf3d");
     if (!b) return;
     AxesState &ax = b->ax;
@@ -567,7 +576,8 @@ void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye
     double v[3][4] = {{xa, xe, xor_, xstp}, {ya, ye, yor, ystp}, {za, ze, zor, zstp}};
     for (int i = 0; i < 3; ++i) qqautscl(b, i, &v[i][0], &v[i][1], &v[i][2], &v[i][3]);
     for (int i = 0; i < 3; ++i)
-        if (qqtstscl(b, v[i][0], v[i][1], v[i][2], v[i][3], i < 2 ? ax.nlen[i] : ax.nlen[1], 0, 0)) return;
+        if (qqtstscl(b, v[i][0], v[i][1], v[i][2], v[i][3], i < 2 ? ax.nlen[i] : ax.nlen[1], 0, 0))
+            return;
     for (int i = 0; i < 3; ++i) {
         s.a[i] = v[i][0];
         s.e[i] = v[i][1];
@@ -757,7 +767,8 @@ void abs3pt(double x, double y, double z, double *xp, double *yp) noexcept {
 void rel3pt(double x, double y, double z, double *xp, double *yp) noexcept {
     glbblk *b = KX_ENTRY("rel3pt");
     *xp = *yp = 0;
-    if (b) qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), xp, yp, nullptr);
+    if (b)
+        qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), xp, yp, nullptr);
 }
 
 void pos3pt(double x, double y, double z, double *xp, double *yp, double *zp) noexcept {

@@ -22,7 +22,9 @@
 
 namespace {
 
-qqcanvas *pix_canvas(glbblk *b) { return qqcanvasof(b); }
+qqcanvas *pix_canvas(glbblk *b) {
+    return qqcanvasof(b);
+}
 
 // Plot to pixel position of the canvas in use.
 void to_pix(glbblk *b, double x, double y, double *px, double *py) {
@@ -84,8 +86,8 @@ bool eye_out(const double c[4]) {
            c[3] - c[2] < 0;
 }
 
-void dbf_store(glbblk *b, const double *xp, const double *yp, const double *dp, int n, int fill, int edge,
-               int code) {
+void dbf_store(glbblk *b, const double *xp, const double *yp, const double *dp, int n, int fill,
+               int edge, int code) {
     SpaceState &s = b->sp;
     if (s.dn == s.dcap) {
         int cap = s.dcap + 10000;
@@ -151,7 +153,9 @@ void outline(glbblk *b, const double *xp, const double *yp, int n, int code) {
 
 }  // namespace
 
-int qqzpix(const glbblk *b) noexcept { return b->sp.zopen || b->cnv.imgact; }
+int qqzpix(const glbblk *b) noexcept {
+    return b->sp.zopen || b->cnv.imgact;
+}
 
 int qqzbfopen(glbblk *b) noexcept {
     SpaceState &s = b->sp;
