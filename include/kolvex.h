@@ -383,6 +383,17 @@ KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API int getpat(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void rlarea(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
 
+/* Contour lines */
+KOLVEX_API void conclr(const int *nclray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void concrv(const double *xray, const double *yray, int n, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void congap(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void conlab(const char *ctext) KOLVEX_NOEXCEPT;
+KOLVEX_API void conmat(const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void conmod(double xfac, double xquot) KOLVEX_NOEXCEPT;
+KOLVEX_API void conpts(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev, double *xpts, double *ypts, int maxpts, int *nptray, int maxlin, int *nlins) KOLVEX_NOEXCEPT;
+KOLVEX_API void contur2(const double *xmat, const double *ymat, const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void contur(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev) KOLVEX_NOEXCEPT;
+
 /* 3-D axis system and projection */
 KOLVEX_API void abs3pt(double x, double y, double z, double *xp, double *yp) KOLVEX_NOEXCEPT;
 KOLVEX_API void axis3d(double x, double y, double z) KOLVEX_NOEXCEPT;

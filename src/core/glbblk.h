@@ -21,6 +21,7 @@
 #include "text/text_state.h"
 #include "text/number_state.h"
 #include "axes/axes_state.h"
+#include "fields/contour_state.h"
 #include "plots/zscale_state.h"
 #include "space/space_state.h"
 
@@ -40,6 +41,7 @@ struct glbblk {
     StyleState sty;       // line style number, shading pattern, fill switches
     CurveState crv;       // curves, symbols, attribute cycles
     LegendState leg;      // legend lines, layout and curve records
+    ContourState con;     // contour labelling and the contour pen
     ZScaleState zsc;      // the z colour scale
     SpaceState sp;        // 3-D axis system, z-buffer, lights, surfaces
 };
