@@ -23,6 +23,8 @@
 #include "text/number_state.h"
 #include "axes/axes_state.h"
 #include "fields/contour_state.h"
+#include "plots/zscale_state.h"
+#include "space/space_state.h"
 
 struct glbblk {
     CoreState core;       // call frame, level, page
@@ -42,4 +44,6 @@ struct glbblk {
     CurveState crv;       // curves, symbols, attribute cycles
     LegendState leg;      // legend lines, layout and curve records
     ContourState con;     // contour labelling and the contour pen
+    ZScaleState zsc;      // the z colour scale
+    SpaceState sp;        // 3-D axis system, z-buffer, lights, surfaces
 };

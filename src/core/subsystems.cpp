@@ -18,6 +18,8 @@ extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_curves;
 extern const Subsystem kxsub_contours;
 extern const Subsystem kxsub_postscript;
+extern const Subsystem kxsub_zscale;
+extern const Subsystem kxsub_space;
 
 namespace {
 
@@ -41,6 +43,8 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_styles,
     &kxsub_curves,
     &kxsub_contours,
+    &kxsub_zscale,
+    &kxsub_space,
 };
 
 }  // namespace
