@@ -29,6 +29,7 @@
 #include "devices/device.h"
 #include "devices/pdf.h"
 #include "devices/pdf_doc.h"
+#include "devices/registry.h"
 #include "devices/vector.h"
 #include "kolvex.h"
 #include "colour/colour.h"
@@ -944,6 +945,7 @@ extern const DeviceFamily kxfam_pdf = {
     .lnlen = 0,
     .viewer = "koldrv",
     .ops = &kOps,
+    .picscale = 1.0,  // the document's own unit: a picture keeps the page grid
 };
 
 // ---- public routines --------------------------------------------------------------------
@@ -951,7 +953,7 @@ extern const DeviceFamily kxfam_pdf = {
 int pdfbuf(unsigned char *cbuf, int nmax) noexcept {
     glbblk *b = KX_ENTRY("pdfbuf");
     if (!b) return 0;
-    if (b->core.devcod != 511) {
+    if (qqfamily(b->core.devcod) != &kxfam_pdf) {
         qqwar1(b, 127, "Output format is not PDF");
         return 0;
     }

@@ -826,6 +826,7 @@ extern const DeviceFamily kxfam_postscript = {
     .lnlen = 80,
     .viewer = "koldrv",
     .ops = &kOps,
+    .picscale = 0.14173228346456693,  // points per plot coordinate at scale 1
 };
 
 int qqpsesc(const char *text, int n, char *out, int size) noexcept {

@@ -12,6 +12,7 @@
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/registry.h"
 #include "kolvex.h"
 #include "plots/fill.h"
 #include "raster/canvas.h"
@@ -177,7 +178,8 @@ int qqzbfopen(glbblk *b) noexcept {
             s.zsavsiz = c.imgsflg;
             s.zsiz[0] = c.imgsw[0];
             s.zsiz[1] = c.imgsw[1];
-            double f = s.zscl * (b->core.devcod == 511 ? 1.0 : 0.14173228346456693);
+            const DeviceFamily *fam = qqfamily(b->core.devcod);
+            double f = s.zscl * (fam && fam->picscale > 0 ? fam->picscale : 1.0);
             c.imgsflg = 1;
             c.imgsw[0] = std::max(1, (int)std::lround(b->core.nxp * f));
             c.imgsw[1] = std::max(1, (int)std::lround(b->core.nyp * f));
