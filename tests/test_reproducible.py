@@ -22,9 +22,10 @@ PROGRAM = """
     print(kolvex.getfil())
 """
 
-# Every format that this build writes through kolini.
+# Every format that this build writes through kolini (a format whose driver
+# comes later joins this list with it).
 DEVICES = ["PLOG", "SVG", "IPE", "JAVA", "PNG", "GIF", "TIFF", "BMP", "PPM", "IMAG", "POST", "PSCL", "PS",
-           "EPS", "PDF", "CGM", "HPGL", "WMF", "EMF"]
+           "EPS", "PDF"]
 
 
 def run(tmp_path, device, epoch, sub):
@@ -41,8 +42,7 @@ def run(tmp_path, device, epoch, sub):
 @pytest.mark.parametrize("device", DEVICES)
 def test_two_runs_give_the_same_bytes(tmp_path, device):
     first = run(tmp_path, device, "1700000000", "a")
-    if not first:
-        pytest.skip(f"{device} writes no file in this build")
+    assert first, f"{device} wrote no file"
     assert run(tmp_path, device, "1700000000", "b") == first
 
 
