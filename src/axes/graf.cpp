@@ -1,5 +1,6 @@
 // The rectangular axis system: graf and endgrf, free axes, titles, grid
 // lines and the lines through the origin.
+#include <climits>
 #include <cmath>
 #include <algorithm>
 #include <cstring>
@@ -23,7 +24,7 @@ void draw_frame(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) {
     if (t == 0) return;
     int saved = b->dev.curclr;
     if (clr != -1 && clr != saved) qqsetc(b, clr);
-    int n = t < 0 ? -t : t;
+    int n = t < 0 ? (t == INT_MIN ? INT_MAX : -t) : t;
     if (n > 10000) n = 10000;
     for (int i = 0; i < n; ++i) {
         int k = t > 0 ? i : -i;

@@ -1,5 +1,6 @@
 // The settings of axis drawing: sides, ticks, labels, names, titles and
 // frame; the axes' share of the session defaults and their reset rows.
+#include <climits>
 #include <cstring>
 
 #include "axes/axes.h"
@@ -414,7 +415,7 @@ void noline(const char *cax) noexcept {
 void titlin(const char *cstr, int nlin) noexcept {
     glbblk *b = KX_ENTRY("titlin");
     if (!b) return;
-    int n = nlin < 0 ? -nlin : nlin;
+    int n = nlin < 0 ? (nlin == INT_MIN ? INT_MAX : -nlin) : nlin;
     if (n < 1 || n > 4) {
         qqwarn(b, 2, nlin);
         return;

@@ -1,5 +1,6 @@
 // Clipping: the clip region test, the segment clipper for rectangles and
 // circles, and the routines that set the clip window.
+#include <algorithm>
 #include <cmath>
 
 #include "core/glbblk.h"
@@ -275,6 +276,8 @@ void getclp(int *nx, int *ny, int *nw, int *nh) noexcept {
     const DeviceState &d = b->dev;
     *nx = d.clpx1;
     *ny = qqyflpi(b, d.clpy1);
-    *nw = d.clpx2 - d.clpx1 + 1;
-    *nh = d.clpy2 - d.clpy1 + 1;
+    // A window widened by a huge grace margin still reports a size that fits.
+    long long w = (long long)d.clpx2 - d.clpx1 + 1, h = (long long)d.clpy2 - d.clpy1 + 1;
+    *nw = (int)std::min<long long>(w, 2147483647LL);
+    *nh = (int)std::min<long long>(h, 2147483647LL);
 }

@@ -2,6 +2,7 @@
 // hatching, the filled rectangle and the frame.
 #include "plots/fill.h"
 
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 
@@ -212,7 +213,7 @@ void qqframe(glbblk *b, int x, int y, int w, int h, int t, double angle, int col
     SavedDash saved;
     qqdshsave(b, &saved);
     qqlintyp(b, 0);
-    int at = t < 0 ? -t : t;
+    int at = t < 0 ? (t == INT_MIN ? INT_MAX : -t) : t;
     int kind = qqdevkind(b);
     double s = b->sess.devscl;
     bool device = std::fabs(angle) <= 0.001 && d.pl3on == 0 && d.trfon != 1 && d.segtest == nullptr &&

@@ -4,6 +4,7 @@
 // each glyph is a set of polylines scaled by the section's x and y scale,
 // sheared, turned by the text angle and handed to qqmove/qqdraw, so that
 // line styles, clipping and every device see text as lines.
+#include <climits>
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -416,7 +417,7 @@ void fill_box(glbblk *b, const double bx[4], const double by[4], int colour) {
 
 void frame_box(glbblk *b, const double bx[4], const double by[4], int thick) {
     TextState &t = b->txt;
-    int n = thick < 0 ? -thick : thick;
+    int n = thick < 0 ? (thick == INT_MIN ? INT_MAX : -thick) : thick;
     int dir = thick < 0 ? -1 : 1;
     double ux = t.cosa, uy = -t.sina, vx = t.sina, vy = t.cosa;
     for (int k = 0; k < n && k < 1000; ++k) {
@@ -467,8 +468,8 @@ void draw_string(glbblk *b, const char *text, int x, int y, bool keep) {
     }
     begin_string(b);
     if (!keep) {
-        t.penx = x + b->dev.nxsh + t.sina * h1;
-        t.peny = y + b->dev.nysh + t.cosa * h1;
+        t.penx = (double)x + b->dev.nxsh + t.sina * h1;
+        t.peny = (double)y + b->dev.nysh + t.cosa * h1;
         if (!t.cntlab && !b->dev.pl3on) test_point(b, t.penx, t.peny, "Startpoint");
     }
     t.strx = t.penx;

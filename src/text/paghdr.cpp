@@ -1,5 +1,6 @@
 // The page header: a line of prefix, date, time, library version and
 // suffix in a corner of the page.
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -25,7 +26,7 @@ int sat(long long v) {
 void paghdr(const char *cstr1, const char *cstr2, int iopt, int idir) noexcept {
     glbblk *b = KX_ENTRY("paghdr");
     if (!b) return;
-    int corner = iopt < 0 ? -iopt : iopt;
+    int corner = iopt < 0 ? (iopt == INT_MIN ? INT_MAX : -iopt) : iopt;
     if (corner < 1 || corner > 4) {
         qqwarn(b, 2, iopt);
         corner = 1;
