@@ -21,6 +21,7 @@
 #include "text/text_state.h"
 #include "text/number_state.h"
 #include "axes/axes_state.h"
+#include "plots/shield_state.h"
 
 struct glbblk {
     CoreState core;       // call frame, level, page
@@ -37,5 +38,6 @@ struct glbblk {
     AxesState ax;         // axis settings and the scaling record
     StyleState sty;       // line style number, shading pattern, fill switches
     CurveState crv;       // curves, symbols, attribute cycles
+    ShieldState shl;      // shield regions
     LegendState leg;      // legend lines, layout and curve records
 };

@@ -15,6 +15,7 @@ extern const Subsystem kxsub_numbers;
 extern const Subsystem kxsub_axes;
 extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_curves;
+extern const Subsystem kxsub_shields;
 extern const Subsystem kxsub_postscript;
 
 namespace {
@@ -37,6 +38,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_axes,
     &kxsub_styles,
     &kxsub_curves,
+    &kxsub_shields,
 };
 
 }  // namespace
