@@ -1,7 +1,7 @@
 // State of the shields: regions of the page in which lines are not drawn.
 #pragma once
 
-enum { QQ_SHLWORDS = 1000, QQ_SHLMAX = 200 };
+enum { QQ_SHLWORDS = 1000, QQ_SHLMAX = 200, QQ_SHLGRID = 32, QQ_SHLMASK = 4 };
 
 // A visible region decoded for the segment test, with its bounding box.
 struct ShieldRegion {
@@ -25,4 +25,9 @@ struct ShieldState {
     int nvis;
     ShieldRegion vis[QQ_SHLMAX];
     double ux0, uy0, ux1, uy1;  // bounding box of all visible regions
+    // A uniform grid over that box: each cell has a bit for every visible
+    // region whose bounding box touches it, so that a segment looks only
+    // at the regions near it.
+    double gsx, gsy;            // cells per plot unit
+    unsigned long long cell[QQ_SHLGRID][QQ_SHLGRID][QQ_SHLMASK];
 };

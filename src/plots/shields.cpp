@@ -52,6 +52,27 @@ int words_of(const ShieldState &s, int off) {
 
 int segtest(glbblk *b, double x0, double y0, double x1, double y1);
 
+int cell_of(double v, double lo, double scale) {
+    double c = (v - lo) * scale;
+    return c < 0 ? 0 : c >= QQ_SHLGRID - 1 ? QQ_SHLGRID - 1 : (int)c;
+}
+
+void index_grid(ShieldState &s) {
+    for (auto &row : s.cell)
+        for (auto &c : row)
+            for (auto &m : c) m = 0;
+    if (s.nvis == 0) return;
+    s.gsx = QQ_SHLGRID / (s.ux1 - s.ux0 + 1.0);
+    s.gsy = QQ_SHLGRID / (s.uy1 - s.uy0 + 1.0);
+    for (int i = 0; i < s.nvis; ++i) {
+        const ShieldRegion &r = s.vis[i];
+        int i0 = cell_of(r.bx0, s.ux0, s.gsx), i1 = cell_of(r.bx1, s.ux0, s.gsx);
+        int j0 = cell_of(r.by0, s.uy0, s.gsy), j1 = cell_of(r.by1, s.uy0, s.gsy);
+        for (int gi = i0; gi <= i1; ++gi)
+            for (int gj = j0; gj <= j1; ++gj) s.cell[gi][gj][i >> 6] |= 1ull << (i & 63);
+    }
+}
+
 // Decodes the visible records and sets or clears the device hook.
 void rebuild(glbblk *b) {
     ShieldState &s = b->shl;
@@ -117,6 +138,7 @@ void rebuild(glbblk *b) {
         s.ux0 = std::min(s.ux0, r.bx0), s.uy0 = std::min(s.uy0, r.by0);
         s.ux1 = std::max(s.ux1, r.bx1), s.uy1 = std::max(s.uy1, r.by1);
     }
+    index_grid(s);
     b->dev.segtest = s.nreg > 0 ? segtest : nullptr;
 }
 
@@ -200,9 +222,10 @@ bool inside(const ShieldState &s, const ShieldRegion &r, double x, double y) {
     }
 }
 
-bool in_any(const ShieldState &s, double x, double y) {
-    for (int i = 0; i < s.nvis; ++i)
-        if (inside(s, s.vis[i], x, y)) return true;
+bool in_any(const ShieldState &s, const unsigned long long *mask, double x, double y) {
+    for (int w = 0; w < QQ_SHLMASK; ++w)
+        for (unsigned long long m = mask[w]; m; m &= m - 1)
+            if (inside(s, s.vis[w * 64 + __builtin_ctzll(m)], x, y)) return true;
     return false;
 }
 
@@ -313,34 +336,46 @@ int segtest(glbblk *b, double x0, double y0, double x1, double y1) {
     if (s.nvis == 0) return 0;
     double sx0 = std::min(x0, x1), sx1 = std::max(x0, x1), sy0 = std::min(y0, y1), sy1 = std::max(y0, y1);
     if (sx1 < s.ux0 || sx0 > s.ux1 || sy1 < s.uy0 || sy0 > s.uy1) return 0;
+    // The regions whose cells the segment's box touches, in store order.
+    unsigned long long mask[QQ_SHLMASK] = {0, 0, 0, 0};
+    int i0 = cell_of(sx0, s.ux0, s.gsx), i1 = cell_of(sx1, s.ux0, s.gsx);
+    int j0 = cell_of(sy0, s.uy0, s.gsy), j1 = cell_of(sy1, s.uy0, s.gsy);
+    unsigned long long any = 0;
+    for (int gi = i0; gi <= i1; ++gi)
+        for (int gj = j0; gj <= j1; ++gj)
+            for (int w = 0; w < QQ_SHLMASK; ++w) any |= (mask[w] |= s.cell[gi][gj][w]);
+    if (!any) return 0;
     double dx = x1 - x0, dy = y1 - y0;
     if (std::fabs(dx) < 0.001 && std::fabs(dy) < 0.001) {
-        if (!in_any(s, 0.5 * (x0 + x1), 0.5 * (y0 + y1))) return 0;
+        if (!in_any(s, mask, 0.5 * (x0 + x1), 0.5 * (y0 + y1))) return 0;
         qqplot(b, x1, y1, QQ_MOVE);
         return 1;
     }
     Cross c;
     c.n = 0;
     c.full = false;
-    bool warned = false;
-    for (int i = 0; i < s.nvis; ++i) {
-        const ShieldRegion &r = s.vis[i];
-        if (sx1 < r.bx0 || sx0 > r.bx1 || sy1 < r.by0 || sy0 > r.by1) continue;
-        int before = c.n;
-        crossings(s, r, c, x0, y0, dx, dy);
-        if (c.full && !warned) {
-            qqwar0(b, 26);
-            warned = true;
+    bool warned = false, near = false;
+    for (int w = 0; w < QQ_SHLMASK && !c.full; ++w)
+        for (unsigned long long m = mask[w]; m; m &= m - 1) {
+            const ShieldRegion &r = s.vis[w * 64 + __builtin_ctzll(m)];
+            if (sx1 < r.bx0 || sx0 > r.bx1 || sy1 < r.by0 || sy0 > r.by1) continue;
+            near = true;
+            int before = c.n;
+            crossings(s, r, c, x0, y0, dx, dy);
+            if (c.full && !warned) {
+                qqwar0(b, 26);
+                warned = true;
+            }
+            if (c.n == before && inside(s, r, x0, y0) && inside(s, r, x1, y1)) {
+                qqplot(b, x1, y1, QQ_MOVE);
+                return 1;
+            }
+            if (c.full) break;
         }
-        if (c.n == before && inside(s, r, x0, y0) && inside(s, r, x1, y1)) {
-            qqplot(b, x1, y1, QQ_MOVE);
-            return 1;
-        }
-        if (c.full) break;
-    }
+    if (!near) return 0;
     if (c.n == 0) {
         // No border is crossed: the segment lies wholly in or out.
-        if (!in_any(s, 0.5 * (x0 + x1), 0.5 * (y0 + y1))) return 0;
+        if (!in_any(s, mask, 0.5 * (x0 + x1), 0.5 * (y0 + y1))) return 0;
         qqplot(b, x1, y1, QQ_MOVE);
         return 1;
     }
@@ -353,7 +388,7 @@ int segtest(glbblk *b, double x0, double y0, double x1, double y1) {
     for (int i = 0; i <= m; ++i) {
         double tb = i < m ? c.t[i] : 1.0;
         double ex = i < m ? x0 + tb * dx : x1, ey = i < m ? y0 + tb * dy : y1;
-        if ((tb - ta) * len > 0.001 && in_any(s, x0 + 0.5 * (ta + tb) * dx, y0 + 0.5 * (ta + tb) * dy))
+        if ((tb - ta) * len > 0.001 && in_any(s, mask, x0 + 0.5 * (ta + tb) * dx, y0 + 0.5 * (ta + tb) * dy))
             qqplot(b, ex, ey, QQ_MOVE);
         else
             qqplot(b, ex, ey, QQ_DRAW);
