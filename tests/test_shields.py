@@ -20,6 +20,7 @@ def drawn(tmp_path, register, lines):
     kolvex.filmod("DELE")
     kolvex.setfil(path)
     kolvex.kolini()
+    kolvex.frame(0)  # no frame round own regions: only the cut lines count
     register()
     for (x0, y0, x1, y1) in lines:
         kolvex.xmove(x0, y0)
@@ -54,6 +55,17 @@ CASES = [
 def test_lines_are_cut_at_each_region_kind(tmp_path, register, line, want):
     segs = drawn(tmp_path, register, [line])
     assert length(segs) == pytest.approx(want, abs=1.5)
+
+
+def test_own_regions_get_the_frame_of_the_axis_setting(tmp_path):
+    def register():
+        kolvex.frame(1)
+        kolvex.shlrec(1000, 1000, 200, 100)
+        kolvex.frame(0)
+        kolvex.shlcir(2000, 1050, 100)
+
+    segs = drawn(tmp_path, register, [])
+    assert length(segs) == pytest.approx(2 * (199 + 99), abs=2)
 
 
 def test_grid_of_lines_is_cut_exactly_across_a_box(tmp_path):

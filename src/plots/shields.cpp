@@ -17,6 +17,7 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "plots/fill.h"
 #include "plots/shields.h"
 
 namespace {
@@ -474,6 +475,56 @@ void qqshldelid(glbblk *b, int id) noexcept {
     remove_if(b, [id](const short *w) { return w[1] == id; });
 }
 
+namespace {
+
+// ---- the frame of an own region ----
+
+// The frame is drawn before the region exists, with the segment hook
+// out of the way: the frame lies on the region's border and would
+// otherwise be cut away by the region itself.
+struct FrameScope {
+    glbblk *b;
+    int (*hook)(glbblk *, double, double, double, double);
+    int pl3on, trfon;
+    explicit FrameScope(glbblk *bb) : b(bb), hook(bb->dev.segtest), pl3on(bb->dev.pl3on), trfon(bb->dev.trfon) {
+        qqflsh(b);
+        b->dev.segtest = nullptr;
+        b->dev.pl3on = 0;
+        b->dev.trfon = 0;
+    }
+    ~FrameScope() {
+        qqflsh(b);
+        b->dev.segtest = hook;
+        b->dev.pl3on = pl3on;
+        b->dev.trfon = trfon;
+    }
+};
+
+int frame_of(glbblk *b) { return b->shl.kind == 0 ? b->ax.frmthk : 0; }
+
+// |t| ellipses about (x, y), each semi-axis grown (or, for t below 0,
+// shrunk) by i; a circle has a equal to b.
+void frame_ellipse(glbblk *b, double x, double y, double a, double bb, double angle, int t) {
+    FrameScope scope(b);
+    double c = std::cos(angle), sn = std::sin(angle);
+    int m = t < 0 ? -t : t;
+    for (int i = 0; i < m; ++i) {
+        double e = t > 0 ? i : -i, ra = a + e, rb = bb + e;
+        if (ra <= 0 || rb <= 0) break;
+        int steps = std::max(16, std::min(720, (int)(std::max(ra, rb) * 0.5)));
+        for (int k = 0; k <= steps; ++k) {
+            double p = 2 * kPi * k / steps, u = ra * std::cos(p), v = -rb * std::sin(p);
+            double px = x + u * c + v * sn, py = y - u * sn + v * c;
+            if (k == 0)
+                qqmove(b, px, py);
+            else
+                qqdraw(b, px, py);
+        }
+    }
+}
+
+}  // namespace
+
 // ---- public routines ----
 
 void shield(const char *cblank, const char *cmode) noexcept {
@@ -510,6 +561,10 @@ void shlrec(int nx, int ny, int nw, int nh) noexcept {
         return;
     }
     double v[4] = {(double)nx, (double)ny, (double)nx + nw - 1, (double)ny + nh - 1};
+    if (int t = frame_of(b)) {
+        FrameScope scope(b);
+        qqframe(b, nx, ny, nw, nh, t, 0.0, -1);
+    }
     qqshladd(b, 1, v, 4);
 }
 
@@ -522,6 +577,10 @@ void shlrct(int nx, int ny, int nw, int nh, double angle) noexcept {
     }
     double y = qqyflp(b, ny);
     double v[5] = {(double)nx, y, (double)nx + nw - 1, y + nh - 1, angle * kPi / 180.0};
+    if (int t = frame_of(b)) {
+        FrameScope scope(b);
+        qqframe(b, nx, (int)y, nw, nh, t, angle, -1);
+    }
     qqshladd(b, std::fabs(angle) < 0.001 ? 1 : 2, v, std::fabs(angle) < 0.001 ? 4 : 5);
 }
 
@@ -530,6 +589,7 @@ void shlcir(int nx, int ny, int nr) noexcept {
     if (!b) return;
     if (qqchki(b, nr, 1, 10000)) return;
     double v[3] = {(double)nx, qqyflp(b, ny), (double)nr};
+    if (int t = frame_of(b)) frame_ellipse(b, v[0], v[1], nr, nr, 0.0, t);
     qqshladd(b, 3, v, 3);
 }
 
@@ -541,6 +601,7 @@ void shlell(int nx, int ny, int na, int nb, double angle) noexcept {
         return;
     }
     double v[5] = {(double)nx, qqyflp(b, ny), (double)na, (double)nb, angle * kPi / 180.0};
+    if (int t = frame_of(b)) frame_ellipse(b, v[0], v[1], na, nb, v[4], t);
     qqshladd(b, 4, v, 5);
 }
 
