@@ -409,10 +409,8 @@ void fill_box(glbblk *b, const double bx[4], const double by[4], int colour) {
         px[k] = bx[k] + b->dev.nxsh;
         py[k] = by[k] + b->dev.nysh;
     }
-    qqflsh(b);
-    const DriverOps *drv = b->dev.drv;
-    if (!(b->dev.hwshd && drv && drv->fill_polygon && drv->fill_polygon(b, px, py, 4)))
-        qqtxthatch(b, px, py, 4, 1.0);
+    // a device that fills polygons takes the box whole; else it is hatched
+    if (!(b->dev.hwshd && qqdevpoly(b, bx, by, 4))) qqtxthatch(b, px, py, 4, 1.0);
     qqsetc(b, old);
 }
 
