@@ -8,7 +8,8 @@ import os
 import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-EXAMPLES = ["demo", "curve_modes", "symbols", "legends", "errors_and_areas", "fill_patterns", "shields"]
+EXAMPLES = ["demo", "curve_modes", "symbols", "legends", "errors_and_areas", "fill_patterns",
+            "contours", "shields"]
 
 
 def main():

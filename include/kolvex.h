@@ -397,6 +397,17 @@ KOLVEX_API void shlres(int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void shlsur(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void shlvis(int id, const char *cvis) KOLVEX_NOEXCEPT;
 
+/* Contour lines */
+KOLVEX_API void conclr(const int *nclray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void concrv(const double *xray, const double *yray, int n, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void congap(double xfac) KOLVEX_NOEXCEPT;
+KOLVEX_API void conlab(const char *ctext) KOLVEX_NOEXCEPT;
+KOLVEX_API void conmat(const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void conmod(double xfac, double xquot) KOLVEX_NOEXCEPT;
+KOLVEX_API void conpts(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev, double *xpts, double *ypts, int maxpts, int *nptray, int maxlin, int *nlins) KOLVEX_NOEXCEPT;
+KOLVEX_API void contur2(const double *xmat, const double *ymat, const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void contur(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

@@ -621,6 +621,9 @@ class Wrapper:
             # place, anything else converted into a copy that h_ owns.
             return [f"    KxInD h_{p.name};",
                     f"    const double *v_{p.name} = h_{p.name}.get(o_{p.name}, {dims[0]});"]
+        if p.role == "in" and p.elem == "double" and len(dims) == 2:
+            return [f"    KxInD h_{p.name};",
+                    f"    const double *v_{p.name} = h_{p.name}.get2(o_{p.name}, {dims[0]}, {dims[1]});"]
         if p.role in ("in", "inout"):
             if len(dims) == 1:
                 fn = {"double": "qqpydb", "int": "qqpyib" if p.optional else "qqpyin"}[p.elem]

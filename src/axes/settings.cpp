@@ -43,9 +43,8 @@ void qqaxdefaults(glbblk *b, AxesState *o) noexcept {
     o->frmcol = -1;
     o->grace = -1;
     o->widbar = px(85);
-    o->condis = px(24);
+    o->condis = px(500);
     for (int i = 0; i < 5; ++i) o->xdig[i] = 1;
-    o->xlab[2] = 1;
 }
 
 namespace {
@@ -258,7 +257,7 @@ void labdis(int ndis, const char *cax) noexcept {
     glbblk *b = KX_ENTRY("labdis");
     if (!b) return;
     if (special_word(cax) == 3) {
-        if (ndis < 1) {
+        if (ndis < 1 || ndis > 10000) {
             qqwarn(b, 2, ndis);
             return;
         }

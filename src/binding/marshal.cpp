@@ -582,6 +582,24 @@ const double *KxInD::get(PyObject *slot, Py_ssize_t n) {
     return copy;
 }
 
+const double *KxInD::get2(PyObject *slot, Py_ssize_t nx, Py_ssize_t ny) {
+    if (PyObject_CheckBuffer(slot) && nx > 0 && ny > 0 && nx <= PY_SSIZE_T_MAX / ny) {
+        if (PyObject_GetBuffer(slot, &view, PyBUF_C_CONTIGUOUS | PyBUF_FORMAT) == 0) {
+            held = true;
+            if ((view.ndim == 1 || view.ndim == 2) && view.itemsize == 8 &&
+                kind_of(view) == Kind::F64 && view.len / 8 >= nx * ny &&
+                (view.ndim == 1 || view.shape[0] > 0))
+                return (const double *)view.buf;
+            PyBuffer_Release(&view);
+            held = false;
+        } else {
+            PyErr_Clear();
+        }
+    }
+    copy = qqpyd2(slot, nx, ny);
+    return copy;
+}
+
 KxInD::~KxInD() {
     if (held) PyBuffer_Release(&view);
     std::free(copy);

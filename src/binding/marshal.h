@@ -57,6 +57,10 @@ struct KxInD {
     KxInD(const KxInD &) = delete;
     KxInD &operator=(const KxInD &) = delete;
     const double *get(PyObject *slot, Py_ssize_t n);
+    // A read-only matrix of nx by ny: a C-contiguous float64 buffer of one
+    // or two dimensions holding at least nx*ny values is used in place,
+    // anything else is read as qqpyd2 reads it.
+    const double *get2(PyObject *slot, Py_ssize_t nx, Py_ssize_t ny);
     ~KxInD();
 };
 int *qqpyin(PyObject *slot, Py_ssize_t n);

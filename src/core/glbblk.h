@@ -22,6 +22,7 @@
 #include "text/number_state.h"
 #include "axes/axes_state.h"
 #include "plots/shield_state.h"
+#include "fields/contour_state.h"
 
 struct glbblk {
     CoreState core;       // call frame, level, page
@@ -40,4 +41,5 @@ struct glbblk {
     CurveState crv;       // curves, symbols, attribute cycles
     ShieldState shl;      // shield regions
     LegendState leg;      // legend lines, layout and curve records
+    ContourState con;     // contour labelling and the contour pen
 };
