@@ -105,6 +105,7 @@ KOLVEX_API void x11mod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void clpbor(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void clpmod(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void clpwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void getclp(int *nx, int *ny, int *nw, int *nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void hwmode(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
 KOLVEX_API void linmod(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
 KOLVEX_API void linwid(int nwidth) KOLVEX_NOEXCEPT;
@@ -116,6 +117,15 @@ KOLVEX_API void penwid(double xwidth) KOLVEX_NOEXCEPT;
 
 /* PostScript */
 KOLVEX_API void psmode(const char *copt) KOLVEX_NOEXCEPT;
+
+/* PDF driver */
+KOLVEX_API int pdfbuf(unsigned char *cbuf, int nmax) KOLVEX_NOEXCEPT;
+KOLVEX_API void pdfmrk(const char *cstr, const char *copt) KOLVEX_NOEXCEPT;
+
+/* Native metafile and its inclusion */
+KOLVEX_API void filbox(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void filclr(const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void incfil(const char *cfil) KOLVEX_NOEXCEPT;
 
 /* Colours */
 KOLVEX_API void clrcyc(int index, int iclr) KOLVEX_NOEXCEPT;

@@ -62,6 +62,9 @@ def native_build(*targets):
     """Builds targets of the tests' CMake tree (incrementally after the first
     run) with this interpreter's headers, and returns the tree's directory."""
     if shutil.which("cmake") is None:
+        # CI sets KOLVEX_REQUIRE_NATIVE: there a missing compiler tree fails.
+        if os.environ.get("KOLVEX_REQUIRE_NATIVE"):
+            pytest.fail("cmake is not installed")
         pytest.skip("cmake is not installed")
     os.makedirs(NATIVE_BUILD, exist_ok=True)
     cached = _cached_python(NATIVE_BUILD)

@@ -180,7 +180,7 @@ def test_session_settings_of_the_window_take_the_soft_guard(capfd):
     kolvex.winmod("NOERASE")
     kolvex.winopt(2, "DELAY")
     kolvex.bufmod("ON", "SEND")
-    assert len(warnings_of(capfd.readouterr().out)) == 4  # level 0, stored all the same
+    assert len(warnings_of(capfd.readouterr().out)) == 4  # the soft guard warns at level 0
     kolvex.kolini()
     kolvex.winkey("SPACE")
     kolvex.winmod("HIDE")
@@ -355,9 +355,12 @@ def test_odd_file_names_do_not_crash(name, capfd):
 
 def test_reset_of_the_clip_window_and_all(capfd):
     kolvex.kolini()
-    kolvex.clpwin(100, 100, 10, 10)
+    assert kolvex.getclp() == (0, 0, 2970, 2100)
+    kolvex.clpwin(100, 120, 10, 20)
+    assert kolvex.getclp() == (100, 120, 10, 20)
     kolvex.pagera()  # the border lies outside the window
     kolvex.reset("clpwin")
+    assert kolvex.getclp() == (0, 0, 2970, 2100)
     kolvex.pagera()
     kolvex.clpwin(100, 100, 10, 10)
     kolvex.reset("ALL")
@@ -376,11 +379,12 @@ def test_reset_of_unit_and_nochek(capfd):
     assert len(warnings_of(capfd.readouterr().out)) == 1
 
 
-def test_reset_of_names_whose_routines_lie_elsewhere(capfd):
+def test_reset_takes_only_names_that_a_subsystem_answers(capfd):
     kolvex.kolini()
-    for name in ("TICKS", "axslen", "SHIELD", "VIEW", "ZSCALE", "QRLANG", "WINSIZ", "PSMETA", "colr"):
+    for name in ("WINSIZ", "PSMETA", "colr", "SURVIS"):
         kolvex.reset(name)
-    assert warnings_of(capfd.readouterr().out) == []
+    # No subsystem of this build resets the surfaces yet.
+    assert warnings_of(capfd.readouterr().out) == [" <<<< Warning 2: Incorrect parameter in reset!   (SURVIS)"]
 
 
 @pytest.mark.parametrize("word", ["", "AL", "ALLE", "TICX", "RESET", " ALL"])
@@ -502,3 +506,16 @@ def test_kolenv_takes_any_text_at_any_level(capfd):
     kolvex.kolini()
     kolvex.kolenv("")
     assert warnings_of(capfd.readouterr().out) == []
+
+
+def test_symfil_reads_no_file_name_as_a_command(fake_driver):
+    """Plot and colour file names reach the driver as they stand, and run nothing."""
+    name, table = "x.met;touch INJECTED;#", 't$(touch INJECTED2)".txt'
+    kolvex.setfil(name)
+    kolvex.kolini()
+    kolvex.vltfil(table, "SAVE")
+    kolvex.kolfin()
+    kolvex.symfil("XWIN", "KEEP")
+    assert not os.path.exists("INJECTED") and not os.path.exists("INJECTED2")
+    args = fake_driver.read_text().split("\n")
+    assert args[1] == name and args[-2] == "V=" + table

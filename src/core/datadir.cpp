@@ -6,15 +6,13 @@
 // installation puts it), and last the directory fixed at build time.
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "kolvex.h"
+#include "platform/platform.h"
 
 #ifndef KOLVEX_DATADIR_FALLBACK
 #define KOLVEX_DATADIR_FALLBACK "/usr/local/share/kolvex"
@@ -24,39 +22,16 @@ namespace {
 
 enum { DIRMAX = 256 };
 
-bool is_directory(const char *path) {
-    struct stat st;
-    return stat(path, &st) == 0 && S_ISDIR(st.st_mode);
-}
-
-// The file that holds this code: the Python module, a program linked with
-// the library statically, or the shared library.  A relative name can only
-// come from a program started by a relative path, and the working directory
-// may have changed since: the kernel's link to the program is used then.
-bool library_file(char *path, size_t size) {
-    Dl_info info;
-    if (dladdr(reinterpret_cast<void *>(&qqdatadir), &info) && info.dli_fname &&
-        info.dli_fname[0] == '/') {
-        if (std::strlen(info.dli_fname) >= size) return false;
-        std::strcpy(path, info.dli_fname);
-        return true;
-    }
-    ssize_t n = readlink("/proc/self/exe", path, size - 1);
-    if (n <= 0) return false;
-    path[n] = '\0';
-    return true;
-}
-
 // kolvex_data in the directory of the library file, if it is there.
 bool installed_dir(char *buf) {
     char path[4096];
-    if (!library_file(path, sizeof path)) return false;
+    if (!qqpcodefile(reinterpret_cast<const void *>(&qqdatadir), path, sizeof path)) return false;
     char *slash = std::strrchr(path, '/');
     if (!slash) return false;
     const char kSub[] = "/kolvex_data";
     if ((size_t)(slash - path) + sizeof kSub > sizeof path) return false;
     std::strcpy(slash, kSub);
-    if (std::strlen(path) > DIRMAX || !is_directory(path)) return false;
+    if (std::strlen(path) > DIRMAX || !qqpisdir(path)) return false;
     qqscpy(buf, path, DIRMAX);
     return true;
 }

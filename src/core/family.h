@@ -71,6 +71,9 @@ struct DeviceFamily {
     const char *absent;
     const char *instead;
     const DriverOps *ops;    // null when this build has no driver for it
+    // Distance factor of the lines of hatching density 0 where the family
+    // needs its own (a coarse device resolution); 0 for the usual.
+    float densehatch;
 };
 
 // The first row of a code of a family, null when the family lacks it.

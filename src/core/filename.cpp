@@ -15,10 +15,11 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "platform/platform.h"
 
 namespace {
 
-bool file_exists(const char *name) { return access(name, F_OK) == 0; }
+bool file_exists(const char *name) { return qqpexists(name); }
 
 // Whether an existing file can be replaced: no directory, and its own
 // directory may be written (a rename into it needs that).

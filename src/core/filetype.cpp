@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "core/guard.h"
+#include "core/session.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 
@@ -91,9 +92,11 @@ bool starts(const unsigned char *p, size_t n, const char *magic, size_t len) {
     return n >= len && std::memcmp(p, magic, len) == 0;
 }
 
-// The kind of the file; for the raster kinds w and h are its size, or -1
-// when the header cannot be read (cut short, or sizes no image has).
-int sniff(const char *name, int *w, int *h) {
+}  // namespace
+
+// For the raster kinds w and h are the file's size, or -1 when the header
+// cannot be read (cut short, or sizes no image has).
+int qqfiletype(const char *name, int *w, int *h) noexcept {
     *w = *h = -1;
     FILE *fp = std::fopen(name, "rb");
     if (!fp) return UNREADABLE;
@@ -153,13 +156,11 @@ int sniff(const char *name, int *w, int *h) {
     return kind;
 }
 
-}  // namespace
-
 int filtyp(const char *cfil) noexcept {
     glbblk *b = KX_ENTRY("filtyp");
     if (!b) return -1;
     int w, h;
-    int kind = sniff(cfil ? cfil : "", &w, &h);
+    int kind = qqfiletype(cfil ? cfil : "", &w, &h);
     if (kind == UNREADABLE) qqwarc(b, 36, cfil ? cfil : "");
     return kind;
 }
@@ -169,7 +170,7 @@ int filsiz(const char *cfil, int *nw, int *nh) noexcept {
     glbblk *b = KX_ENTRY("filsiz");
     if (!b) return -1;
     int w, h;
-    int kind = sniff(cfil ? cfil : "", &w, &h);
+    int kind = qqfiletype(cfil ? cfil : "", &w, &h);
     if (kind == UNREADABLE) {
         qqwarc(b, 36, cfil ? cfil : "");
         return -1;

@@ -12,12 +12,13 @@
 #include "core/diag_state.h"
 #include "core/session_state.h"
 #include "devices/device_state.h"
+#include "devices/pdf_state.h"
 #include "devices/postscript_state.h"
 #include "devices/vector_state.h"
 #include "plots/style_state.h"
 #include "plots/curve_state.h"
 #include "raster/canvas_state.h"
-#include "raster/colour_state.h"
+#include "colour/colour_state.h"
 #include "text/text_state.h"
 #include "text/number_state.h"
 #include "axes/axes_state.h"
@@ -31,6 +32,7 @@ struct glbblk {
     OutputOptions opt;    // level-0 settings of the output formats
     DeviceState dev;      // polyline buffer, clipping, line style
     VectorState vec;      // drivers of SVG, IPE and Java
+    PdfState pdf;         // the PDF document being written, or held for pdfbuf
     PsState ps;           // PostScript driver
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency

@@ -14,14 +14,13 @@
 #include <cstring>
 #include <mutex>
 #include <new>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/threads.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "platform/platform.h"
 
 namespace {
 
@@ -39,7 +38,7 @@ std::mutex *liblock = nullptr;
 std::mutex tablelock;  // serialises thrini/thrfin against each other
 
 unsigned thread_id() noexcept {
-    static thread_local unsigned tid = (unsigned)syscall(SYS_gettid);
+    static thread_local unsigned tid = qqpthread();
     return tid;
 }
 

@@ -1,5 +1,7 @@
-// Level-0 options of the output formats and the settings of the screen
-// window.  They are stored here; the drivers that use them read them.
+// Level-0 options of the output formats whose drivers are not built yet,
+// and the settings of the screen window.  They are stored here; the
+// drivers that use them read them.  (The raster formats keep theirs in
+// raster/options.cpp.)
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -48,46 +50,6 @@ void clrmod(const char *copt) noexcept {
     if (!b) return;
     int k = qqkey(b, "NONE+FULL+CONT", 3, copt);
     if (k > 0) b->opt.clrmd = (unsigned char)(k - 1);
-}
-
-void imgfmt(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("imgfmt");
-    if (!b) return;
-    int k = qqkey(b, "IND +RGB +BIL ", 3, copt);
-    if (k > 0) b->opt.rasfmt = k - 1;
-}
-
-void bmpmod(int n, const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("bmpmod");
-    if (!b) return;
-    if (qqkey(b, "RESO", 1, copt) == 0) return;
-    int k = qqkey(b, "METE+INCH", 2, cval);
-    if (k == 0 || qqchki(b, n, 1, 0)) return;
-    b->opt.bmpres = k == 1 ? n : (int)std::trunc(n * 100.0 / 2.54 + 0.5);
-}
-
-void tifmod(int n, const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("tifmod");
-    if (!b) return;
-    if (qqkey(b, "RESO", 1, copt) == 0) return;
-    int k = qqkey(b, "INCH+CM  ", 2, cval);
-    if (k == 0 || qqchki(b, n, 1, 0)) return;
-    b->opt.tifres = n;
-    b->opt.tifunit = k == 1 ? 2 : 3;
-}
-
-void pngmod(const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("pngmod");
-    if (!b) return;
-    int k = option_value(b, "TRAN", copt, "OFF +ON  ", 2, cval);
-    if (k > 0) b->opt.pngtran = k - 1;
-}
-
-void gifmod(const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("gifmod");
-    if (!b) return;
-    int k = option_value(b, "TRAN", copt, "OFF +ON  ", 2, cval);
-    if (k > 0) b->opt.giftran = k - 1;
 }
 
 void pdfmod(const char *cval, const char *copt) noexcept {

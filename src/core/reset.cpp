@@ -2,9 +2,9 @@
 //
 // The names are fixed here, one for each routine whose setting can be
 // reset; what a name does is answered by the subsystem that owns the
-// routine (its rows in core/subsystems.h).  A name whose subsystem is not
-// part of the build is accepted and does nothing, so that a program that
-// resets, say, the axis labels runs unchanged on any build.
+// routine (its rows in core/subsystems.h).  reset() takes the names that a
+// subsystem of the build answers; the others are refused with warning 2
+// until their subsystem is built.
 #include <cstring>
 
 #include "core/guard.h"
@@ -50,12 +50,10 @@ void reset(const char *cname) noexcept {
     char key[5];
     qqscpy(key, cname ? cname : "", 4);
     qqupc(key);
-    if (!qqresetname(key)) {
-        qqwarc(b, 2, cname ? cname : "");
-        return;
-    }
+    // A name that no subsystem of this build answers would promise a reset
+    // that does not happen: it is refused like an unknown one.
     if (std::strcmp(key, "ALL") == 0)
         qqinit(b);
-    else
-        qqresetrow(b, key);
+    else if (!qqresetname(key) || qqresetrow(b, key) == 0)
+        qqwarc(b, 2, cname ? cname : "");
 }

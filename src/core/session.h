@@ -50,10 +50,15 @@ int qqpxu(glbblk *b, double length) noexcept;
 // The installation directory, resolved into buf (257 bytes): kolenv's
 // directory, KOLVEX, kolvex_data beside the library, the build's default.
 void qqdatadir(glbblk *b, char *buf) noexcept;
-// The command line with which symfil starts an outside driver for the
-// finished plot file (device and status words already checked); cmd holds
-// 256 bytes.  Returns its length.
-int qqsymcmd(glbblk *b, const char *device, const char *status, char *cmd) noexcept;
+// The arguments with which symfil starts an outside driver for the
+// finished plot file (device and status words already checked): argv gets
+// at most 11 and a null; store (260 bytes) holds the colour file's
+// argument.  Returns their count.
+int qqsymargs(glbblk *b, const char *device, const char *status, char *store,
+              const char **argv) noexcept;
+// The format of a file as filtyp gives it (-1 unreadable), and the pixel
+// size of the raster formats.
+int qqfiletype(const char *name, int *w, int *h) noexcept;
 // Fails a session that is being opened: level 0 and nothing left open.
 void qqkolfail(glbblk *b) noexcept;
 // The end-of-session banner, in its console form.

@@ -20,9 +20,6 @@ void session_first(glbblk *b) {
     OutputOptions &o = b->opt;
     o.cgmver = 1;
     o.pdfcomp = 1;
-    o.bmpres = 2500;
-    o.tifres = 100;
-    o.tifunit = 2;
 }
 
 // The extra PostScript header text serves the session that it was given

@@ -60,12 +60,6 @@ struct SessionState {
 struct OutputOptions {
     unsigned char x11md;     // backing store: 0 STOR, 1 NOST, 2 AUTO, 3 PIXM
     unsigned char clrmd;     // colour mode: 0 NONE, 1 FULL, 2 CONT
-    int rasfmt;              // imgfmt: 0 IND, 1 RGB, 2 BIL
-    int bmpres;              // BMP resolution in pixels per metre
-    int tifres;              // TIFF resolution
-    int tifunit;             // TIFF unit code: 2 inch, 3 cm
-    int pngtran;             // PNG transparency
-    int giftran;             // GIF transparency
     int pdfcomp;             // PDF compression
     int pdfbuff;             // PDF written to memory
     int wmfplac;             // WMF placeable header

@@ -10,6 +10,7 @@ extern const Subsystem kxsub_canvas;
 extern const Subsystem kxsub_colour;
 extern const Subsystem kxsub_devices;
 extern const Subsystem kxsub_vector;
+extern const Subsystem kxsub_pdf;
 extern const Subsystem kxsub_text;
 extern const Subsystem kxsub_numbers;
 extern const Subsystem kxsub_axes;
@@ -31,6 +32,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_session,
     &kxsub_devices,
     &kxsub_vector,
+    &kxsub_pdf,
     &kxsub_postscript,
     &kxsub_canvas,
     &kxsub_colour,

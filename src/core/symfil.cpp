@@ -2,8 +2,9 @@
 //
 // The drivers (koldrv for the vector and metafile formats, kolhpj for the
 // raster formats, koldot for the others) are separate programs that the
-// library only starts through the command processor; where none is
-// installed the command fails quietly and the file stays where it is.
+// library only starts, with the file name, the device and status words,
+// the colour table and the options as arguments; where none is installed
+// nothing happens and the file stays where it is.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,10 +15,9 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "platform/platform.h"
 
 namespace {
-
-enum { CMDMAX = 255 };
 
 // The colour table's name as the drivers know it, by table kind.
 const char *table_name(int kind) {
@@ -34,31 +34,29 @@ void word4(const char *text, char *out) {
 
 }  // namespace
 
-int qqsymcmd(glbblk *b, const char *device, const char *status, char *cmd) noexcept {
+int qqsymargs(glbblk *b, const char *device, const char *status, char *store,
+              const char **argv) noexcept {
     const char *program = b->core.fam->viewer;
-    cmd[0] = '\0';
-    qqscat(cmd, program, CMDMAX);
-    qqscat(cmd, " ", CMDMAX);
-    qqscat(cmd, b->sess.fname, CMDMAX);
-    qqscat(cmd, " ", CMDMAX);
-    qqscat(cmd, device, CMDMAX);
-    qqscat(cmd, " ", CMDMAX);
-    qqscat(cmd, status, CMDMAX);
-    qqscat(cmd, " ", CMDMAX);
-    qqscat(cmd, table_name(b->clr.vltkind), CMDMAX);
-    if (b->sess.bgmode == 2) qqscat(cmd, " REVERS", CMDMAX);
+    int n = 0;
+    argv[n++] = program;
+    argv[n++] = b->sess.fname;
+    argv[n++] = device;
+    argv[n++] = status;
+    argv[n++] = table_name(b->clr.vltkind);
+    if (b->sess.bgmode == 2) argv[n++] = "REVERS";
     // The options of koldrv, which shows the vector formats on the screen.
     if (std::strcmp(program, "koldrv") == 0) {
-        qqscat(cmd, " -Q", CMDMAX);
-        if (b->opt.x11md == 0) qqscat(cmd, " -BS", CMDMAX);
-        if (b->opt.x11md == 1) qqscat(cmd, " -NB", CMDMAX);
+        argv[n++] = "-Q";
+        if (b->opt.x11md == 0) argv[n++] = "-BS";
+        if (b->opt.x11md == 1) argv[n++] = "-NB";
     }
     if (b->clr.vltfnm[0]) {
-        qqscat(cmd, " V=\"", CMDMAX);
-        qqscat(cmd, b->clr.vltfnm, CMDMAX);
-        qqscat(cmd, "\"", CMDMAX);
+        qqscpy(store, "V=", 2);
+        qqscat(store, b->clr.vltfnm, 258);
+        argv[n++] = store;
     }
-    return (int)std::strlen(cmd);
+    argv[n] = nullptr;
+    return n;
 }
 
 void symfil(const char *cdev, const char *cstat) noexcept {
@@ -93,13 +91,11 @@ void symfil(const char *cdev, const char *cstat) noexcept {
         }
         return;
     }
-    char cmd[CMDMAX + 1];
-    qqsymcmd(b, device, status, cmd);
-    // The driver's messages are not the library's: its output is dropped.
-    char line[CMDMAX + 32];
-    std::strcpy(line, cmd);
-    std::strcat(line, " >/dev/null 2>&1");
-    int rc = std::system(line);
-    (void)rc;
+    // The driver starts without a command processor, so that no file name
+    // is ever read as a command; its messages are not the library's.
+    char store[260];
+    const char *argv[12];
+    qqsymargs(b, device, status, store, argv);
+    qqprun(argv);
     if (dele) s.finfl = -1;
 }

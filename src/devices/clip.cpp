@@ -4,6 +4,7 @@
 
 #include "core/glbblk.h"
 #include "core/guard.h"
+#include "core/session.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -266,4 +267,14 @@ void noclip() noexcept {
         qqclip(b, 1);
         d.clpflg = 2;
     }
+}
+
+void getclp(int *nx, int *ny, int *nw, int *nh) noexcept {
+    glbblk *b = KX_ENTRY("getclp");
+    if (!b) return;
+    const DeviceState &d = b->dev;
+    *nx = d.clpx1;
+    *ny = qqyflpi(b, d.clpy1);
+    *nw = d.clpx2 - d.clpx1 + 1;
+    *nh = d.clpy2 - d.clpy1 + 1;
 }

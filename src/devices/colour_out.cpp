@@ -1,37 +1,8 @@
 // qqsetc: the current colour on its way to the driver.
-#include <cstdlib>
-
 #include "core/glbblk.h"
 #include "core/session.h"
+#include "colour/colour.h"
 #include "devices/device.h"
-
-namespace {
-
-// Entries of the table that a search for the nearest colour looks at.
-int table_entries(const glbblk *b) {
-    switch (b->clr.vltkind) {
-    case 0: return 9;    // the small table
-    case 7: return 16;   // the VGA table
-    default: return 256;
-    }
-}
-
-}  // namespace
-
-int qqnearest(const glbblk *b, int r, int g, int bl) noexcept {
-    int best = 0, bestd = 0x7fffffff;
-    int n = table_entries(b);
-    for (int i = 0; i < n; ++i) {
-        int e = b->clr.colmap[i];
-        int d = std::abs(((e >> 16) & 255) - r) + std::abs(((e >> 8) & 255) - g) + std::abs((e & 255) - bl);
-        if (d < bestd) {
-            bestd = d;
-            best = i;
-            if (d == 0) break;
-        }
-    }
-    return best;
-}
 
 void qqsetc(glbblk *b, int value) noexcept {
     DeviceState &d = b->dev;

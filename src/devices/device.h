@@ -96,10 +96,6 @@ struct DriverOps {
     int (*triangle)(glbblk *b, const double *x, const double *y);
 };
 
-// The driver of a device code; a family without a driver in this build
-// answers null.
-const DriverOps *qqdriver(int devcod) noexcept;
-
 void qqmove(glbblk *b, double x, double y) noexcept;
 void qqdraw(glbblk *b, double x, double y) noexcept;
 void qqrmov(glbblk *b, double x, double y) noexcept;
@@ -107,15 +103,32 @@ void qqrdrw(glbblk *b, double x, double y) noexcept;
 void qqflsh(glbblk *b) noexcept;
 void qqplot(glbblk *b, double x, double y, int op) noexcept;
 void qqsetc(glbblk *b, int value) noexcept;
-// The entry of the colour table nearest to a colour (sum of the absolute
-// differences; the first minimum wins).
-int qqnearest(const glbblk *b, int r, int g, int bl) noexcept;
 void qqclip(glbblk *b, int back) noexcept;
 int qqin(glbblk *b, double x, double y) noexcept;
 // Clears the clip border and makes the whole page the clip window.
 void qqclippage(glbblk *b) noexcept;
 // Sends the clip window to a driver that clips itself.
 void qqclipdev(glbblk *b, int narrowing) noexcept;
+// Filled rectangle, corners in plot coordinates before the origin shift,
+// in a colour value: the driver's rectangle with hwmode SHAD on, else solid
+// lines.
+void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept;
+// Marker of kind 0 to 23 centred at a plot position, size in plot
+// coordinates, in the current colour: the driver's marker, else lines.
+void qqmark(glbblk *b, int kind, double x, double y, double size) noexcept;
+// A filled ring sector, centre and radii (r1 at most r2) in plot
+// coordinates before the origin shift, angles a1 to a2 in degrees
+// counter-clockwise, in a colour value; a filled triangle in the current
+// colour.  The driver's shape with hwmode SHAD on, else its polygon, else
+// lines.
+void qqsector(glbblk *b, double x, double y, double r1, double r2, double a1, double a2,
+              int colour) noexcept;
+void qqtriangle(glbblk *b, const double *x, const double *y) noexcept;
+// One character of a hardware font: the driver's, else the stroke hook of
+// DeviceState (set by the text subsystem).
+void qqhwchar(glbblk *b, const QQHwChar *c) noexcept;
+// The hardware font or its height changed.
+void qqhwstyle(glbblk *b) noexcept;
 // One line from (x1, y1) to (x2, y2), and the closed outline of a polygon
 // of n points (below 2 nothing), in plot coordinates through qqmove and
 // qqdraw; the current colour comes back when the dash colours of linclr

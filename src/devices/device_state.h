@@ -4,6 +4,7 @@
 
 struct glbblk;
 struct DriverOps;
+struct QQHwChar;
 
 enum { QQ_NPOL = 100 };  // points the polyline buffer holds
 
@@ -49,10 +50,16 @@ struct DeviceState {
     int lnsmooth;              // linmod SMOO
     int lincycl[30];           // line style cycle of lincyc
     int lastop;                // last operation a metafile driver wrote, 0 none
+    int fbox[4];               // filbox: corner (Y down) and size for incfil
+    unsigned char fboxset;     // 1 once filbox gave a box
+    unsigned char fclrnone;    // filclr NONE: included colours are ignored
     // Hooks of later stages: a position mapped into the 3-D plane, and a
     // segment test of hidden lines or shields.  Null when not in use.
     void (*plane)(glbblk *b, double *x, double *y);
     int (*segtest)(glbblk *b, double x0, double y0, double x1, double y1);
+    // Strokes a hardware character that the driver refused (the text
+    // subsystem sets it at kolini); null draws nothing.
+    void (*strokechar)(glbblk *b, const QQHwChar *c);
     // The polygon fill of the plots with the current pattern (qqfillpoly),
     // set when a block is made: the layer hands fills upward through it.
     void (*fillfn)(glbblk *b, double *x, double *y, int n);

@@ -15,7 +15,7 @@
 #include "core/text.h"
 #include "devices/device.h"
 #include "devices/vector.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include "core/glbblk.h"
 #include "devices/device.h"
 #include "devices/vector.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 
 namespace {
 

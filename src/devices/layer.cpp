@@ -11,6 +11,19 @@
 
 namespace {
 
+void send_table(glbblk *b) {
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->colour_table) {
+        qqflsh(b);
+        drv->colour_table(b);
+    }
+}
+
+void embed_image(glbblk *b) {
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->image) drv->image(b);
+}
+
 void devices_first(glbblk *b) {
     DeviceState &d = b->dev;
     d.lnwid = 1;
@@ -18,10 +31,17 @@ void devices_first(glbblk *b) {
     // The family a session falls back on when no device is chosen.
     int code;
     b->core.deffam = qqfamilykey("PLOG", &code);
+    // What the colour model and the canvas need of the layer.
+    b->clr.setc = qqsetc;
+    b->clr.table = send_table;
+    b->cnv.flush = qqflsh;
+    b->cnv.embed = embed_image;
 }
 
 void devices_init(glbblk *b) {
     DeviceState &d = b->dev;
+    d.fboxset = 0;
+    d.fclrnone = 0;
     d.npol = 0;
     d.inflsh = 0;
     d.nxsh = d.nysh = 0;

@@ -38,7 +38,7 @@
 #include "devices/postscript.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 
 namespace {
 
@@ -132,7 +132,11 @@ const char *const kProlog[] = {
     " 8#271 /exclamdown 8#272 /questiondown ] def",
 };
 
-bool is_eps(const glbblk *b) { return b->core.devcod == 503; }
+// The codes of the family, named once: the descriptor's keywords below use
+// them too.
+enum { POST = 501, PSCL, EPS, PS };
+
+bool is_eps(const glbblk *b) { return b->core.devcod == EPS; }
 
 // ---- writers ------------------------------------------------------------
 
@@ -415,7 +419,7 @@ int ps_open(glbblk *b) {
     // Long drawings make files of megabytes: write them in large blocks.
     if (s.fhnd) std::setvbuf(s.fhnd, nullptr, _IOFBF, 1 << 16);
 
-    bool eps = dev == 503, sing = p.pssing != 0;
+    bool eps = dev == EPS, sing = p.pssing != 0;
     char t[256];
     head(b, eps ? "%!PS-Adobe-3.0 EPSF-3.0\n" : "%!PS-Adobe-2.0\n");
 
@@ -474,7 +478,7 @@ int ps_open(glbblk *b) {
     head(b, t);
     if (eps && !sing) head(b, "%%EndProlog\n%%Page: 1 1\n");
 
-    if (dev != 501 && s.bgmode != 2) {
+    if (dev != POST && s.bgmode != 2) {
         int a = dev_int(nyp * sc), bb = dev_int(nxp * sc);
         if (p.land)
             std::snprintf(t, sizeof t, "0 0 %d %d 0 0 0 e \n", a, bb);
@@ -599,7 +603,7 @@ void ps_new_page(glbblk *b) {
     inum(b, b->sess.pageno);
     newline(b);
     int dev = b->core.devcod;
-    if ((dev == 502 || dev == 504) && b->sess.bgmode != 2) {
+    if ((dev == PSCL || dev == PS) && b->sess.bgmode != 2) {
         rect(b, 0, 0, b->core.nxp, b->core.nyp, 0);
     } else {
         word(b, "erasepage ");
@@ -803,10 +807,10 @@ constexpr unsigned kGreyPaper = QQ_CLR_WHITE_SHEET | QQ_CLR_BACK_LAST | QQ_CLR_K
 constexpr unsigned kDarkPage = QQ_CLR_TURN_ON_WHITE;
 constexpr unsigned kWhitePage = QQ_CLR_TURN_ON_WHITE | QQ_CLR_WHITE_BACK;
 const DeviceKey kKeys[] = {
-    {"POST", 501, "psc", kGreyPaper},
-    {"PSCL", 502, "psc", kDarkPage},
-    {"EPS ", 503, "eps", kWhitePage},
-    {"PS  ", 504, "ps", kWhitePage},
+    {"POST", POST, "psc", kGreyPaper},
+    {"PSCL", PSCL, "psc", kDarkPage},
+    {"EPS ", EPS, "eps", kWhitePage},
+    {"PS  ", PS, "ps", kWhitePage},
     {},
 };
 
@@ -815,8 +819,8 @@ const DeviceKey kKeys[] = {
 extern const DeviceFamily kxfam_postscript = {
     .name = "PostScript",
     .keys = kKeys,
-    .lo = 501,
-    .hi = 504,
+    .lo = POST,
+    .hi = PS,
     .kind = QQ_KIND_PAGE,
     .file = 0,
     .lnlen = 80,

@@ -61,7 +61,7 @@ bool to_pixel(glbblk *b, double x, double y, int *px, int *py) {
 int raster_open(glbblk *b) {
     SessionState &s = b->sess;
     int dev = format_of(b);
-    bool rgb = dev == QQ_WPPM || b->opt.rasfmt == 1;
+    bool rgb = dev == QQ_WPPM || b->cnv.ropt.rasfmt == 1;
     int w = s.wsiz[0], h = s.wsiz[1], value = 0;
     int problem = size_problem(dev, w, h, rgb, &value);
     if (problem == 0 && qqcnvnew(&b->cnv.cv, w, h, rgb, s.bgmode == 2) != 0) problem = 53;

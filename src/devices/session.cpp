@@ -14,13 +14,11 @@
 #include "devices/device.h"
 #include "devices/registry.h"
 #include "kolvex.h"
+#include "platform/platform.h"
 
 namespace {
 
-bool display_available() {
-    const char *d = std::getenv("DISPLAY");
-    return d && *d;
-}
+bool display_available() { return qqpdisplay(); }
 
 }  // namespace
 

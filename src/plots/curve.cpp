@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
@@ -119,8 +120,8 @@ bool thinnable(glbblk *b) {
 }
 
 double column_scale(glbblk *b) {
-    int dev = b->core.devcod;
-    bool raster = dev < 101 || (dev >= 601 && dev <= 700);
+    int kind = qqdevkind(b);
+    bool raster = kind == QQ_KIND_SCREEN || kind == QQ_KIND_RASTER;
     double s = b->sess.devscl;
     // A turned page has its pixel columns across plot y: plot units there.
     return raster && s > 0 && s < 1 && b->sess.pagrot != 1 ? s : 1.0;

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "core/family.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -44,7 +45,7 @@ void apply_code(glbblk *b, int code) {
             break;
         default:
             if (s.patden == 0)
-                d = b->core.devcod == 221 ? 0.39999f : 0.99999f;
+                d = b->core.fam && b->core.fam->densehatch > 0 ? b->core.fam->densehatch : 0.99999f;
             else
                 d = (float)s.patden * 5.0f + 1.9999f;
             break;

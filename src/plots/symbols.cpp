@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -63,13 +64,11 @@ const Figure kFigures[QQ_NSYMB] = {
 bool hardware_symbol(glbblk *b, int nsym, double x, double y) {
     const CurveState &c = b->crv;
     const DriverOps *drv = b->dev.drv;
-    int dev = b->core.devcod;
+    int kind = qqdevkind(b);
     if (!drv || !drv->marker || nsym >= QQ_NSYMB) return false;
     if (std::fabs(c.symrot) > 0.001 || b->dev.pl3on || b->dev.trfon || b->dev.segtest) return false;
     if (c.usrn > 0 && c.usrsym == nsym) return false;
-    bool screen = dev < 101, raster = dev >= 601 && dev <= 700;
-    if (!screen && !raster) return false;
-    if (dev == 81 && (nsym == 15 || nsym == 21 || nsym == 22 || nsym == 23)) return false;
+    if (kind != QQ_KIND_SCREEN && kind != QQ_KIND_RASTER) return false;
     qqflsh(b);
     return drv->marker(b, nsym, x + b->dev.nxsh, y + b->dev.nysh, c.hsymbl) != 0;
 }

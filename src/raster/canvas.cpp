@@ -10,7 +10,7 @@
 
 #include "core/glbblk.h"
 #include "core/subsystems.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
 
@@ -332,6 +332,9 @@ void canvas_first(glbblk *b) {
     s.cv.tcol = -1;
     s.cv.alpha = 255;
     s.cv.lw = 1;
+    s.ropt.bmpres = 2500;
+    s.ropt.tifres = 100;
+    s.ropt.tifunit = 2;
 }
 
 // Session defaults: the whole canvas as clip, a thin line, and the pen of

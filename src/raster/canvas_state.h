@@ -8,6 +8,8 @@
 // itself lives as long as the block.
 #pragma once
 
+struct glbblk;
+
 enum { QQ_CPTS = 100 };  // points that the canvas collects before drawing
 
 struct qqcanvas {
@@ -45,8 +47,19 @@ struct qqcanvas {
     unsigned char tpropaq;   // 1: a background pixel composites like any other
 };
 
+// Level-0 options of the raster file formats, kept across sessions.
+struct RasterOptions {
+    int rasfmt;              // imgfmt: 0 IND, 1 RGB, 2 BIL
+    int bmpres;              // BMP resolution in pixels per metre
+    int tifres;              // TIFF resolution
+    int tifunit;             // TIFF unit code: 2 inch, 3 cm
+    int pngtran;             // PNG transparency
+    int giftran;             // GIF transparency
+};
+
 struct CanvasState {
     qqcanvas cv;
+    RasterOptions ropt;     // imgfmt, bmpmod, tifmod, pngmod, gifmod
     int imgact;             // 1 between imgini and imgfin
     int imgrgb;             // imgmod: 0 IND, 1 RGB data in the pixel routines
     int imgbot;             // imgmod: 0 TOP, 1 BOT (blocks stored bottom row first)
@@ -57,10 +70,13 @@ struct CanvasState {
     int tpralpha;           // tprval alpha 0 to 255
     int tprauto, tprnoop;   // tprmod NOAU/AUTO and OPAQ/NOOP
     int tprlvl;             // nesting depth of the transparency layer
-    int tprdev;             // device code saved while the layer is open
     int ownsiz[2];          // wsiz of the session while image mode changes it
     unsigned char owncnv;   // 1: image mode made the canvas and frees it
     unsigned char tifwflg;  // tifwin given
     int tifwin[4];          // window of wtiff: x, y, width, height
     int tiforgx, tiforgy;   // where wtiff puts the window's first pixel
+    // Set by the device layer with its first values: sends the pending
+    // polyline, and hands the canvas of image mode to a page format.
+    void (*flush)(glbblk *b);
+    void (*embed)(glbblk *b);
 };

@@ -6,47 +6,32 @@
 
 namespace {
 
-enum Shape {
-    PLUS = 1,
-    CROSS = 2,
-    SQUARE = 4,
-    OCTAGON = 8,
-    TRI_UP = 16,
-    TRI_DOWN = 32,
-    DIAMOND = 64,
-    CIRCLE = 128,
-    HALF_CIRCLE = 256,
-    DISC = 512,
-    HALF_DISC = 1024,
-    FILLED = 2048,
-};
-
 // The shapes of marker kinds 0 to 23.
 const int kMarkers[24] = {
-    SQUARE,             // 0
-    OCTAGON,            // 1
-    TRI_UP,             // 2
-    PLUS,               // 3
-    CROSS,              // 4
-    DIAMOND,            // 5
-    TRI_DOWN,           // 6
-    SQUARE | CROSS,     // 7
-    PLUS | CROSS,       // 8
-    PLUS | DIAMOND,     // 9
-    PLUS | OCTAGON,     // 10
-    TRI_UP | TRI_DOWN,  // 11
-    PLUS | SQUARE,      // 12
-    CROSS | OCTAGON,    // 13
-    SQUARE | TRI_UP,    // 14
-    CIRCLE,             // 15
-    SQUARE | FILLED,    // 16
-    OCTAGON | FILLED,   // 17
-    TRI_UP | FILLED,    // 18
-    DIAMOND | FILLED,   // 19
-    TRI_DOWN | FILLED,  // 20
-    DISC,               // 21
-    HALF_CIRCLE,        // 22
-    HALF_DISC,          // 23
+    QQ_MK_SQUARE,             // 0
+    QQ_MK_OCTAGON,            // 1
+    QQ_MK_TRI_UP,             // 2
+    QQ_MK_PLUS,               // 3
+    QQ_MK_CROSS,              // 4
+    QQ_MK_DIAMOND,            // 5
+    QQ_MK_TRI_DOWN,           // 6
+    QQ_MK_SQUARE | QQ_MK_CROSS,     // 7
+    QQ_MK_PLUS | QQ_MK_CROSS,       // 8
+    QQ_MK_PLUS | QQ_MK_DIAMOND,     // 9
+    QQ_MK_PLUS | QQ_MK_OCTAGON,     // 10
+    QQ_MK_TRI_UP | QQ_MK_TRI_DOWN,  // 11
+    QQ_MK_PLUS | QQ_MK_SQUARE,      // 12
+    QQ_MK_CROSS | QQ_MK_OCTAGON,    // 13
+    QQ_MK_SQUARE | QQ_MK_TRI_UP,    // 14
+    QQ_MK_CIRCLE,             // 15
+    QQ_MK_SQUARE | QQ_MK_FILLED,    // 16
+    QQ_MK_OCTAGON | QQ_MK_FILLED,   // 17
+    QQ_MK_TRI_UP | QQ_MK_FILLED,    // 18
+    QQ_MK_DIAMOND | QQ_MK_FILLED,   // 19
+    QQ_MK_TRI_DOWN | QQ_MK_FILLED,  // 20
+    QQ_MK_DISC,               // 21
+    QQ_MK_HALF_CIRCLE,        // 22
+    QQ_MK_HALF_DISC,          // 23
 };
 
 void line(qqcanvas *cv, int xa, int ya, int xb, int yb) {
@@ -125,49 +110,51 @@ void paint_circle(qqcanvas *cv, int x, int y, int r, bool half) {
 
 }  // namespace
 
+int qqmarkshape(int kind) noexcept { return kind >= 0 && kind < 24 ? kMarkers[kind] : 0; }
+
 void qqcmark(qqcanvas *cv, int kind, int x, int y, int size) noexcept {
     if (!cv->pix || kind < 0 || kind > 23) return;
     qqcflush(cv);
     unsigned char clipon = cv->clipon;
     cv->clipon = 1;
     int shape = kMarkers[kind], r = size / 2;
-    bool filled = (shape & FILLED) != 0;
-    if (shape & SQUARE) {
+    bool filled = (shape & QQ_MK_FILLED) != 0;
+    if (shape & QQ_MK_SQUARE) {
         const int sx[4] = {x - r, x + r, x + r, x - r}, sy[4] = {y - r, y - r, y + r, y + r};
         outline(cv, sx, sy, 4, filled);
     }
-    if (shape & OCTAGON) {
+    if (shape & QQ_MK_OCTAGON) {
         int q = r / 2;
         const int ox[8] = {x - q, x + q, x + r, x + r, x + q, x - q, x - r, x - r};
         const int oy[8] = {y - r, y - r, y - q, y + q, y + r, y + r, y + q, y - q};
         outline(cv, ox, oy, 8, filled);
     }
-    if (shape & TRI_UP) {
+    if (shape & QQ_MK_TRI_UP) {
         const int tx[3] = {x, x + r, x - r}, ty[3] = {y - r, y + r, y + r};
         outline(cv, tx, ty, 3, filled);
     }
-    if (shape & TRI_DOWN) {
+    if (shape & QQ_MK_TRI_DOWN) {
         const int tx[3] = {x, x - r, x + r}, ty[3] = {y + r, y - r, y - r};
         outline(cv, tx, ty, 3, filled);
     }
-    if (shape & DIAMOND) {
+    if (shape & QQ_MK_DIAMOND) {
         const int dx[4] = {x, x + r, x, x - r}, dy[4] = {y - r, y, y + r, y};
         outline(cv, dx, dy, 4, filled);
     }
-    if (shape & PLUS) {
+    if (shape & QQ_MK_PLUS) {
         line(cv, x - r, y, x + r, y);
         line(cv, x, y - r, x, y + r);
     }
-    if (shape & CROSS) {
+    if (shape & QQ_MK_CROSS) {
         line(cv, x - r, y - r, x + r, y + r);
         line(cv, x - r, y + r, x + r, y - r);
     }
-    if (shape & CIRCLE) paint_circle(cv, x, y, r, false);
-    if (shape & HALF_CIRCLE) {
+    if (shape & QQ_MK_CIRCLE) paint_circle(cv, x, y, r, false);
+    if (shape & QQ_MK_HALF_CIRCLE) {
         paint_circle(cv, x, y, r, true);
         line(cv, x - r, y, x + r, y);
     }
-    if (shape & DISC) qqcdisc(cv, x, y, r, 0);
-    if (shape & HALF_DISC) qqcdisc(cv, x, y, r, 1);
+    if (shape & QQ_MK_DISC) qqcdisc(cv, x, y, r, 0);
+    if (shape & QQ_MK_HALF_DISC) qqcdisc(cv, x, y, r, 1);
     cv->clipon = clipon;
 }

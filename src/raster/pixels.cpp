@@ -9,10 +9,9 @@
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/warnings.h"
-#include "devices/device.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
 
@@ -25,7 +24,7 @@ qqcanvas *image_canvas(glbblk *b) {
         qqwar0(b, 55);
         return nullptr;
     }
-    qqflsh(b);
+    b->cnv.flush(b);
     qqcflush(cv);
     return cv;
 }
@@ -163,7 +162,7 @@ void imgini() noexcept {
         qqwar0(b, 40);
         return;
     }
-    qqflsh(b);
+    b->cnv.flush(b);
     if (kind == QQ_KIND_PAGE) {
         // A picture that the page format embeds at imgfin: its canvas
         // lives for the time of image mode.
@@ -201,8 +200,7 @@ void qqimgend(glbblk *b) noexcept {
     if (!s.imgact) return;
     if (qqcanvas *cv = qqcanvasof(b)) qqcflush(cv);
     if (s.owncnv) {
-        const DriverOps *drv = b->dev.drv;
-        if (drv && drv->image) drv->image(b);
+        b->cnv.embed(b);
         qqcnvfree(&s.cv);
         b->sess.wsiz[0] = s.ownsiz[0];
         b->sess.wsiz[1] = s.ownsiz[1];

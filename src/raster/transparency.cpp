@@ -11,7 +11,6 @@
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
-#include "devices/device.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/image_mode.h"
@@ -73,7 +72,7 @@ void composite(qqcanvas *cv) {
 
 // Opens the layer; 0, or 53 when it cannot be made.
 int open_layer(glbblk *b) {
-    qqflsh(b);
+    b->cnv.flush(b);
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return 53;
     qqcflush(cv);
@@ -89,12 +88,11 @@ int open_layer(glbblk *b) {
     cv->tprsave = cv->tprplane;
     cv->pix = cv->pixtpr;
     cv->tprplane = 2;
-    b->cnv.tprdev = b->core.devcod;
     return 0;
 }
 
 void close_layer(glbblk *b) {
-    qqflsh(b);
+    b->cnv.flush(b);
     qqcanvas *cv = qqcanvasof(b);
     if (!cv || cv->tprplane != 2) return;
     qqcflush(cv);
@@ -111,7 +109,7 @@ int usable(glbblk *b) {
         return 1;
     }
     // Before the session the canvas is not there yet: its settings tell.
-    bool rgb = b->core.level > 0 ? b->sess.colbits >= 24 : ((qqdevclr(b) & QQ_CLR_RGB) || b->opt.rasfmt == 1);
+    bool rgb = b->core.level > 0 ? b->sess.colbits >= 24 : ((qqdevclr(b) & QQ_CLR_RGB) || b->cnv.ropt.rasfmt == 1);
     if (!rgb) {
         qqwar1(b, 170, "Output format must be in RGB mode");
         return 1;

@@ -85,7 +85,7 @@ enum Data { TRUE_COLOUR, TABLE, OWN_PALETTE };
 // always a palette (its own when the pixels are colours), the others
 // colour with imgfmt RGB and a palette otherwise.
 Data data_for(const glbblk *b, int format) {
-    bool rgbout = b->opt.rasfmt == 1;
+    bool rgbout = b->cnv.ropt.rasfmt == 1;
     bool deep = b->sess.colbits > 8 || b->cnv.cv.rgbcnv;
     switch (format) {
         case QQ_WPPM:
@@ -140,12 +140,12 @@ void release(Picture &p) {
 
 raster::WriteOptions options_of(const glbblk *b) {
     raster::WriteOptions o;
-    o.pngtran = b->opt.pngtran;
-    o.giftran = b->opt.giftran;
-    o.bmpres = b->opt.bmpres;
-    o.tifres = b->opt.tifres;
-    o.tifunit = b->opt.tifunit;
-    o.bil = b->opt.rasfmt == 2;
+    o.pngtran = b->cnv.ropt.pngtran;
+    o.giftran = b->cnv.ropt.giftran;
+    o.bmpres = b->cnv.ropt.bmpres;
+    o.tifres = b->cnv.ropt.tifres;
+    o.tifunit = b->cnv.ropt.tifunit;
+    o.bil = b->cnv.ropt.rasfmt == 2;
     o.whitebg = b->sess.bgmode == 2;
     o.bckclr = b->clr.bckclr;
     // The paper of the page files: DIN A4 with a margin, or twice hwpage

@@ -8,6 +8,7 @@
 #include "core/text.h"
 #include "kolvex.h"
 #include "text/fontdata.h"
+#include "text/text.h"
 #include "text/text_internal.h"
 
 namespace {
@@ -157,7 +158,11 @@ void qqtxtdefaults(glbblk *b) noexcept {
 
 namespace {
 
-void text_init(glbblk *b) { qqtxtdefaults(b); }
+void text_init(glbblk *b) {
+    qqtxtdefaults(b);
+    // A character that a driver refuses to draw in hardware is stroked here.
+    b->dev.strokechar = qqtxthwstroke;
+}
 
 // A new block has the session defaults too, so that measuring before a
 // session never meets an empty section.

@@ -1,11 +1,10 @@
 // The page header: a line of prefix, date, time, library version and
 // suffix in a corner of the page.
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <utility>
 
+#include "core/filetime.h"
 #include "core/guard.h"
 #include "core/text.h"
 #include "core/warnings.h"
@@ -15,21 +14,10 @@
 
 namespace {
 
-// The moment of the header: SOURCE_DATE_EPOCH (taken as UTC) when set to an
-// integer, so that identical programs give identical pages; else local time.
-void header_time(std::tm *out) {
-    const char *env = std::getenv("SOURCE_DATE_EPOCH");
-    if (env && *env) {
-        char *end = nullptr;
-        long long v = std::strtoll(env, &end, 10);
-        if (end && *end == 0) {
-            std::time_t t = (std::time_t)v;
-            gmtime_r(&t, out);
-            return;
-        }
-    }
-    std::time_t now = std::time(nullptr);
-    localtime_r(&now, out);
+// Page places from heights and lengths that a careless call may make huge:
+// computed wide and kept within the integers of the page grid.
+int sat(long long v) {
+    return v > 2147483647LL ? 2147483647 : v < -2147483647LL ? -2147483647 : (int)v;
 }
 
 }  // namespace
@@ -46,14 +34,15 @@ void paghdr(const char *cstr1, const char *cstr2, int iopt, int idir) noexcept {
         qqwarn(b, 2, idir);
         idir = 1;
     }
-    std::tm tmv;
-    std::memset(&tmv, 0, sizeof tmv);
-    header_time(&tmv);
-    int day = tmv.tm_mday, mon = tmv.tm_mon + 1, year = (tmv.tm_year + 1900) % 10000;
+    // The same moment as the file's own date, so that identical programs
+    // give identical pages.
+    int tv[6];
+    qqfiletime(tv);
+    int day = tv[2], mon = tv[1], year = tv[0] % 10000;
     if (iopt < 0) std::swap(day, mon);
     char stamp[64];
     std::snprintf(stamp, sizeof stamp, "%02d.%02d.%04d, %02d:%02d:%02d, KOLVEX 11.5", day, mon, year,
-                  tmv.tm_hour, tmv.tm_min, tmv.tm_sec % 60);
+                  tv[3], tv[4], tv[5] % 60);
     char text[133];
     text[0] = 0;
     qqscat(text, cstr1 ? cstr1 : "", 132);
@@ -65,9 +54,10 @@ void paghdr(const char *cstr1, const char *cstr2, int iopt, int idir) noexcept {
     TextState &t = b->txt;
     int h = qqnint(0.6 * t.height);
     if (h < 1) h = 1;
-    int len = qqtxtlenh(b, text, h);
-    int nxp = b->core.nxp, nyp = b->core.nyp;
-    int ang = 0, x = 0, y = 0;
+    long long len = qqtxtlenh(b, text, h);
+    long long nxp = b->core.nxp, nyp = b->core.nyp;
+    int ang = 0;
+    long long x = 0, y = 0;
     if (idir == 0) {
         x = (corner == 1 || corner == 4) ? 100 : nxp - len - 100;
         y = (corner == 1 || corner == 2) ? nyp - h - 15 : 15;
@@ -82,7 +72,7 @@ void paghdr(const char *cstr1, const char *cstr2, int iopt, int idir) noexcept {
     // the corners are page places: no justification
     int hj = t.hjus, vj = t.vjus;
     t.hjus = t.vjus = 0;
-    qqmesshgt(b, text, x, y, h, ang);
+    qqmesshgt(b, text, sat(x), sat(y), h, ang);
     t.hjus = hj;
     t.vjus = vj;
 }

@@ -474,3 +474,70 @@ TEST(colour_of_an_explicit_value_on_an_8_bit_device_is_the_nearest_entry) {
     b->sess.colbits = 8;
     end(b);
 }
+
+TEST(rectangles_markers_characters_go_to_the_driver_or_fall_back_to_lines) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    // Whole: to the driver, cut to the clip window, origin shift added.
+    b->dev.nxsh = 10;
+    qqfrect(b, 2900, 50, 3100, 40, 7);
+    CHECK_EQ(rec.count('r'), 1);
+    CHECK_EQ(rec.ops.back().x, 2910.0);
+    CHECK_EQ(rec.ops.back().r, b->core.nxp);
+    CHECK_EQ(rec.ops.back().y, 40.0);
+    CHECK_EQ(rec.ops.back().value, 7);
+    b->dev.nxsh = 0;
+    qqmark(b, 3, 100, 100, 20);
+    QQHwChar c{65, 5, 6};
+    qqhwchar(b, &c);
+    CHECK_EQ(rec.count('k'), 1);
+    CHECK_EQ(rec.count('t'), 1);
+    CHECK_EQ(rec.count('d'), 0);
+    // hwmode SHAD off: the rectangle of 5 rows becomes one zigzag line in
+    // its colour, and the colour comes back.
+    rec.ops.clear();
+    int before = b->dev.curclr;
+    b->dev.hwshd = 0;
+    qqfrect(b, 100, 100, 150, 104, 5);
+    CHECK_EQ(rec.count('r'), 0);
+    CHECK_EQ(rec.count('m'), 1);
+    CHECK_EQ(rec.count('d'), 9);
+    CHECK_EQ(rec.ops.front().value, 5);
+    CHECK_EQ(b->dev.curclr, before);
+    b->dev.hwshd = 1;
+    // A refused marker is drawn as lines: kind 3 is a plus of two strokes.
+    rec.ops.clear();
+    rec.answer = 0;
+    qqmark(b, 3, 100, 100, 20);
+    CHECK_EQ(rec.count('k'), 1);
+    CHECK_EQ(rec.count('m'), 2);
+    CHECK_EQ(rec.count('d'), 2);
+    // A refused character goes to the stroke hook, none draws nothing.
+    static int stroked = 0;
+    b->dev.strokechar = [](glbblk *, const QQHwChar *c) { stroked = c->code; };
+    c.code = 66;
+    qqhwchar(b, &c);
+    CHECK_EQ(stroked, 66);
+    b->dev.strokechar = nullptr;
+    // Without the driver's sector or polygon, a sector and a triangle are
+    // lines in their colour, the colour coming back.
+    rec.ops.clear();
+    qqsector(b, 500, 500, 0, 100, 0, 90, 9);
+    const double tx[3] = {100, 200, 150}, ty[3] = {100, 100, 140};
+    qqtriangle(b, tx, ty);
+    CHECK(rec.count('d') >= 100 + 40);
+    CHECK_EQ(rec.ops.front().value, 9);
+    CHECK_EQ(b->dev.curclr, before);
+    // Through the user transformation every shape is lines.
+    rec.ops.clear();
+    rec.answer = 1;
+    b->dev.trfon = 1;
+    const double id[6] = {1, 0, 0, 0, 1, 0};
+    for (int i = 0; i < 6; ++i) b->dev.trf[i] = id[i];
+    qqmark(b, 0, 100, 100, 20);
+    qqfrect(b, 10, 10, 20, 11, 3);
+    CHECK_EQ(rec.count('k') + rec.count('r'), 0);
+    CHECK(rec.count('d') >= 4 + 3);
+    b->dev.trfon = 0;
+    end(b);
+}

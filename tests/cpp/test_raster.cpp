@@ -322,7 +322,7 @@ TEST(transparency_layer_composites_by_alpha) {
 // The test page: a picture to look at, written through the device layer
 // of a PNG session as a program would draw it.  tests/test_raster_page.py
 // checks the file and its colours.
-TEST(raster_test_page) {
+PAGE(raster_test_page) {
     // The page goes where the Python test asks for it (earlier tests may
     // have changed the directory).
     const char *dir = std::getenv("KOLVEX_PAGE_DIR");
@@ -398,7 +398,45 @@ TEST(raster_test_page) {
     // The markers 0 to 23 in magenta, two rows of twelve.
     setclr(8);
     linwid(5);
-    for (int k = 0; k < 24; ++k) drv->marker(b, k, 1400 + 80 * (k % 12), 1550 + 200 * (k / 12), 60);
+    for (int k = 0; k < 24; ++k) qqmark(b, k, 1400 + 80 * (k % 12), 1550 + 200 * (k / 12), 60);
     kolfin();
     scrmod("AUTO");
+}
+
+// The canvas's own rectangle and markers against the layer's lines: the
+// same shapes by two routes.
+TEST(rectangles_and_markers_by_driver_and_by_lines_agree) {
+    auto draw = [](bool hardware, std::set<std::pair<int, int>> &out) {
+        metafl("VIRT");
+        winsiz(600, 425);
+        kolini();
+        glbblk *b = qqcur();
+        b->diag.outu = 0;
+        b->dev.hwshd = hardware;
+        qqfrect(b, 100, 100, 700, 400, 0x01FF0000);
+        qqsetc(b, 0x0100FF00);
+        for (int k = 0; k < 24; ++k) {
+            if (!hardware) b->dev.trfon = 1;  // the driver is skipped
+            b->dev.trf[0] = b->dev.trf[4] = 1;
+            qqmark(b, k, 1000 + 150 * (k % 12), 600 + 300 * (k / 12), 100);
+            b->dev.trfon = 0;
+        }
+        qqflsh(b);
+        const qqcanvas &cv = b->cnv.cv;
+        for (int y = 0; y < cv.ch; ++y)
+            for (int x = 0; x < cv.cw; ++x) {
+                const unsigned char *p = cv.pixbase + (size_t)y * cv.rowb + (size_t)x * (cv.rgbcnv ? 4 : 1);
+                if (*p != cv.pixbase[0]) out.insert({x, y});
+            }
+        kolfin();
+    };
+    std::set<std::pair<int, int>> hw, lines;
+    draw(true, hw);
+    draw(false, lines);
+    size_t common = 0;
+    for (const auto &p : lines) common += hw.count(p);
+    CHECK(hw.size() > 1000);
+    // Nearly every pixel of one route is one of the other.
+    CHECK(common > 0.9 * lines.size());
+    CHECK(common > 0.9 * hw.size());
 }

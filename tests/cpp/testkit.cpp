@@ -18,6 +18,11 @@ std::vector<Test> &registry() {
     return tests;
 }
 
+std::vector<Test> &pages() {
+    static std::vector<Test> list;
+    return list;
+}
+
 static int failures = 0;
 static const char *current = "";
 
@@ -50,11 +55,26 @@ static void rec_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
     of(b)->ops.push_back({'x', (double)x1, (double)y1, reset});
 }
 
+static void rec_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+    of(b)->ops.push_back({'r', (double)x1, (double)y1, colour, x2, y2});
+}
+static int rec_marker(glbblk *b, int kind, double x, double y, double size) {
+    of(b)->ops.push_back({'k', x, y, kind, (int)size});
+    return of(b)->answer;
+}
+static int rec_char(glbblk *b, const QQHwChar *c) {
+    of(b)->ops.push_back({'t', c->x, c->y, c->code});
+    return of(b)->answer;
+}
+
 static const DriverOps recording_ops = {
     .line = rec_line,
     .colour = rec_colour,
     .width = rec_width,
     .clip = rec_clip,
+    .fill_rect = rec_rect,
+    .marker = rec_marker,
+    .character = rec_char,
 };
 
 void RecordingDriver::install(glbblk *b) {
@@ -118,10 +138,28 @@ std::string read_file(const std::string &name) {
 
 }  // namespace testkit
 
+// With no argument every test runs; "--list" names them; a name runs that
+// test or page, or, when none has that name, every test whose name holds
+// it.
 int main(int argc, char **argv) {
+    const char *want = argc > 1 ? argv[1] : nullptr;
+    if (want && std::strcmp(want, "--list") == 0) {
+        for (const testkit::Test &t : testkit::registry()) std::printf("%s\n", t.name);
+        return 0;
+    }
+    for (const testkit::Test &t : testkit::pages())
+        if (want && std::strcmp(t.name, want) == 0) {
+            testkit::current = t.name;
+            t.fn();
+            return testkit::failures ? 1 : 0;
+        }
+    bool exact = false;
+    for (const testkit::Test &t : testkit::registry())
+        exact = exact || (want && std::strcmp(t.name, want) == 0);
     int run = 0;
     for (const testkit::Test &t : testkit::registry()) {
-        if (argc > 1 && std::strstr(t.name, argv[1]) == nullptr) continue;
+        if (want && (exact ? std::strcmp(t.name, want) != 0 : std::strstr(t.name, want) == nullptr))
+            continue;
         testkit::current = t.name;
         int before = testkit::failures;
         t.fn();
@@ -129,5 +167,5 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "%s %s\n", testkit::failures == before ? "ok  " : "FAIL", t.name);
     }
     std::fprintf(stderr, "%d tests, %d failures\n", run, testkit::failures);
-    return testkit::failures ? 1 : 0;
+    return testkit::failures || run == 0 ? 1 : 0;
 }

@@ -18,14 +18,20 @@ struct Test {
     void (*fn)();
 };
 std::vector<Test> &registry();
+// Programs that draw a test page for a Python test to judge: run by name
+// only, never counted as tests.
+std::vector<Test> &pages();
 struct Register {
-    Register(const char *name, void (*fn)()) { registry().push_back({name, fn}); }
+    Register(const char *name, void (*fn)(), bool page = false) {
+        (page ? pages() : registry()).push_back({name, fn});
+    }
 };
 void fail(const char *file, int line, const std::string &what);
 
 // One operation as a driver received it.
 struct Op {
-    char kind;   // 'm' move, 'd' draw, 'e' end path, 'c' colour, 'w' width, 'x' clip
+    char kind;   // 'm' move, 'd' draw, 'e' end path, 'c' colour, 'w' width, 'x' clip,
+                 // 'r' rectangle (r, g the far corner), 'k' marker, 't' character
     double x, y;
     int value;
     int r = 0, g = 0, bl = 0, index = 0;  // what a colour operation was given
@@ -36,6 +42,7 @@ struct Op {
 struct RecordingDriver {
     std::vector<Op> ops;
     int hwwidth = 0;  // answer of the width operation
+    int answer = 1;   // answer of the marker and character operations
     void install(glbblk *b);
     int count(char kind) const;
     // The pieces of line: each starts with a move and holds its draws.
@@ -60,6 +67,11 @@ std::string read_file(const std::string &name);
     static void test_##name();                                  \
     static testkit::Register reg_##name(#name, test_##name);    \
     static void test_##name()
+
+#define PAGE(name)                                                 \
+    static void page_##name();                                     \
+    static testkit::Register reg_##name(#name, page_##name, true); \
+    static void page_##name()
 
 #define CHECK(cond) \
     ((cond) ? (void)0 : testkit::fail(__FILE__, __LINE__, "CHECK(" #cond ")"))

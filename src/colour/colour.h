@@ -19,5 +19,8 @@ void qqclrrgb(const glbblk *b, int value, int *r, int *g, int *bl) noexcept;
 // the fore- and background, sends the table to the device and sets the
 // foreground colour.
 void qqsetvlt(glbblk *b, int kind) noexcept;
+// The entry of the colour table nearest to a colour (sum of the absolute
+// differences; the first minimum wins).
+int qqnearest(const glbblk *b, int r, int g, int bl) noexcept;
 // The colour of color("FORE").
 void qqcolorfore(glbblk *b) noexcept;

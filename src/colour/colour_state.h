@@ -1,6 +1,8 @@
 // The colour model: the 256-entry colour table, its kind and the named
-// colours.  The colour value itself is described in raster/colour.h.
+// colours.  The colour value itself is described in colour/colour.h.
 #pragma once
+
+struct glbblk;
 
 struct ColourState {
     int colmap[256];        // table entries 0x00RRGGBB
@@ -12,4 +14,8 @@ struct ColourState {
     int named[9];           // values of WHIT RED GREE YELL BLUE ORAN CYAN MAGE BLAC
     int clrcycl[30];        // colour cycle of clrcyc
     char vltfnm[257];       // the file vltfil saved or loaded this session, for symfil
+    // Set by the device layer with its first values: the current colour
+    // and the changed table on their way to the driver.
+    void (*setc)(glbblk *b, int value);
+    void (*table)(glbblk *b);
 };

@@ -1,6 +1,6 @@
 // The colour model: colour tables, named colours, fore- and background,
 // and the routines that set and read colours.
-#include "raster/colour.h"
+#include "colour/colour.h"
 
 #include <cmath>
 #include <cstdio>
@@ -16,7 +16,6 @@
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
-#include "devices/device.h"
 #include "kolvex.h"
 
 namespace {
@@ -87,12 +86,11 @@ void swap(int &a, int &c) {
     c = t;
 }
 
+// The colour and the table on their way to the device, through the hooks
+// that the device layer sets.
+void set_colour(glbblk *b, int value) { b->clr.setc(b, value); }
 void send_table(glbblk *b) {
-    const DriverOps *drv = b->dev.drv;
-    if (drv && drv->colour_table && b->core.level > 0) {
-        qqflsh(b);
-        drv->colour_table(b);
-    }
+    if (b->core.level > 0) b->clr.table(b);
 }
 
 // A part of a colour given as 0..1 with the tolerance of the routines.
@@ -126,9 +124,34 @@ const ResetEntry kResets[] = {
 
 void colour_first(glbblk *b) { b->clr.vltkind = RAIN; }
 
+// Entries of the table that a search for the nearest colour looks at.
+int table_entries(const glbblk *b) {
+    switch (b->clr.vltkind) {
+    case 0: return 9;    // the small table
+    case 7: return 16;   // the VGA table
+    default: return 256;
+    }
+}
+
 }  // namespace
 
 extern const Subsystem kxsub_colour = {"colour", colour_first, colour_init, nullptr, kResets, nullptr};
+
+int qqnearest(const glbblk *b, int r, int g, int bl) noexcept {
+    int best = 0, bestd = 0x7fffffff;
+    int n = table_entries(b);
+    for (int i = 0; i < n; ++i) {
+        int e = b->clr.colmap[i];
+        int d = std::abs(((e >> 16) & 255) - r) + std::abs(((e >> 8) & 255) - g) + std::abs((e & 255) - bl);
+        if (d < bestd) {
+            bestd = d;
+            best = i;
+            if (d == 0) break;
+        }
+    }
+    return best;
+}
+
 
 void qqclrrgb(const glbblk *b, int value, int *r, int *g, int *bl) noexcept {
     if (qqexplicit(value)) {
@@ -236,11 +259,11 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
     // 9: the table to the device, and the foreground.
     if (b->core.level > 0) {
         send_table(b);
-        qqsetc(b, c.forclr);
+        set_colour(b, c.forclr);
     }
 }
 
-void qqcolorfore(glbblk *b) noexcept { qqsetc(b, b->clr.forclr); }
+void qqcolorfore(glbblk *b) noexcept { set_colour(b, b->clr.forclr); }
 
 // ---- public routines -------------------------------------------------------------
 
@@ -251,19 +274,19 @@ void color(const char *col) noexcept {
     if (k == 0) return;
     ColourState &c = b->clr;
     if (k <= 9) {
-        qqsetc(b, c.named[k - 1]);
+        set_colour(b, c.named[k - 1]);
     } else if (k == 10) {
-        qqsetc(b, c.forclr);
+        set_colour(b, c.forclr);
     } else if (k == 11) {
-        qqsetc(b, c.bckclr);
+        set_colour(b, c.bckclr);
     } else if (k == 12) {
-        qqsetc(b, qqrgbval(128, 128, 128));
+        set_colour(b, qqrgbval(128, 128, 128));
     } else {
         // Halfway between the current colour and the background.
         int r0, g0, b0, r1, g1, b1;
         qqclrrgb(b, b->dev.curclr, &r0, &g0, &b0);
         qqclrrgb(b, c.bckclr, &r1, &g1, &b1);
-        qqsetc(b, qqrgbval(part_byte((r0 + r1) / 510.0), part_byte((g0 + g1) / 510.0),
+        set_colour(b, qqrgbval(part_byte((r0 + r1) / 510.0), part_byte((g0 + g1) / 510.0),
                            part_byte((b0 + b1) / 510.0)));
     }
 }
@@ -271,7 +294,7 @@ void color(const char *col) noexcept {
 void setclr(int ncol) noexcept {
     glbblk *b = KX_ENTRY("setclr");
     if (!b || qqchki(b, ncol, 0, -1)) return;
-    qqsetc(b, ncol);
+    set_colour(b, ncol);
 }
 
 int intrgb(double xr, double xg, double xb) noexcept {
@@ -287,7 +310,7 @@ void setrgb(double xr, double xg, double xb) noexcept {
         qqwarn(b, 2, 0);
         return;
     }
-    qqsetc(b, v);
+    set_colour(b, v);
 }
 
 int indrgb(double xr, double xg, double xb) noexcept {
@@ -388,7 +411,7 @@ void revscr() noexcept {
     int fg = c.vltkind == SMAL ? 1 : (c.vltkind == VGA ? 15 : 255);
     swap(c.colmap[0], c.colmap[fg]);
     if (qqdevkind(b) == QQ_KIND_PAGE)
-        qqsetc(b, b->dev.curclr);
+        set_colour(b, b->dev.curclr);
     else
         send_table(b);
 }

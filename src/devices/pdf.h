@@ -1,0 +1,15 @@
+// What the PDF driver offers besides its device: a finished picture as a
+// PDF file of its own.
+#pragma once
+
+#include <cstdio>
+
+struct glbblk;
+struct qqcanvas;
+
+// Writes the canvas (the rectangle of imgclp, as the picture files keep
+// it) as a one-page PDF document, the image scaled to the paper of the
+// page formats and turned when wider than high, to an open binary
+// stream, compressed as pdfmod says.  Format 9 of expimg.  The stream stays the
+// caller's.  Returns 0, -1 for a write error, -2 without memory.
+int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept;

@@ -1,0 +1,15 @@
+// What the PDF driver keeps in the block: the record of an open document
+// (null outside a session on device 511) and a finished document held in
+// memory for pdfbuf.
+#pragma once
+
+#include <cstddef>
+
+struct PdfRecord;
+
+struct PdfState {
+    PdfRecord *rec;         // the document being written; made at open, freed at close
+    unsigned char *out;     // a finished document of memory mode, until pdfbuf or the next open
+    size_t outlen;          // its length
+    unsigned char outfail;  // memory ran out while it was written: only the count went on
+};

@@ -1,0 +1,284 @@
+// The layer's entry points for filled rectangles, ring sectors, triangles,
+// markers and hardware characters: each offers the shape to the driver and draws it with lines
+// when the driver has no such operation, refuses it, or cannot be given it
+// because the shape must pass through the 3-D plane, the user
+// transformation, a segment test or a circular clip first (only lines do).
+#include <cmath>
+#include <utility>
+
+#include "core/glbblk.h"
+#include "devices/device.h"
+#include "raster/primitives.h"
+
+namespace {
+
+// Whether a shape may go to the driver whole, in plot coordinates.
+bool direct(const glbblk *b) {
+    const DeviceState &d = b->dev;
+    return d.pl3on == 0 && d.trfon == 0 && !d.segtest && d.clpcir == 0;
+}
+
+// Lines of the fallbacks are solid and, for fills, of the thinnest width,
+// whatever dash pattern and width the caller has set; the settings come
+// back afterwards.
+struct LinePen {
+    glbblk *b;
+    int lnwid;
+    double lnoff;
+    LinePen(glbblk *blk, bool thin) : b(blk), lnwid(blk->dev.lnwid), lnoff(blk->dev.lnoff) {
+        if (thin && lnwid > 1) b->dev.lnwid = 1;
+        b->dev.lnoff = 0.0;
+    }
+    ~LinePen() {
+        qqflsh(b);
+        b->dev.lnwid = lnwid;
+        b->dev.lnoff = lnoff;
+    }
+};
+
+// A polygon of absolute plot positions as one closed line, and filled by
+// horizontal lines one plot coordinate apart when asked (markers' shapes
+// are convex: each row crosses the outline twice at most).
+void polygon(glbblk *b, const double *x, const double *y, int n, bool filled) {
+    if (filled) {
+        LinePen pen(b, true);
+        double ylo = y[0], yhi = y[0];
+        for (int i = 1; i < n; ++i) {
+            ylo = std::fmin(ylo, y[i]);
+            yhi = std::fmax(yhi, y[i]);
+        }
+        for (double row = std::ceil(ylo); row <= yhi; row += 1.0) {
+            double xl = 1e300, xr = -1e300;
+            for (int i = 0; i < n; ++i) {
+                int j = (i + 1) % n;
+                double ya = y[i], yb = y[j];
+                if ((row < ya && row < yb) || (row > ya && row > yb)) continue;
+                double t = ya == yb ? 0.0 : (row - ya) / (yb - ya);
+                double xs = x[i] + t * (x[j] - x[i]);
+                xl = std::fmin(xl, ya == yb ? std::fmin(x[i], x[j]) : xs);
+                xr = std::fmax(xr, ya == yb ? std::fmax(x[i], x[j]) : xs);
+            }
+            if (xl > xr) continue;
+            qqrmov(b, xl, row);
+            qqrdrw(b, xr, row);
+        }
+    }
+    LinePen pen(b, false);
+    qqrmov(b, x[n - 1], y[n - 1]);
+    for (int i = 0; i < n; ++i) qqrdrw(b, x[i], y[i]);
+}
+
+// Any polygon filled by horizontal lines one plot coordinate apart, by the
+// even-odd rule, in the current colour; rows with more crossings than the
+// buffer holds keep the first ones.
+void scan_fill(glbblk *b, const double *x, const double *y, int n) {
+    enum { MAXCROSS = 16 };
+    LinePen pen(b, true);
+    double ylo = y[0], yhi = y[0];
+    for (int i = 1; i < n; ++i) {
+        ylo = std::fmin(ylo, y[i]);
+        yhi = std::fmax(yhi, y[i]);
+    }
+    for (double row = std::ceil(ylo); row <= yhi; row += 1.0) {
+        double xs[MAXCROSS];
+        int k = 0;
+        for (int i = 0; i < n && k < MAXCROSS; ++i) {
+            int j = (i + 1) % n;
+            // Half-open in y, so that a vertex is crossed once.
+            if ((y[i] <= row) == (y[j] <= row)) continue;
+            double xc = x[i] + (row - y[i]) / (y[j] - y[i]) * (x[j] - x[i]);
+            int m = k++;
+            while (m > 0 && xs[m - 1] > xc) {
+                xs[m] = xs[m - 1];
+                --m;
+            }
+            xs[m] = xc;
+        }
+        for (int m = 0; m + 1 < k; m += 2) {
+            qqrmov(b, xs[m], row);
+            qqrdrw(b, xs[m + 1], row);
+        }
+    }
+}
+
+// A filled polygon of absolute positions when the driver's own shape was
+// refused: the driver's polygon with hwmode SHAD on, else lines.
+void fill_fallback(glbblk *b, const double *x, const double *y, int n) {
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->fill_polygon && b->dev.hwshd && direct(b) && drv->fill_polygon(b, x, y, n)) return;
+    scan_fill(b, x, y, n);
+}
+
+// The circle of markers as a polygon of 36 corners; half = 1 keeps the
+// upper half (Y grows downward) closed by its diameter.
+void circle(glbblk *b, double cx, double cy, double r, bool half, bool filled) {
+    enum { N = 36 };
+    double x[N + 1], y[N + 1];
+    int n = 0;
+    const double step = 2.0 * 3.141592653589793 / N;
+    for (int k = 0; k <= (half ? N / 2 : N - 1); ++k) {
+        x[n] = cx + r * std::cos(k * step);
+        y[n] = cy - r * std::sin(k * step);
+        ++n;
+    }
+    polygon(b, x, y, n, filled);
+}
+
+void segment(glbblk *b, double xa, double ya, double xc, double yc) {
+    LinePen pen(b, false);
+    qqrmov(b, xa, ya);
+    qqrdrw(b, xc, yc);
+}
+
+// A marker as a figure of lines: the shapes of its kind, as the canvas
+// draws them, around (x, y) with half-size r.
+void marker_lines(glbblk *b, int kind, double x, double y, double r) {
+    int shape = qqmarkshape(kind);
+    bool filled = (shape & QQ_MK_FILLED) != 0;
+    if (shape & QQ_MK_SQUARE) {
+        const double sx[4] = {x - r, x + r, x + r, x - r}, sy[4] = {y - r, y - r, y + r, y + r};
+        polygon(b, sx, sy, 4, filled);
+    }
+    if (shape & QQ_MK_OCTAGON) {
+        double q = r / 2;
+        const double ox[8] = {x - q, x + q, x + r, x + r, x + q, x - q, x - r, x - r};
+        const double oy[8] = {y - r, y - r, y - q, y + q, y + r, y + r, y + q, y - q};
+        polygon(b, ox, oy, 8, filled);
+    }
+    if (shape & QQ_MK_TRI_UP) {
+        const double tx[3] = {x, x + r, x - r}, ty[3] = {y - r, y + r, y + r};
+        polygon(b, tx, ty, 3, filled);
+    }
+    if (shape & QQ_MK_TRI_DOWN) {
+        const double tx[3] = {x, x - r, x + r}, ty[3] = {y + r, y - r, y - r};
+        polygon(b, tx, ty, 3, filled);
+    }
+    if (shape & QQ_MK_DIAMOND) {
+        const double dx[4] = {x, x + r, x, x - r}, dy[4] = {y - r, y, y + r, y};
+        polygon(b, dx, dy, 4, filled);
+    }
+    if (shape & QQ_MK_PLUS) {
+        segment(b, x - r, y, x + r, y);
+        segment(b, x, y - r, x, y + r);
+    }
+    if (shape & QQ_MK_CROSS) {
+        segment(b, x - r, y - r, x + r, y + r);
+        segment(b, x - r, y + r, x + r, y - r);
+    }
+    if (shape & QQ_MK_CIRCLE) circle(b, x, y, r, false, false);
+    if (shape & QQ_MK_HALF_CIRCLE) circle(b, x, y, r, true, false);
+    if (shape & QQ_MK_DISC) circle(b, x, y, r, false, true);
+    if (shape & QQ_MK_HALF_DISC) circle(b, x, y, r, true, true);
+}
+
+}  // namespace
+
+void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    if (x1 > x2) std::swap(x1, x2);
+    if (y1 > y2) std::swap(y1, y2);
+    x1 += d.nxsh;
+    x2 += d.nxsh;
+    y1 += d.nysh;
+    y2 += d.nysh;
+    const DriverOps *drv = d.drv;
+    if (drv && drv->fill_rect && d.hwshd && direct(b)) {
+        // The driver gets the part inside the clip window.
+        int cx1 = x1 > d.clpx1 ? x1 : d.clpx1, cy1 = y1 > d.clpy1 ? y1 : d.clpy1;
+        int cx2 = x2 < d.clpx2 ? x2 : d.clpx2, cy2 = y2 < d.clpy2 ? y2 : d.clpy2;
+        if (cx1 <= cx2 && cy1 <= cy2) drv->fill_rect(b, cx1, cy1, cx2, cy2, colour);
+        return;
+    }
+    // Solid fill by lines one plot coordinate apart, as one zigzag line so
+    // that the buffer sends whole pieces; the clipper cuts them.
+    int saved = d.curclr;
+    if (colour != saved) qqsetc(b, colour);
+    {
+        LinePen pen(b, true);
+        qqrmov(b, x1, y1);
+        for (int row = y1; row <= y2; ++row) {
+            bool forth = (row - y1) % 2 == 0;
+            if (row > y1) qqrdrw(b, forth ? x1 : x2, row);
+            qqrdrw(b, forth ? x2 : x1, row);
+        }
+    }
+    if (colour != saved) qqsetc(b, saved);
+}
+
+void qqmark(glbblk *b, int kind, double x, double y, double size) noexcept {
+    if (kind < 0 || kind > 23 || !(size >= 0 && size < 1e6)) return;
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    x += d.nxsh;
+    y += d.nysh;
+    const DriverOps *drv = d.drv;
+    if (drv && drv->marker && direct(b) && drv->marker(b, kind, x, y, size)) return;
+    marker_lines(b, kind, x, y, size / 2);
+}
+
+void qqsector(glbblk *b, double x, double y, double r1, double r2, double a1, double a2,
+              int colour) noexcept {
+    if (!(r1 >= 0 && r1 <= r2 && r2 < 1e6 && a1 <= a2 && a2 - a1 <= 360.0)) return;
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    x += d.nxsh;
+    y += d.nysh;
+    const DriverOps *drv = d.drv;
+    if (drv && drv->sector && d.hwshd && direct(b) && drv->sector(b, x, y, r1, r2, a1, a2, colour))
+        return;
+    // The outline: the outer arc forth, the inner one back (or the centre),
+    // a point every 5 degrees at most.
+    enum { ARC = 73 };
+    double px[2 * ARC], py[2 * ARC];
+    int steps = (int)std::ceil((a2 - a1) / 5.0);
+    if (steps < 1) steps = 1;
+    int n = 0;
+    for (int pass = 0; pass < 2; ++pass) {
+        double r = pass == 0 ? r2 : r1;
+        if (pass == 1 && r1 == 0) {
+            px[n] = x;
+            py[n++] = y;
+            break;
+        }
+        for (int k = 0; k <= steps; ++k) {
+            double t = (pass == 0 ? a1 + (a2 - a1) * k / steps : a2 - (a2 - a1) * k / steps) *
+                       3.141592653589793 / 180.0;
+            px[n] = x + r * std::cos(t);
+            py[n++] = y - r * std::sin(t);
+        }
+    }
+    int saved = d.curclr;
+    if (colour != saved) qqsetc(b, colour);
+    fill_fallback(b, px, py, n);
+    if (colour != saved) qqsetc(b, saved);
+}
+
+void qqtriangle(glbblk *b, const double *x, const double *y) noexcept {
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    double tx[3], ty[3];
+    for (int i = 0; i < 3; ++i) {
+        tx[i] = x[i] + d.nxsh;
+        ty[i] = y[i] + d.nysh;
+    }
+    const DriverOps *drv = d.drv;
+    if (drv && drv->triangle && d.hwshd && direct(b) && drv->triangle(b, tx, ty)) return;
+    fill_fallback(b, tx, ty, 3);
+}
+
+void qqhwchar(glbblk *b, const QQHwChar *c) noexcept {
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    const DriverOps *drv = d.drv;
+    if (drv && drv->character && direct(b) && drv->character(b, c)) return;
+    // A refused character is stroked by the text subsystem, which sets the
+    // hook; without it (a build without stroke fonts) nothing is drawn.
+    if (d.strokechar) d.strokechar(b, c);
+}
+
+void qqhwstyle(glbblk *b) noexcept {
+    qqflsh(b);
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->textstyle) drv->textstyle(b);
+}

@@ -1,0 +1,76 @@
+"""incfil, filbox and filclr: a native metafile drawn back into a page."""
+import numpy as np
+import pytest
+from PIL import Image
+
+import kolvex
+from test_raster_session import warnings
+
+
+def border_met(name, colour):
+    kolvex.setfil(name)
+    kolvex.kolini()
+    kolvex.setclr(colour)
+    kolvex.pagera()
+    kolvex.kolfin()
+
+
+def png_of(draw, name):
+    kolvex.setfil(name)
+    kolvex.filmod("DELE")
+    kolvex.metafl("PNG")
+    kolvex.kolini()
+    draw()
+    kolvex.kolfin()
+    return np.asarray(Image.open(name).convert("RGB"))
+
+
+def test_a_metafile_included_is_the_page_drawn_directly():
+    border_met("border.met", 50)
+    direct = png_of(lambda: (kolvex.setclr(50), kolvex.pagera()), "direct.png")
+    included = png_of(lambda: kolvex.incfil("border.met"), "included.png")
+    assert (direct != direct[300, 400]).any(axis=2).sum() > 2000
+    assert (direct == included).all()
+
+
+def test_box_and_colours(capfd):
+    border_met("border.met", 50)
+
+    def half():
+        kolvex.filbox(0, 0, 1485, 1050)
+        kolvex.filclr("NONE")
+        kolvex.incfil("border.met")
+
+    img = png_of(half, "half.png")
+    inked = np.argwhere((img != img[-1, -1]).any(axis=2))
+    h, w = img.shape[:2]
+    # The page's frame, halved, in the upper left quarter, in the foreground.
+    assert inked[:, 0].max() <= h // 2 + 1 and inked[:, 1].max() <= w // 2 + 1
+    fore = png_of(kolvex.pagera, "fore.png")[0, 0]
+    assert {tuple(img[y, x]) for y, x in inked} == {tuple(fore)}
+    assert warnings(capfd) == []
+
+
+@pytest.mark.parametrize("content, number", [
+    (None, 36),                      # no file
+    (b"%PDF-1.3\n", 56),             # a format that is not included
+    (b"!Bitmap KOLVEX " + b" " * 65, 56),
+    (b"      29.7      21.0\n 0.1000000 0.1000000 3.0000000\n", 122),  # no end field
+])
+def test_files_that_cannot_be_included(capfd, content, number):
+    if content is not None:
+        with open("f.bin", "wb") as f:
+            f.write(content)
+    kolvex.kolini()
+    capfd.readouterr()
+    kolvex.incfil("f.bin")
+    assert [int(w.split(":")[0].split()[-1]) for w in warnings(capfd)] == [number]
+
+
+def test_filbox_limits(capfd):
+    kolvex.kolini()
+    capfd.readouterr()
+    kolvex.filbox(-1, 0, 10, 10)
+    kolvex.filbox(0, 0, 0, 10)
+    kolvex.filbox(2000, 0, 971, 10)
+    assert [w.split(":")[0] for w in warnings(capfd)] == [" <<<< Warning 1", " <<<< Warning 2", " <<<< Warning 2"]
