@@ -418,6 +418,65 @@ KOLVEX_API void conpts(const double *xray, int n, const double *yray, int m, con
 KOLVEX_API void contur2(const double *xmat, const double *ymat, const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
 KOLVEX_API void contur(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev) KOLVEX_NOEXCEPT;
 
+/* 3-D axis system and projection */
+KOLVEX_API void abs3pt(double x, double y, double z, double *xp, double *yp) KOLVEX_NOEXCEPT;
+KOLVEX_API void axis3d(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API void box2d(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void box3d(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void clip3d(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void conn3d(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API void flab3d(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor, double ystp, double za, double ze, double zor, double zstp) KOLVEX_NOEXCEPT;
+KOLVEX_API void grffin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void grfini(double x1, double y1, double z1, double x2, double y2, double z2, double x3, double y3, double z3) KOLVEX_NOEXCEPT;
+KOLVEX_API void grid3d(int nx, int ny, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void labl3d(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void pos3pt(double x, double y, double z, double *xp, double *yp, double *zp) KOLVEX_NOEXCEPT;
+KOLVEX_API void proj3d(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void rel3pt(double x, double y, double z, double *xp, double *yp) KOLVEX_NOEXCEPT;
+KOLVEX_API void strt3d(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API void vang3d(double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API void vclp3d(double xnear, double xfar) KOLVEX_NOEXCEPT;
+KOLVEX_API void vfoc3d(double x, double y, double z, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void view3d(double x, double y, double z, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void vup3d(double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API double x3dabs(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API double x3dpos(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API double x3drel(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API double y3dabs(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API double y3dpos(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API double y3drel(double x, double y, double z) KOLVEX_NOEXCEPT;
+KOLVEX_API float z3dpos(double x, double y, double z) KOLVEX_NOEXCEPT;
+
+/* Z-buffer, lighting and shaded surfaces */
+KOLVEX_API void dbffin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int dbfini(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void dbfmod(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void light(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void litmod(int id, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void litop3(int id, double xr, double xg, double xb, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void litopt(int id, double xval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void litpos(int id, double x, double y, double z, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void matop3(double xr, double xg, double xb, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void matopt(double xval, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void mshclr(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void mshcrv(int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void setfce(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void shdmod(const char *copt, const char *ctype) KOLVEX_NOEXCEPT;
+KOLVEX_API void surmsh(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void surshc(const double *xray, int n, const double *yray, int m, const double *zmat, const double *cmat) KOLVEX_NOEXCEPT;
+KOLVEX_API void surshd(const double *xray, int n, const double *yray, int m, const double *zmat) KOLVEX_NOEXCEPT;
+KOLVEX_API void surtri(const double *xray, const double *yray, const double *zray, int n, const int *i1ray, const int *i2ray, const int *i3ray, int ntri) KOLVEX_NOEXCEPT;
+KOLVEX_API void zbfers(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void zbffin(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int zbfini(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void zbflin(double x1, double y1, double z1, double x2, double y2, double z2) KOLVEX_NOEXCEPT;
+KOLVEX_API void zbfmod(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void zbfres(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void zbfscl(double x) KOLVEX_NOEXCEPT;
+KOLVEX_API void zbftri(const double *xray, const double *yray, const double *zray, const int *iclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void zscale(double zmin, double zmax) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

@@ -24,6 +24,8 @@
 #include "axes/axes_state.h"
 #include "plots/shield_state.h"
 #include "fields/contour_state.h"
+#include "plots/zscale_state.h"
+#include "space/space_state.h"
 
 struct glbblk {
     CoreState core;       // call frame, level, page
@@ -44,4 +46,6 @@ struct glbblk {
     ShieldState shl;      // shield regions
     LegendState leg;      // legend lines, layout and curve records
     ContourState con;     // contour labelling and the contour pen
+    ZScaleState zsc;      // the z colour scale
+    SpaceState sp;        // 3-D axis system, z-buffer, lights, surfaces
 };

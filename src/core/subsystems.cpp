@@ -19,6 +19,8 @@ extern const Subsystem kxsub_curves;
 extern const Subsystem kxsub_shields;
 extern const Subsystem kxsub_contours;
 extern const Subsystem kxsub_postscript;
+extern const Subsystem kxsub_zscale;
+extern const Subsystem kxsub_space;
 
 namespace {
 
@@ -43,6 +45,8 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_curves,
     &kxsub_shields,
     &kxsub_contours,
+    &kxsub_zscale,
+    &kxsub_space,
 };
 
 }  // namespace

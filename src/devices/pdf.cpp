@@ -31,7 +31,7 @@
 #include "devices/pdf_doc.h"
 #include "devices/vector.h"
 #include "kolvex.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 
 namespace {
 

@@ -1,0 +1,717 @@
+// Shaded surfaces: the light model, the material, the mesh settings and
+// the surface routines that turn a grid or a triangle list into polygons
+// for the triangle path.
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "axes/axes.h"
+#include "core/family.h"
+#include "core/glbblk.h"
+#include "core/guard.h"
+#include "core/keywords.h"
+#include "core/subsystems.h"
+#include "core/warnings.h"
+#include "devices/device.h"
+#include "kolvex.h"
+#include "plots/fill.h"
+#include "plots/patterns.h"
+#include "plots/zscale.h"
+#include "raster/canvas.h"
+#include "raster/colour.h"
+#include "space/space.h"
+
+namespace {
+
+const double kPi = 3.1415927;
+
+void defaults(glbblk *b) {
+    SpaceState &s = b->sp;
+    std::free(s.zbuf);
+    std::free(s.dpol);
+    std::free(s.dpts);
+    s = SpaceState{};
+    s.len[0] = s.len[1] = s.len[2] = 2;
+    s.vang = 0.24497869610786438;
+    s.vnear = 1.0;
+    s.vfar = -1.0;
+    s.oscl = 1.0;
+    s.flab = 1;
+    s.zact = 1;
+    s.dact = 1;
+    s.zscl = 1.5;
+    s.zbias = 0.001f;
+    s.cull = 1;
+    s.mshclr[0] = s.mshclr[1] = -1;
+    s.side = 2;
+    s.surclr[0] = s.surclr[1] = -1;
+    for (int k = 0; k < 8; ++k) {
+        Light3 &l = s.lit[k];
+        l.on = k == 0;
+        l.pos[0] = 4;
+        l.pos[1] = -5;
+        l.pos[2] = 4;
+        l.mode = 1;
+        for (int c = 0; c < 3; ++c) {
+            l.amb[c] = 0;
+            l.dif[c] = 1;
+            l.spc[c] = 1;
+        }
+        l.att[0] = 1;
+    }
+    for (auto &m : s.mat) {
+        for (int c = 0; c < 3; ++c) {
+            m.amb[c] = 0.20000000298023224;
+            m.dif[c] = 0.800000011920929;
+            m.spc[c] = 0;
+        }
+        m.expo = 0;
+    }
+    for (double &c : s.scene) c = 0.20000000298023224;
+}
+
+void on_endgrf(glbblk *b) {
+    // endgrf inside a plane ends only the 2-D system drawn there.
+    if (b->sp.plane) return;
+    b->sp.open = 0;
+    b->dev.pl3on = 0;
+}
+
+void space_init(glbblk *b) {
+    defaults(b);
+    qqaxhook(b, on_endgrf);
+}
+
+void space_release(glbblk *b) {
+    SpaceState &s = b->sp;
+    std::free(s.zbuf);
+    std::free(s.dpol);
+    std::free(s.dpts);
+    s.zbuf = nullptr;
+    s.dpol = nullptr;
+    s.dpts = nullptr;
+}
+
+void space_end(glbblk *b) {
+    qqdbfclose(b);
+    qqzbfclose(b);
+}
+
+void sides(glbblk *b, int *lo, int *hi) {
+    int s = b->sp.side;
+    *lo = s == 1 ? 1 : 0;
+    *hi = s == 0 ? 0 : 1;
+}
+
+bool negative(glbblk *b, double v) {
+    if (v < 0) {
+        qqwar0(b, 1);
+        return true;
+    }
+    return false;
+}
+
+bool light_index(glbblk *b, int k) {
+    if (k < 1 || k > 8) {
+        qqwarn(b, 2, k);
+        return false;
+    }
+    return true;
+}
+
+// ---------------------------------------------------------------------------
+// The cell pass.
+
+struct Grid {
+    const double *x, *y, *z, *c;  // c: colour values, or z
+    int n, m;
+};
+
+void absp(glbblk *b, const Grid &g, int i, int j, double p[3]) {
+    p[0] = qqusr2abs(b, 0, g.x[i]);
+    p[1] = qqusr2abs(b, 1, g.y[j]);
+    p[2] = qqusr2abs(b, 2, g.z[(size_t)i * g.m + j]);
+}
+
+void normal(const double *p1, const double *p2, const double *p3, int back, double n[3]) {
+    if (back) std::swap(p1, p3);
+    double a[3] = {p2[0] - p1[0], p2[1] - p1[1], p2[2] - p1[2]};
+    double c[3] = {p3[0] - p2[0], p3[1] - p2[1], p3[2] - p2[2]};
+    n[0] = a[1] * c[2] - a[2] * c[1];
+    n[1] = a[2] * c[0] - a[0] * c[2];
+    n[2] = a[0] * c[1] - a[1] * c[0];
+    double l = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+    if (l > 1e-35)
+        for (int k = 0; k < 3; ++k) n[k] /= l;
+}
+
+// 1 when the face turns away from the eye, else 2.
+int facing(const glbblk *b, const double *p1, const double *p2, const double *p3, int back) {
+    const SpaceState &s = b->sp;
+    double n[3];
+    normal(p1, p2, p3, back, n);
+    double v[3];
+    if (s.proj == 1) {
+        v[0] = s.fx - s.ex;
+        v[1] = s.fy - s.ey;
+        v[2] = s.fz - s.ez;
+    } else {
+        v[0] = (p1[0] + p3[0]) / 2 - s.ex;
+        v[1] = (p1[1] + p3[1]) / 2 - s.ey;
+        v[2] = (p1[2] + p3[2]) / 2 - s.ez;
+    }
+    return v[0] * n[0] + v[1] * n[1] + v[2] * n[2] > 0 ? 1 : 2;
+}
+
+bool finite3(const double *p) {
+    return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+}
+
+void rgb_of(glbblk *b, int clr, double c[3]) {
+    int r, g, bl;
+    qqclrrgb(b, clr, &r, &g, &bl);
+    c[0] = r / 255.0;
+    c[1] = g / 255.0;
+    c[2] = bl / 255.0;
+}
+
+// The light at grid corner (i, j) with the normal of cell (ci, cj).
+bool cell_normal(glbblk *b, const Grid &g, int ci, int cj, int back, double n[3]) {
+    if (ci < 0 || cj < 0 || ci >= g.n - 1 || cj >= g.m - 1) return false;
+    double p0[3], p1[3], p2[3];
+    absp(b, g, ci, cj, p0);
+    absp(b, g, ci + 1, cj, p1);
+    absp(b, g, ci + 1, cj + 1, p2);
+    if (!finite3(p0) || !finite3(p1) || !finite3(p2)) return false;
+    normal(p0, p1, p2, back, n);
+    return true;
+}
+
+void cell_pass(glbblk *b, const Grid &g, int back) {
+    SpaceState &s = b->sp;
+    int savclr = b->dev.curclr;
+    s.curmesh = s.mshclr[back] == -1 ? savclr : s.mshclr[back];
+    bool lights = s.lights != 0;
+    bool smooth = s.shade == 1;
+    bool pix = qqzpix(b) != 0;
+    double flat[3];
+    int flatclr = savclr;
+    if (s.mesh == 2) flatclr = b->clr.bckclr;
+    if (s.surclrset && !lights && s.surclr[back] != -1) flatclr = s.surclr[back];
+    rgb_of(b, flatclr, flat);
+    for (int i = 0; i + 1 < g.n; ++i)
+        for (int j = 0; j + 1 < g.m; ++j) {
+            int ci[4] = {i, i + 1, i + 1, i}, cj[4] = {j, j, j + 1, j + 1};
+            double P[4][3];
+            bool ok = true;
+            for (int k = 0; k < 4 && ok; ++k) {
+                absp(b, g, ci[k], cj[k], P[k]);
+                ok = finite3(P[k]) && std::isfinite(g.c[(size_t)ci[k] * g.m + cj[k]]);
+            }
+            if (!ok) continue;  // a hole in the surface
+            if (s.cull != 0 && facing(b, P[0], P[1], P[2], back) == s.cull) continue;
+            if (s.mesh == 3 || s.mesh == 4) {
+                if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
+                for (int k = 0; k < 4; ++k) {
+                    const double *a = P[k], *e = P[(k + 1) % 4];
+                    qqmov3(b, a[0], a[1], a[2]);
+                    if (s.mesh == 3)
+                        qqdrw3(b, e[0], e[1], e[2]);
+                    else
+                        qqdrw3(b, a[0], a[1], a[2]);
+                }
+                qqflsh(b);
+                continue;
+            }
+            double r[4], gg[4], bl[4];
+            double val[4];
+            for (int k = 0; k < 4; ++k) val[k] = g.c[(size_t)ci[k] * g.m + cj[k]];
+            if (s.mesh == 2) {
+                for (int k = 0; k < 4; ++k) {
+                    r[k] = flat[0];
+                    gg[k] = flat[1];
+                    bl[k] = flat[2];
+                }
+            } else if (!lights) {
+                if (s.zsca == 1) {
+                    for (int k = 0; k < 4; ++k) {
+                        r[k] = flat[0];
+                        gg[k] = flat[1];
+                        bl[k] = flat[2];
+                    }
+                } else if (smooth) {
+                    for (int k = 0; k < 4; ++k) qqzrgb(b, val[k], &r[k], &gg[k], &bl[k]);
+                } else {
+                    double mean = (val[0] + val[1] + val[2] + val[3]) / 4, c[3];
+                    qqzrgb(b, mean, &c[0], &c[1], &c[2]);
+                    for (int k = 0; k < 4; ++k) {
+                        r[k] = c[0];
+                        gg[k] = c[1];
+                        bl[k] = c[2];
+                    }
+                }
+            } else {
+                double nf[3];
+                normal(P[0], P[1], P[2], back, nf);
+                double acc[3] = {0, 0, 0};
+                for (int k = 0; k < 4; ++k) {
+                    double dif[3], *dp = nullptr;
+                    if (s.zsca == 0) {
+                        qqzrgb(b, val[k], &dif[0], &dif[1], &dif[2]);
+                        dp = dif;
+                    }
+                    double out[3] = {0, 0, 0};
+                    if (smooth) {
+                        int cnt = 0;
+                        for (int di = -1; di <= 0; ++di)
+                            for (int dj = -1; dj <= 0; ++dj) {
+                                double nn[3], o[3];
+                                if (!cell_normal(b, g, ci[k] + di, cj[k] + dj, back, nn)) continue;
+                                qqlight(b, P[k], nn, back, dp, o);
+                                for (int q = 0; q < 3; ++q) out[q] += o[q];
+                                ++cnt;
+                            }
+                        if (cnt)
+                            for (double &q : out) q /= cnt;
+                    } else {
+                        qqlight(b, P[k], nf, back, dp, out);
+                    }
+                    r[k] = out[0];
+                    gg[k] = out[1];
+                    bl[k] = out[2];
+                    for (int q = 0; q < 3; ++q) acc[q] += out[q];
+                }
+                if (!smooth)
+                    for (int k = 0; k < 4; ++k) {
+                        r[k] = acc[0] / 4;
+                        gg[k] = acc[1] / 4;
+                        bl[k] = acc[2] / 4;
+                    }
+            }
+            int clr;
+            if (!pix) {
+                double mr = (r[0] + r[1] + r[2] + r[3]) / 4,
+                       mg = (gg[0] + gg[1] + gg[2] + gg[3]) / 4,
+                       mb = (bl[0] + bl[1] + bl[2] + bl[3]) / 4;
+                if (!lights && s.mesh != 2 && s.zsca == 0)
+                    clr = qqzclr(b, (val[0] + val[1] + val[2] + val[3]) / 4);
+                else if (s.mesh == 2 || s.zsca == 1)
+                    clr = flatclr;
+                else
+                    clr = qqnearest(b, (int)(mr * 255 + 0.5), (int)(mg * 255 + 0.5),
+                                    (int)(mb * 255 + 0.5));
+            } else {
+                clr = savclr;
+            }
+            double X[4], Y[4], Z[4];
+            for (int k = 0; k < 4; ++k) {
+                X[k] = P[k][0];
+                Y[k] = P[k][1];
+                Z[k] = P[k][2];
+            }
+            qqtri3(b, X, Y, Z, 4, r, gg, bl, clr);
+        }
+    if (b->dev.curclr != savclr) qqsetc(b, savclr);
+}
+
+void swap_sides(SpaceState &s) {
+    std::swap(s.mshclr[0], s.mshclr[1]);
+    std::swap(s.surclr[0], s.surclr[1]);
+}
+
+// The frame that every surface routine shares; returns after drawing.
+void surface(glbblk *b, const Grid &g, long long ncells) {
+    SpaceState &s = b->sp;
+    if (g.n < 2 || g.m < 2) {
+        qqwarn(b, 2, g.n < 2 ? g.n : g.m);
+        return;
+    }
+    if (!s.open) {
+        qqwar0(b, 35);
+        return;
+    }
+    if (s.shade == 1 && qqdevkind(b) == QQ_KIND_FILE) {
+        qqwar0(b, 40);
+        return;
+    }
+    bool zown = false, down = false;
+    int savpat = b->sty.patnum;
+    if (s.shade == 1) {
+        if (!s.zopen) {
+            if (qqzbfopen(b)) return;
+            zown = true;
+        }
+    } else if (!s.zopen && !b->cnv.imgact && s.mesh < 3) {
+        if (!s.dopen) {
+            if (qqdbfopen(b, s.survis == 0 || s.survis == 3 ? 2 * ncells : ncells)) return;
+            down = true;
+        }
+        qqshdpat(b, 16);
+    }
+    qqflsh(b);
+    // The back side runs first, with the sides' attributes exchanged.
+    if (s.survis != 1) {
+        swap_sides(s);
+        cell_pass(b, g, 1);
+        swap_sides(s);
+    }
+    if (s.survis != 2) cell_pass(b, g, 0);
+    if (down) qqdbfclose(b);
+    if (zown) qqzbfclose(b);
+    if (b->sty.patnum != savpat) qqshdpat(b, savpat);
+}
+
+void colour_scale(glbblk *b, const double *c, size_t n, bool own) {
+    double za, ze;
+    if (qqzuser(b, &za, &ze)) {
+        qqzscl(b, za, ze);
+        return;
+    }
+    if (own) {
+        double lo = INFINITY, hi = -INFINITY;
+        for (size_t i = 0; i < n; ++i)
+            if (std::isfinite(c[i])) {
+                lo = std::min(lo, c[i]);
+                hi = std::max(hi, c[i]);
+            }
+        if (lo <= hi) {
+            qqzscl(b, lo, hi);
+            return;
+        }
+    }
+    qqzscl(b, b->sp.a[2], b->sp.e[2]);
+}
+
+}  // namespace
+
+extern const Subsystem kxsub_space = {"space",       defaults, space_init,
+                                      space_release, nullptr,  space_end};
+
+void qqlitabs(glbblk *b, int k) noexcept {
+    Light3 &l = b->sp.lit[k];
+    if (!b->sp.open && b->core.level < 3) return;
+    if (l.mode == 2) {
+        for (int i = 0; i < 3; ++i) l.pos[i] = qqusr2abs(b, i, l.pos[i]);
+        l.mode = 1;
+    } else if (l.mode == 3) {
+        double a = l.pos[0] * kPi / 180, bb = l.pos[1] * kPi / 180, r = l.pos[2];
+        l.pos[2] = r * std::sin(bb);
+        l.pos[0] = r * std::cos(bb) * std::sin(a);
+        l.pos[1] = r * std::cos(bb) * std::cos(a);
+        l.mode = 1;
+    }
+}
+
+void qqlight(const glbblk *b, const double p[3], const double N[3], int side, const double *dif,
+             double out[3]) noexcept {
+    const SpaceState &s = b->sp;
+    const Material3 &m = s.mat[side];
+    const double *md = dif ? dif : m.dif;
+    double C[3];
+    for (int c = 0; c < 3; ++c) C[c] = s.scene[c] * m.amb[c];
+    double V[3] = {s.ex - p[0], s.ey - p[1], s.ez - p[2]};
+    double vl = std::sqrt(V[0] * V[0] + V[1] * V[1] + V[2] * V[2]);
+    if (vl > 1e-35)
+        for (double &v : V) v /= vl;
+    for (int k = 0; k < 8; ++k) {
+        const Light3 &L = s.lit[k];
+        if (!L.on) continue;
+        double l[3] = {L.pos[0] - p[0], L.pos[1] - p[1], L.pos[2] - p[2]};
+        double d = std::sqrt(l[0] * l[0] + l[1] * l[1] + l[2] * l[2]);
+        if (d > 1e-35)
+            for (double &v : l) v /= d;
+        double a = L.att[0] + d * L.att[1] + d * d * L.att[2];
+        if (!(a > 0)) a = 1e-10;
+        double c = N[0] * l[0] + N[1] * l[1] + N[2] * l[2];
+        double R[3] = {2 * c * N[0] - l[0], 2 * c * N[1] - l[1], 2 * c * N[2] - l[2]};
+        double r = R[0] * V[0] + R[1] * V[1] + R[2] * V[2];
+        for (int q = 0; q < 3; ++q) {
+            double D = c >= 0 ? L.dif[q] * md[q] * c : 0;
+            double sp = m.spc[q] * L.spc[q];
+            double S = sp > 1e-35 && c > 1e-7 && r > 0 ? sp * std::pow(r, m.expo) : 0;
+            C[q] += (m.amb[q] * L.amb[q] + D + S) / a;
+        }
+    }
+    for (int q = 0; q < 3; ++q) out[q] = C[q] > 1.0 ? 1.0 : C[q] < 0 ? 0 : C[q];
+}
+
+// ---------------------------------------------------------------------------
+// Surface routines.
+
+void surshd(const double *xray, int n, const double *yray, int m, const double *zmat) noexcept {
+    glbblk *b = KX_ENTRY("surshd");
+    if (!b) return;
+    if (n >= 2 && m >= 2 && b->sp.open) colour_scale(b, zmat, (size_t)n * m, false);
+    Grid g{xray, yray, zmat, zmat, n, m};
+    surface(b, g, (long long)n * m);
+}
+
+void surshc(const double *xray, int n, const double *yray, int m, const double *zmat,
+            const double *cmat) noexcept {
+    glbblk *b = KX_ENTRY("surshc");
+    if (!b) return;
+    if (n >= 2 && m >= 2 && b->sp.open) colour_scale(b, cmat, (size_t)n * m, true);
+    Grid g{xray, yray, zmat, cmat, n, m};
+    surface(b, g, (long long)n * m);
+}
+
+void surtri(const double *xray, const double *yray, const double *zray, int n, const int *i1,
+            const int *i2, const int *i3, int ntri) noexcept {
+    glbblk *b = KX_ENTRY("surtri");
+    if (!b) return;
+    SpaceState &s = b->sp;
+    if (n < 3 || ntri < 1) {
+        qqwarn(b, 2, n < 3 ? n : ntri);
+        return;
+    }
+    if (!s.open) {
+        qqwar0(b, 35);
+        return;
+    }
+    if (s.shade == 1 && qqdevkind(b) == QQ_KIND_FILE) {
+        qqwar0(b, 40);
+        return;
+    }
+    colour_scale(b, zray, (size_t)n, false);
+    bool zown = false, down = false;
+    if (s.shade == 1 && !s.zopen) {
+        if (qqzbfopen(b)) return;
+        zown = true;
+    } else if (s.shade == 0 && !s.zopen && !b->cnv.imgact && s.mesh < 3 && !s.dopen) {
+        if (qqdbfopen(b, 2LL * ntri)) return;
+        down = true;
+    }
+    int savclr = b->dev.curclr;
+    bool pix = qqzpix(b) != 0;
+    for (int side = 1; side >= 0; --side) {
+        if ((side == 1 && s.survis == 1) || (side == 0 && s.survis == 2)) continue;
+        if (side == 1) swap_sides(s);
+        s.curmesh = s.mshclr[side] == -1 ? savclr : s.mshclr[side];
+        for (int t = 0; t < ntri; ++t) {
+            int id[3] = {i1[t] - 1, i2[t] - 1, i3[t] - 1};
+            if (id[0] < 0 || id[1] < 0 || id[2] < 0 || id[0] >= n || id[1] >= n || id[2] >= n)
+                continue;
+            double P[3][3], X[3], Y[3], Z[3], r[3], g[3], bl[3];
+            bool ok = true;
+            for (int k = 0; k < 3; ++k) {
+                P[k][0] = X[k] = qqusr2abs(b, 0, xray[id[k]]);
+                P[k][1] = Y[k] = qqusr2abs(b, 1, yray[id[k]]);
+                P[k][2] = Z[k] = qqusr2abs(b, 2, zray[id[k]]);
+                ok = ok && finite3(P[k]);
+            }
+            if (!ok) continue;
+            if (s.cull != 0 && facing(b, P[0], P[1], P[2], side) == s.cull) continue;
+            double nrm[3];
+            normal(P[0], P[1], P[2], side, nrm);
+            double mean = (zray[id[0]] + zray[id[1]] + zray[id[2]]) / 3;
+            for (int k = 0; k < 3; ++k) {
+                double zv = s.shade == 1 ? zray[id[k]] : mean, c[3];
+                qqzrgb(b, zv, &c[0], &c[1], &c[2]);
+                if (s.lights) qqlight(b, P[k], nrm, side, s.zsca == 0 ? c : nullptr, c);
+                r[k] = c[0];
+                g[k] = c[1];
+                bl[k] = c[2];
+            }
+            int clr = pix        ? savclr
+                      : s.lights ? qqnearest(b, (int)((r[0] + r[1] + r[2]) / 3 * 255 + 0.5),
+                                             (int)((g[0] + g[1] + g[2]) / 3 * 255 + 0.5),
+                                             (int)((bl[0] + bl[1] + bl[2]) / 3 * 255 + 0.5))
+                                 : qqzclr(b, mean);
+            qqtri3(b, X, Y, Z, 3, r, g, bl, clr);
+        }
+        if (side == 1) swap_sides(s);
+    }
+    if (down) qqdbfclose(b);
+    if (zown) qqzbfclose(b);
+    if (b->dev.curclr != savclr) qqsetc(b, savclr);
+}
+
+// The parametric surface waits for the callback bridge of the binding: a
+// core entry that takes the function pointer is ready; the Python method
+// answers with warning 35 outside graf3d and otherwise draws nothing yet.
+void qqsurfcp(glbblk *b, double (*fn)(double, double, int, void *), void *ctx, double pmin,
+              double pmax, double pstp, double qmin, double qmax, double qstp) noexcept {
+    if (!b->sp.open) {
+        qqwar0(b, 35);
+        return;
+    }
+    if (!fn || !(pstp > 0) || !(qstp > 0) || !(pmax >= pmin) || !(qmax >= qmin)) {
+        qqwar0(b, 2);
+        return;
+    }
+    double np = std::floor((pmax - pmin) / pstp + 1e-9) + 1,
+           nq = std::floor((qmax - qmin) / qstp + 1e-9) + 1;
+    if (np < 2 || nq < 2 || np * nq > 4e7) {
+        qqwarn(b, 2, (int)std::min(np, 1e9));
+        return;
+    }
+    int n = (int)np, m = (int)nq;
+    size_t cnt = (size_t)n * m;
+    double *buf = (double *)std::malloc(sizeof(double) * cnt * 3);
+    if (!buf) {
+        qqwar0(b, 53);
+        return;
+    }
+    // x, y and z of every grid point (p, q), in user coordinates.
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < m; ++j) {
+            double p = pmin + i * pstp, q = qmin + j * qstp;
+            for (int k = 0; k < 3; ++k) buf[k * cnt + (size_t)i * m + j] = fn(p, q, k + 1, ctx);
+        }
+    // Triangles of the grid, two per cell.
+    size_t nt = 2 * (size_t)(n - 1) * (m - 1);
+    int *tri = (int *)std::malloc(sizeof(int) * nt * 3);
+    if (!tri) {
+        std::free(buf);
+        qqwar0(b, 53);
+        return;
+    }
+    size_t t = 0;
+    for (int i = 0; i + 1 < n; ++i)
+        for (int j = 0; j + 1 < m; ++j) {
+            int c0 = i * m + j + 1, c1 = (i + 1) * m + j + 1, c2 = (i + 1) * m + j + 2,
+                c3 = i * m + j + 2;
+            tri[t] = c0, tri[nt + t] = c1, tri[2 * nt + t] = c2, ++t;
+            tri[t] = c0, tri[nt + t] = c2, tri[2 * nt + t] = c3, ++t;
+        }
+    surtri(buf, buf + cnt, buf + 2 * cnt, (int)cnt, tri, tri + nt, tri + 2 * nt, (int)nt);
+    std::free(tri);
+    std::free(buf);
+}
+
+// ---------------------------------------------------------------------------
+// Settings.
+
+void light(const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("light");
+    if (!b) return;
+    int k = qqkey(b, "OFF +ON  ", 2, copt);
+    if (k > 0) b->sp.lights = k - 1;
+}
+
+void litmod(int id, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("litmod");
+    if (!b || !light_index(b, id)) return;
+    int k = qqkey(b, "OFF +ON  ", 2, copt);
+    if (k > 0) b->sp.lit[id - 1].on = k - 1;
+}
+
+void litpos(int id, double x, double y, double z, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("litpos");
+    if (!b || !light_index(b, id)) return;
+    int k = qqkey(b, "ABS +USER+ANGL", 3, copt);
+    if (k < 1) return;
+    Light3 &l = b->sp.lit[id - 1];
+    l.pos[0] = x;
+    l.pos[1] = y;
+    l.pos[2] = z;
+    l.mode = k;
+    if (b->sp.open) qqlitabs(b, id - 1);
+}
+
+void litopt(int id, double xval, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("litopt");
+    if (!b || !light_index(b, id)) return;
+    int k = qqkey(b, "AMBI+DIFF+SPEC+CONS+LINE+QUAD", 6, copt);
+    if (k < 1 || negative(b, xval)) return;
+    Light3 &l = b->sp.lit[id - 1];
+    if (k <= 3) {
+        double *t = k == 1 ? l.amb : k == 2 ? l.dif : l.spc;
+        t[0] = t[1] = t[2] = xval;
+    } else {
+        if (k == 4 && xval == 0) xval = 1e-10;
+        l.att[k - 4] = xval;
+    }
+}
+
+void litop3(int id, double xr, double xg, double xb, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("litop3");
+    if (!b || !light_index(b, id)) return;
+    int k = qqkey(b, "AMBI+DIFF+SPEC", 3, copt);
+    if (k < 1 || negative(b, xr) || negative(b, xg) || negative(b, xb)) return;
+    Light3 &l = b->sp.lit[id - 1];
+    double *t = k == 1 ? l.amb : k == 2 ? l.dif : l.spc;
+    t[0] = xr;
+    t[1] = xg;
+    t[2] = xb;
+}
+
+void matopt(double xval, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("matopt");
+    if (!b) return;
+    int k = qqkey(b, "AMBI+DIFF+SPEC+EXPO", 4, copt);
+    if (k < 1 || negative(b, xval)) return;
+    int lo, hi;
+    sides(b, &lo, &hi);
+    for (int s = lo; s <= hi; ++s) {
+        Material3 &m = b->sp.mat[s];
+        if (k == 4) {
+            m.expo = xval;
+            continue;
+        }
+        double *t = k == 1 ? m.amb : k == 2 ? m.dif : m.spc;
+        t[0] = t[1] = t[2] = xval;
+    }
+}
+
+void matop3(double xr, double xg, double xb, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("matop3");
+    if (!b) return;
+    int k = qqkey(b, "AMBI+DIFF+SPEC", 3, copt);
+    if (k < 1 || negative(b, xr) || negative(b, xg) || negative(b, xb)) return;
+    int lo, hi;
+    sides(b, &lo, &hi);
+    for (int s = lo; s <= hi; ++s) {
+        Material3 &m = b->sp.mat[s];
+        double *t = k == 1 ? m.amb : k == 2 ? m.dif : m.spc;
+        t[0] = xr;
+        t[1] = xg;
+        t[2] = xb;
+    }
+}
+
+void setfce(const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("setfce");
+    if (!b) return;
+    int k = qqkey(b, "TOP +BOTT+BOTH", 3, copt);
+    if (k > 0) b->sp.side = k - 1;
+}
+
+void mshclr(int nclr) noexcept {
+    glbblk *b = KX_ENTRY("mshclr");
+    if (!b) return;
+    int lo, hi;
+    sides(b, &lo, &hi);
+    for (int s = lo; s <= hi; ++s) b->sp.mshclr[s] = nclr;
+}
+
+void mshcrv(int n) noexcept {
+    glbblk *b = KX_ENTRY("mshcrv");
+    if (b) b->sp.mshcrv = n < 4 ? 0 : n;
+}
+
+void surmsh(const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("surmsh");
+    if (!b) return;
+    int k = qqkey(b, "OFF +ON  +ONLY+LINE+POIN", 5, copt);
+    if (k > 0) b->sp.mesh = k - 1;
+}
+
+void shdmod(const char *copt, const char *ctype) noexcept {
+    glbblk *b = KX_ENTRY("shdmod");
+    if (!b) return;
+    int t = qqkey(b, "SURF+CULL+ZSCA", 3, ctype);
+    if (t < 1) return;
+    SpaceState &s = b->sp;
+    if (t == 1) {
+        int k = qqkey(b, "FLAT+SMOO", 2, copt);
+        if (k > 0) s.shade = k - 1;
+    } else if (t == 2) {
+        int k = qqkey(b, "OFF +ON  +FRON", 3, copt);
+        if (k > 0) s.cull = k - 1;
+    } else {
+        int k = qqkey(b, "ON  +OFF ", 2, copt);
+        if (k > 0) s.zsca = k - 1;
+    }
+}

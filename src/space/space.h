@@ -1,0 +1,44 @@
+// The 3-D axis system as the surface, solid and curve routines see it:
+// coordinate conversions, the projection, the 3-D pen and the triangle
+// path.  Valid between graf3d and endgrf (SpaceState::open).
+#pragma once
+
+struct glbblk;
+
+// User to absolute 3-D coordinates of one axis (0 X, 1 Y, 2 Z) and back.
+double qqusr2abs(const glbblk *b, int axis, double v) noexcept;
+double qqabs2usr(const glbblk *b, int axis, double v) noexcept;
+// Applies the matrix: X, Y, Z, W of an absolute point.
+void qqclip4(const glbblk *b, const double p[3], double out[4]) noexcept;
+// Absolute point to plot coordinates; the depth Z/W when depth is not null.
+void qqabs2plot(const glbblk *b, double x, double y, double z, double *xp, double *yp,
+                double *depth) noexcept;
+// The 3-D pen, absolute coordinates, with the clipping of clip3d.
+void qqmov3(glbblk *b, double x, double y, double z) noexcept;
+void qqdrw3(glbblk *b, double x, double y, double z) noexcept;
+
+// A polygon of 3 or 4 vertices in absolute coordinates, colours per vertex
+// in 0 to 1, an equivalent colour value for output without a z-buffer.
+void qqtri3(glbblk *b, const double *x, const double *y, const double *z, int n, const double *r,
+            const double *g, const double *bl, int clr) noexcept;
+// A depth-tested line on the z-buffer, absolute coordinates, current colour.
+void qqzlin3(glbblk *b, const double p0[3], const double p1[3]) noexcept;
+// Whether triangles go to a z-buffer or to image mode (pixels).
+int qqzpix(const glbblk *b) noexcept;
+// Opens and closes the z-buffer without the level rules (surface routines).
+int qqzbfopen(glbblk *b) noexcept;
+void qqzbfclose(glbblk *b) noexcept;
+int qqdbfopen(glbblk *b, long long ntri) noexcept;
+void qqdbfclose(glbblk *b) noexcept;
+// Light positions of mode USER or ANGL to absolute (graf3d, litpos).
+void qqlitabs(glbblk *b, int k) noexcept;
+// The light model at point p with unit normal nrm; side 0 front, 1 back;
+// the material diffuse colour may be replaced by dif (null: the material's).
+void qqlight(const glbblk *b, const double p[3], const double nrm[3], int side, const double *dif,
+             double out[3]) noexcept;
+// Cuts a segment to the box of the axis system; 0 when nothing is left.
+int qqclipbox(const glbblk *b, double p0[3], double p1[3]) noexcept;
+// The parametric surface: fn(p, q, iopt, ctx) gives x, y or z of the point
+// for iopt 1, 2, 3 (the binding's callback bridge calls this).
+void qqsurfcp(glbblk *b, double (*fn)(double, double, int, void *), void *ctx, double pmin,
+              double pmax, double pstp, double qmin, double qmax, double qstp) noexcept;

@@ -1,0 +1,213 @@
+"""The 3-D axis system and shaded surfaces: the projection against the
+matrices built from the camera, the native metafile's coordinates of a 3-D
+line, occlusion on the z-buffer, the light model's settings and bad input."""
+import math
+
+import numpy as np
+import pytest
+
+import kolvex
+from axes_support import read_plog
+
+X0, Y0, XL, YL = 494, 1799, 1980, 1400   # defaults of the DA4L page
+
+
+def warnings_of(capfd):
+    return [l for l in capfd.readouterr().out.splitlines() if l.startswith(" <<<< Warning")]
+
+
+def plog(name="s.met"):
+    kolvex.metafl("PLOG")
+    kolvex.setfil(name)
+    kolvex.filmod("DELE")
+    kolvex.kolini()
+
+
+def camera(eye, foc=(0, 0, 0), up=0.0, half=0.24497869610786438, near=1.0):
+    """The matrix of the camera, written out from the rules of the view."""
+    ex, ey, ez = eye
+    a, b, c = ex - foc[0], ey - foc[1], ez - foc[2]
+    h = math.hypot(a, b)
+    cu, su = math.cos(up), math.sin(up)
+    if h < 1e-6:
+        X = [cu, -su, 0, su * ey - cu * ex]
+        Y = [su, cu, 0, -(su * ex) - cu * ey]
+        Z = [0, 0, -1, ez]
+    else:
+        L = math.hypot(h, c)
+        p, q, t, w = b / h, a / h, c / L, h / L
+        g, k = p * ex - q * ey, -(q * ex) - p * ey
+        m = -(w * ez) - k * t
+        X = [t * q * su - p * cu, t * p * su + q * cu, -(w * su), g * cu - m * su]
+        Y = [-(p * su) - t * q * cu, q * su - t * p * cu, w * cu, m * cu + g * su]
+        Z = [-(w * q), -(w * p), -t, t * ez - k * w]
+    T = math.tan(half)
+    W = np.array(Z) * T
+    return np.array(X), np.array(Y), W
+
+
+def project(M, pt):
+    X, Y, W = M
+    v = np.array([*pt, 1.0])
+    s = min(XL, YL) / 2
+    cx, cy = X0 + XL / 2, Y0 - YL / 2
+    return cx + s * (X @ v) / (W @ v), cy - s * (Y @ v) / (W @ v)
+
+
+POINTS = [(0, 0, 0), (1, 1, 1), (-1, 0.5, -1), (0.3, -0.7, 0.9)]
+
+
+@pytest.mark.parametrize("view, eye", [
+    (None, (4, -5, 4)),                           # the default eye of a 2, 2, 2 box
+    ((30, 30, 6, "ANGL"), (6 * math.cos(math.pi / 6) * 0.5, 6 * math.cos(math.pi / 6) * math.cos(math.pi / 6), 3)),
+    ((0, 0, 7, "ABS"), (0, 0, 7)),               # straight above: the other matrix
+])
+def test_projection_follows_the_camera(view, eye):
+    plog()
+    if view:
+        kolvex.view3d(*view)
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    M = camera(eye)
+    for p in POINTS:
+        want = project(M, p)
+        assert kolvex.abs3pt(*p) == pytest.approx(want, abs=1e-3)
+        assert kolvex.x3dabs(*p) == pytest.approx(want[0], abs=1e-3)
+    # User coordinates: an axis from 0 to 10 maps to -1 .. 1.
+    kolvex.endgrf()
+    kolvex.graf3d(0, 10, 0, 5, 0, 10, 0, 5, 0, 10, 0, 5)
+    assert kolvex.pos3pt(10, 0, 5) == pytest.approx((1, -1, 0))
+    assert kolvex.rel3pt(10, 0, 5) == pytest.approx(project(camera(eye), (1, -1, 0)), abs=1e-3)
+    kolvex.endgrf()
+    kolvex.kolfin()
+
+
+def test_metafile_line_lands_on_the_projected_points():
+    plog("line.met")
+    kolvex.nograf()
+    kolvex.clip3d("NONE")
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.strt3d(-1, -1, -1)
+    kolvex.conn3d(1, 0.5, 0.25)
+    kolvex.endgrf()
+    kolvex.kolfin()
+    pieces = [p for p in read_plog("line.met") if len(p) > 1]
+    M = camera((4, -5, 4))
+    a, e = project(M, (-1, -1, -1)), project(M, (1, 0.5, 0.25))
+    got = pieces[-1]
+    assert got[0] == pytest.approx(a, abs=1.0) and got[-1] == pytest.approx(e, abs=1.0)
+
+
+def test_world_clipping_cuts_at_the_box():
+    plog("clip.met")
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.strt3d(-3, 0, 0)
+    kolvex.conn3d(0.5, 0, 0)
+    kolvex.endgrf()
+    kolvex.kolfin()
+    got = [p for p in read_plog("clip.met") if len(p) > 1][-1]
+    M = camera((4, -5, 4))
+    assert got[0] == pytest.approx(project(M, (-1, 0, 0)), abs=1.0)
+    assert got[-1] == pytest.approx(project(M, (0.5, 0, 0)), abs=1.0)
+
+
+def rgb_png(name):
+    kolvex.metafl("PNG")
+    kolvex.setfil(name)
+    kolvex.filmod("DELE")
+    kolvex.imgfmt("RGB")
+    kolvex.scrmod("REVERS")
+    kolvex.kolini()
+
+
+@pytest.mark.parametrize("near_first", [True, False])
+def test_near_triangle_hides_far_one_in_any_order(near_first):
+    from PIL import Image
+    rgb_png("occ.png")
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.zbfini()
+    red, blue = kolvex.intrgb(1, 0, 0), kolvex.intrgb(0, 0, 1)
+    red = 0x01000000 | 255
+    blue = 0x01000000 | (255 << 16)
+    # Two triangles across the middle; the eye is at (4, -5, 4), so the
+    # one moved towards it is nearer.
+    near = ([-0.8, 0.8, 0.0], [-0.3, -0.3, -0.3], [-0.6, -0.6, 0.8], [red] * 3)
+    far = ([-0.8, 0.8, 0.0], [0.3, 0.3, 0.3], [-0.6, -0.6, 0.8], [blue] * 3)
+    for tri in ((near, far) if near_first else (far, near)):
+        kolvex.zbftri(*tri)
+    cx, cy = kolvex.abs3pt(0, -0.3, 0)
+    kolvex.zbffin()
+    kolvex.endgrf()
+    kolvex.kolfin()
+    im = np.asarray(Image.open("occ.png").convert("RGB"))
+    sc = im.shape[1] / 2970
+    px = im[int(cy * sc), int(cx * sc)]
+    assert tuple(px) == (255, 0, 0)
+
+
+def test_surface_with_light_and_hole(capfd):
+    from PIL import Image
+    rgb_png("surf.png")
+    n = 30
+    xs = list(np.linspace(-1, 1, n))
+    z = [[float(np.exp(-3 * (x * x + y * y))) for y in xs] for x in xs]
+    z[15][15] = float("nan")            # a hole, not a crash
+    kolvex.light("ON")
+    kolvex.litpos(1, 0, 0, 0, "ABS")    # a light inside the surface
+    kolvex.litpos(2, 4, -5, 4, "ABS")   # and one at the eye
+    kolvex.litmod(2, "ON")
+    kolvex.shdmod("SMOO", "SURF")
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, 0, 1, 0, 0.5)
+    kolvex.surshd(xs, n, xs, n, z)
+    kolvex.surshd(xs, 1, xs, n, z)      # too small a grid
+    kolvex.endgrf()
+    kolvex.kolfin()
+    w = warnings_of(capfd)
+    assert any("Warning 2:" in l and "surshd" in l for l in w)
+    im = np.asarray(Image.open("surf.png").convert("RGB")).astype(int)
+    assert (np.abs(im - 255).sum(axis=2) > 30).sum() > 10000
+
+
+def test_settings_and_their_warnings(capfd):
+    plog()
+    kolvex.vang3d(180)
+    kolvex.vang3d(179.9)
+    kolvex.axis3d(2, 0, 2)
+    kolvex.zbfscl(0.5)
+    kolvex.zbfscl(11)
+    kolvex.litmod(9, "ON")
+    kolvex.litopt(1, -1, "DIFF")
+    kolvex.view3d(0.5, 0.5, 0.5, "ABS")   # inside the box: the default eye
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.endgrf()
+    kolvex.vang3d(28.07)
+    kolvex.box3d()
+    kolvex.zbffin()
+    kolvex.dbffin()
+    kolvex.kolfin()
+    w = warnings_of(capfd)
+    nums = [int(l.split("Warning ")[1].split(":")[0]) for l in w]
+    assert nums == [2, 2, 2, 2, 2, 1, 33, 3, 115, 115]   # box3d at level 1: the level rule
+    assert "No initialization of depth buffer" in w[-1]
+
+
+def test_smooth_surface_on_a_vector_format_warns(capfd):
+    kolvex.metafl("SVG")
+    kolvex.setfil("s.svg")
+    kolvex.filmod("DELE")
+    kolvex.kolini()
+    kolvex.shdmod("SMOO", "SURF")
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.surshd([0, 1], 2, [0, 1], 2, [[0, 0], [0, 0]])
+    assert kolvex.zbfini() == 1
+    kolvex.shdmod("FLAT", "SURF")
+    kolvex.surshd([0, 1], 2, [0, 1], 2, [[0, 0.5], [0.5, 1]])   # the depth buffer
+    kolvex.endgrf()
+    kolvex.kolfin()
+    nums = [l.split(":")[0] for l in warnings_of(capfd)]
+    assert nums == [" <<<< Warning 40", " <<<< Warning 40"]
+    assert open("s.svg").read().count("<path") + open("s.svg").read().count("<polygon") == 1   # one cell, one side
