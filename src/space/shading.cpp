@@ -19,7 +19,7 @@
 #include "plots/patterns.h"
 #include "plots/zscale.h"
 #include "raster/canvas.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 #include "space/space.h"
 
 namespace {

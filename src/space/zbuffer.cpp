@@ -15,7 +15,7 @@
 #include "kolvex.h"
 #include "plots/fill.h"
 #include "raster/canvas.h"
-#include "raster/colour.h"
+#include "colour/colour.h"
 #include "raster/primitives.h"
 #include "raster/zbuffer.h"
 #include "space/space.h"
