@@ -393,6 +393,20 @@ KOLVEX_API void xmove(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API int getpat(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void rlarea(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
 
+/* Shielding */
+KOLVEX_API void shield(const char *cblank, const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlcir(int nx, int ny, int nr) KOLVEX_NOEXCEPT;
+KOLVEX_API void shldel(int id) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlell(int nx, int ny, int na, int nb, double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API int shlind(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlpie(int nx, int ny, int nr, double alpha, double beta) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlpol(const int *nxray, const int *nyray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlrct(int nx, int ny, int nw, int nh, double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlrec(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlres(int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlsur(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void shlvis(int id, const char *cvis) KOLVEX_NOEXCEPT;
+
 /* Contour lines */
 KOLVEX_API void conclr(const int *nclray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void concrv(const double *xray, const double *yray, int n, double zlev) KOLVEX_NOEXCEPT;

@@ -22,6 +22,7 @@
 #include "text/text_state.h"
 #include "text/number_state.h"
 #include "axes/axes_state.h"
+#include "plots/shield_state.h"
 #include "fields/contour_state.h"
 #include "plots/zscale_state.h"
 #include "space/space_state.h"
@@ -42,6 +43,7 @@ struct glbblk {
     AxesState ax;         // axis settings and the scaling record
     StyleState sty;       // line style number, shading pattern, fill switches
     CurveState crv;       // curves, symbols, attribute cycles
+    ShieldState shl;      // shield regions
     LegendState leg;      // legend lines, layout and curve records
     ContourState con;     // contour labelling and the contour pen
     ZScaleState zsc;      // the z colour scale

@@ -111,10 +111,12 @@ void thin_line(glbblk *b, const AxisMap &m, const double *x, const double *y, in
 }
 
 // Whether a polyline may be thinned: a solid line without offset that no
-// later stage (3-D plane, transformation, hidden lines or shields) looks at.
+// later stage (3-D plane, transformation) maps elsewhere.  The segment
+// hook (shields) may stay: it cuts the thinned line, which covers the same
+// places, at the same borders.
 bool thinnable(glbblk *b) {
     const DeviceState &d = b->dev;
-    return d.dshn <= 1 && d.lnoff == 0 && !d.pl3on && !d.trfon && !d.segtest && b->crv.thkcrv == 1;
+    return d.dshn <= 1 && d.lnoff == 0 && !d.pl3on && !d.trfon && b->crv.thkcrv == 1;
 }
 
 double column_scale(glbblk *b) {

@@ -1,0 +1,17 @@
+// Internal entries of the shields for the plots that register regions
+// automatically (bars, pies, legends, symbols).
+#pragma once
+
+struct glbblk;
+
+// Kinds of the automatic registrations.
+enum { QQ_SHL_OWN = 0, QQ_SHL_MESS = 1, QQ_SHL_SYMB = 2, QQ_SHL_BARS = 3, QQ_SHL_PIE = 4, QQ_SHL_LEGE = 5 };
+
+// Adds a record of a type with values in plot coordinates (origin shift
+// not yet added, y already through the page origin); the kind is the
+// current kind.  Returns the identifier, or 0 when nothing was stored.
+int qqshladd(glbblk *b, int type, const double *v, int nv) noexcept;
+// Whether automatic shielding of a kind (1 to 5) is on.
+int qqshlauto(glbblk *b, int kind) noexcept;
+// Removes the record with an identifier.
+void qqshldelid(glbblk *b, int id) noexcept;
