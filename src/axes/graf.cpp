@@ -55,8 +55,12 @@ void fill_box(glbblk *b, int x1, int y1, int x2, int y2, int clr) {
         }
         done = drv->fill_polygon(b, sx, sy, 4) != 0;
     }
-    if (!done)
-        for (int y = y1; y <= y2; ++y) qqline(b, x1, y, x2, y);
+    if (!done) {
+        // Rows outside the clip window draw nothing: a huge box costs only
+        // the rows that can show.
+        int lo = std::max(y1, b->dev.clpy1 - 1), hi = std::min(y2, b->dev.clpy2 + 1);
+        for (int y = lo; y <= hi; ++y) qqline(b, x1, y, x2, y);
+    }
     qqsetc(b, saved);
 }
 
