@@ -58,8 +58,9 @@ void fill_box(glbblk *b, int x1, int y1, int x2, int y2, int clr) {
     if (!done) {
         // Rows outside the clip window draw nothing: a huge box costs only
         // the rows that can show.
-        int lo = std::max(y1, b->dev.clpy1 - 1), hi = std::min(y2, b->dev.clpy2 + 1);
-        for (int y = lo; y <= hi; ++y) qqline(b, x1, y, x2, y);
+        long long lo = std::max<long long>(y1, b->dev.clpy1 - 1LL);
+        long long hi = std::min<long long>(y2, b->dev.clpy2 + 1LL);
+        for (long long y = lo; y <= hi; ++y) qqline(b, x1, (double)y, x2, (double)y);
     }
     qqsetc(b, saved);
 }
