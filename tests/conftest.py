@@ -102,3 +102,36 @@ def pytest_terminal_summary(terminalreporter):
     listed = method_list()
     bound = [n for n in bound_methods() if n in listed]
     terminalreporter.write_line(f"kolvex binds {len(bound)} of the {len(listed)} methods")
+
+
+def example_png_and_svg_alike(script, threshold=128, radius=2, share=0.97):
+    """Draws examples/<script> as PNG and as SVG, renders the SVG with
+    rsvg-convert and checks that the ink of each lies within `radius` pixels
+    of the other's for `share` of its pixels."""
+    import importlib.util
+    np = pytest.importorskip("numpy")
+    Image = pytest.importorskip("PIL.Image")
+    if not have("rsvg-convert"):
+        pytest.skip("rsvg-convert is not installed")
+    spec = importlib.util.spec_from_file_location("example", os.path.join(ROOT, "examples", script))
+    ex = importlib.util.module_from_spec(spec)
+    spec.loader.exec_module(ex)
+    kolvex.unit(0)
+    ex.draw("PNG", "page.png")
+    ex.draw("SVG", "page.svg")
+    subprocess.run(["rsvg-convert", "-w", "853", "-h", "603", "-b", "white", "-o", "svg.png", "page.svg"],
+                   check=True)
+    a = np.asarray(Image.open("svg.png").convert("L")) < threshold
+    b = np.asarray(Image.open("page.png").convert("L")) < threshold
+    assert a.shape == b.shape and b.sum() > 5000
+
+    def dilate(mask):
+        out = mask.copy()
+        h, w = mask.shape
+        for dy in range(-radius, radius + 1):
+            for dx in range(-radius, radius + 1):
+                out[max(dy, 0):h + min(dy, 0), max(dx, 0):w + min(dx, 0)] |= \
+                    mask[max(-dy, 0):h + min(-dy, 0), max(-dx, 0):w + min(-dx, 0)]
+        return out
+    assert (a & dilate(b)).sum() >= share * a.sum()
+    assert (b & dilate(a)).sum() >= share * b.sum()

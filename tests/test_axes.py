@@ -6,6 +6,7 @@ import time
 import pytest
 
 import kolvex
+from conftest import example_png_and_svg_alike
 from axes_support import read_plog, segments
 
 X0, Y0, XL, YL = 494, 1799, 1980, 1400   # defaults of the DA4L page
@@ -199,41 +200,10 @@ def test_label_positions_follow_the_formulas(tmp_path, axis, vert):
     assert _strokes(tmp_path / "graf.met") == _strokes(tmp_path / "messag.met")
 
 
-def _dilate(mask, r):
-    out = mask.copy()
-    h, w = mask.shape
-    for dy in range(-r, r + 1):
-        for dx in range(-r, r + 1):
-            out[max(dy, 0):h + min(dy, 0), max(dx, 0):w + min(dx, 0)] |= \
-                mask[max(-dy, 0):h + min(-dy, 0), max(-dx, 0):w + min(-dx, 0)]
-    return out
-
-
-def test_example_page_on_png_and_svg_alike(tmp_path):
+def test_example_page_on_png_and_svg_alike():
     """The example's page of axes drawn as PNG and as SVG (rendered by
     rsvg-convert) has its dark pixels in the same places."""
-    import importlib.util
-    import os
-    import shutil
-    import subprocess
-    np = pytest.importorskip("numpy")
-    Image = pytest.importorskip("PIL.Image")
-    if not shutil.which("rsvg-convert"):
-        pytest.skip("rsvg-convert is not installed")
-    path = os.path.join(os.path.dirname(__file__), "..", "examples", "axes.py")
-    spec = importlib.util.spec_from_file_location("axes_example", path)
-    ex = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(ex)
-    kolvex.unit(0)
-    ex.draw("PNG", "axes.png")
-    ex.draw("SVG", "axes.svg")
-    subprocess.run(["rsvg-convert", "-w", "853", "-h", "603", "-b", "white", "-o", "svg.png", "axes.svg"],
-                   check=True)
-    a = np.asarray(Image.open("svg.png").convert("L")) < 128
-    b = np.asarray(Image.open("axes.png").convert("L")) < 128
-    assert a.shape == b.shape and b.sum() > 5000
-    assert (a & _dilate(b, 2)).sum() >= 0.97 * a.sum()
-    assert (b & _dilate(a, 2)).sum() >= 0.97 * b.sum()
+    example_png_and_svg_alike("axes.py")
 
 
 def test_setting_warnings_and_crossed_systems(capfd, tmp_path):

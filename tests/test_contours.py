@@ -1,14 +1,12 @@
 """Contour lines: the traced points against the field and an independent
 marching-squares tracer, closed lines, saddles, holes, the drawn page on PNG
 and SVG, and bad input."""
-import os
-import shutil
-import subprocess
 
 import numpy as np
 import pytest
 
 import kolvex
+from conftest import example_png_and_svg_alike
 import test_curves
 
 
@@ -207,33 +205,7 @@ def test_drawn_lines_follow_conpts_and_labels_cut_gaps():
 
 
 def test_page_on_png_and_svg_alike():
-    Image = pytest.importorskip("PIL.Image")
-    if not shutil.which("rsvg-convert"):
-        pytest.skip("rsvg-convert is not installed")
-    import importlib.util
-    path = os.path.join(os.path.dirname(__file__), "..", "examples", "contours.py")
-    spec = importlib.util.spec_from_file_location("contours_example", path)
-    ex = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(ex)
-    kolvex.unit(0)
-    ex.draw("PNG", "c.png")
-    ex.draw("SVG", "c.svg")
-    subprocess.run(["rsvg-convert", "-w", "853", "-h", "603", "-b", "white", "-o", "svg.png", "c.svg"],
-                   check=True)
-    a = np.asarray(Image.open("svg.png").convert("L")) < 200
-    b = np.asarray(Image.open("c.png").convert("L")) < 200
-    assert a.shape == b.shape and b.sum() > 5000
-
-    def dilate(mask, r):
-        out = mask.copy()
-        h, w = mask.shape
-        for dy in range(-r, r + 1):
-            for dx in range(-r, r + 1):
-                out[max(dy, 0):h + min(dy, 0), max(dx, 0):w + min(dx, 0)] |= \
-                    mask[max(-dy, 0):h + min(-dy, 0), max(-dx, 0):w + min(-dx, 0)]
-        return out
-    assert (a & dilate(b, 2)).sum() >= 0.97 * a.sum()
-    assert (b & dilate(a, 2)).sum() >= 0.97 * b.sum()
+    example_png_and_svg_alike("contours.py", threshold=200)
 
 
 def labelled_ring(name, lev, ndig, thick=1, scale=1.0):
