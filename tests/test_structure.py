@@ -44,6 +44,33 @@ def test_no_layer_includes_one_above_it():
     assert upward_includes() == []
 
 
+# An object that a source uses by declaring it, and one that it defines.
+EXTERN_USE = re.compile(r"^\s*extern\s+(?:const\s+)?\w+\s+(?:\*\s*)?(\w+)\s*;", re.M)
+EXTERN_DEF = re.compile(r"^\s*extern\s+(?:const\s+)?\w+\s+(?:\*\s*)?(\w+)\s*=", re.M)
+
+
+def upward_externs():
+    """Objects that a layer names by an extern declaration although a
+    layer above it defines them: a dependency that no include shows."""
+    home = {}
+    texts = list(sources())
+    for rel, text in texts:
+        for name in EXTERN_DEF.findall(text):
+            home[name] = rel.split(os.sep)[0]
+    bad = []
+    for rel, text in texts:
+        layer = rel.split(os.sep)[0]
+        for name in EXTERN_USE.findall(text):
+            above = home.get(name)
+            if layer in LAYERS and above in LAYERS and LAYERS.index(above) > LAYERS.index(layer):
+                bad.append(f"{rel} names {name} of {above}")
+    return bad
+
+
+def test_no_layer_names_an_object_of_one_above_it():
+    assert upward_externs() == []
+
+
 # A device code compared with, assigned to or computed from a number.
 CODE = re.compile(r"\b(devcod|dev)\b\s*(==|!=|<=|>=|<|>|=|-|\+)\s*\d{2,3}\b|\b\d{2,3}\s*(==|!=|<=|>=|<|>)\s*(devcod|dev)\b")
 
@@ -113,3 +140,7 @@ def test_the_checks_catch_what_they_look_for(tmp_path, monkeypatch, line, caught
     monkeypatch.setattr(__import__(__name__), "SRC", str(tmp_path))
     assert bool(upward_includes()) == caught
     assert device_numbers() == ["core/x.cpp: dev == 501"]
+    (core / "list.cpp").write_text("extern const Subsystem kxsub_axes;\n")
+    (tmp_path / "axes").mkdir()
+    (tmp_path / "axes" / "s.cpp").write_text("extern const Subsystem kxsub_axes = {};\n")
+    assert upward_externs() == ["core/list.cpp names kxsub_axes of axes"]

@@ -14,6 +14,7 @@
 #include "devices/device_state.h"
 #include "devices/pdf_state.h"
 #include "devices/postscript_state.h"
+#include "devices/cgm_state.h"
 #include "devices/vector_state.h"
 #include "plots/style_state.h"
 #include "plots/curve_state.h"
@@ -31,11 +32,11 @@ struct glbblk {
     CoreState core;       // call frame, level, page
     DiagState diag;       // warnings, protocol, error file
     SessionState sess;    // device choice, file, window, page options
-    OutputOptions opt;    // level-0 settings of the output formats
     DeviceState dev;      // polyline buffer, clipping, line style
     VectorState vec;      // drivers of SVG, IPE and Java
     PdfState pdf;         // the PDF document being written, or held for pdfbuf
     PsState ps;           // PostScript driver
+    CgmState cgm;         // options of the CGM, HPGL and WMF formats
     ColourState clr;      // colour table and current colour
     CanvasState cnv;      // raster canvas, image mode, transparency
     TextState txt;        // fonts, text settings, the string being drawn

@@ -59,3 +59,9 @@ int qqchkrect(glbblk *b, int nx, int ny, int nw, int nh) noexcept {
     qqwarn(b, 2, bad);
     return 1;
 }
+
+int qqkeyopt(glbblk *b, const char *option, const char *copt, const char *list, int count,
+             const char *cval) noexcept {
+    if (qqkey(b, option, 1, copt) == 0) return 0;
+    return qqkey(b, list, count, cval);
+}

@@ -9,6 +9,11 @@ struct glbblk;
 // "off", "OFF" and "Offset" all give OFF, while "OF" does not.  Returns 1
 // to count, or 0 after warning 2 with the word.
 int qqkey(glbblk *b, const char *list, int count, const char *word) noexcept;
+// A "value, option" setting: the option must be the one keyword given
+// (warning 2 otherwise), the value one of the list.  Returns the value's
+// position or 0.
+int qqkeyopt(glbblk *b, const char *option, const char *copt, const char *list, int count,
+             const char *cval) noexcept;
 // The same without a warning: 0 when nothing matches.
 int qqkeyq(const char *list, int count, const char *word) noexcept;
 // Returns 1 after warning 2 when value < low, or when low <= high and

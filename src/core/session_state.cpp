@@ -17,16 +17,6 @@ void session_first(glbblk *b) {
     s.fmode = 0;
     s.fdig = 4;
     s.swapfl = 1;
-    OutputOptions &o = b->opt;
-    o.cgmver = 1;
-    o.pdfcomp = 1;
-}
-
-// The extra PostScript header text serves the session that it was given
-// for: the driver has written it when the session's defaults are set.
-void free_psinfo(glbblk *b) {
-    std::free(b->opt.psinfo);
-    b->opt.psinfo = nullptr;
 }
 
 // The session's own share of qqinit: the window behaviour of the screen.
@@ -36,7 +26,6 @@ void session_init(glbblk *b) {
     s.wkey = 0;
     s.wdelay = 10000;
     s.bufsend = 0;
-    free_psinfo(b);
 }
 
 void session_release(glbblk *b) {
@@ -45,15 +34,13 @@ void session_release(glbblk *b) {
     qqplotclose(b, 0);
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
-    free_psinfo(b);
 }
 
 void reset_window(glbblk *b) { b->sess.wplace = 0; }
 void reset_winmod(glbblk *b) { b->sess.wmode = 0; }
 
 const ResetEntry kResets[] = {
-    {"PSME", free_psinfo}, {"WIND", reset_window}, {"WINM", reset_winmod},
-    {"WINS", reset_window}, {nullptr, nullptr},
+    {"WIND", reset_window}, {"WINM", reset_winmod}, {"WINS", reset_window}, {nullptr, nullptr},
 };
 
 }  // namespace

@@ -53,17 +53,5 @@ struct SessionState {
     char envdir[257];        // installation directory given to kolenv
     unsigned char envset;    // 1 while kolenv's directory is in force
     unsigned char bufsend;   // bufmod SEND: sendbf at endgrf
-};
-
-// Options of the output formats, all set at level 0 and kept across
-// sessions.  The drivers that use them read them from here.
-struct OutputOptions {
-    unsigned char x11md;     // backing store: 0 STOR, 1 NOST, 2 AUTO, 3 PIXM
-    unsigned char clrmd;     // colour mode: 0 NONE, 1 FULL, 2 CONT
-    int pdfcomp;             // PDF compression
-    int pdfbuff;             // PDF written to memory
-    int wmfplac;             // WMF placeable header
-    int hpgaris;             // HPGL plotter kind: 0 STAN, 1 ARIS
-    int cgmver;              // CGM version: 1 or 4
-    char *psinfo;            // psmeta text for the PostScript header
+    unsigned char x11md;     // x11mod backing store: 0 STOR, 1 NOST, 2 AUTO, 3 PIXM
 };

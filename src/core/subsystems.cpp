@@ -2,58 +2,30 @@
 
 #include <cstring>
 
-// Declared by each subsystem in its own source.
-extern const Subsystem kxsub_core;
-extern const Subsystem kxsub_diagnostics;
-extern const Subsystem kxsub_session;
-extern const Subsystem kxsub_canvas;
-extern const Subsystem kxsub_colour;
-extern const Subsystem kxsub_devices;
-extern const Subsystem kxsub_vector;
-extern const Subsystem kxsub_pdf;
-extern const Subsystem kxsub_text;
-extern const Subsystem kxsub_numbers;
-extern const Subsystem kxsub_axes;
-extern const Subsystem kxsub_styles;
-extern const Subsystem kxsub_curves;
-extern const Subsystem kxsub_shields;
-extern const Subsystem kxsub_contours;
-extern const Subsystem kxsub_postscript;
-extern const Subsystem kxsub_zscale;
-extern const Subsystem kxsub_space;
-
 namespace {
 
-// In the order of their shares: the session's page comes first; the device
-// layer sets up clipping and line style, and the raster canvas takes them,
-// before the colour table is loaded and the foreground colour reaches the
-// driver.
-const Subsystem *const kSubsystems[] = {
-    &kxsub_core,
-    &kxsub_diagnostics,
-    &kxsub_session,
-    &kxsub_devices,
-    &kxsub_vector,
-    &kxsub_pdf,
-    &kxsub_postscript,
-    &kxsub_canvas,
-    &kxsub_colour,
-    &kxsub_text,
-    &kxsub_numbers,
-    &kxsub_axes,
-    &kxsub_styles,
-    &kxsub_curves,
-    &kxsub_shields,
-    &kxsub_contours,
-    &kxsub_zscale,
-    &kxsub_space,
+// The subsystems of the library in the order of their shares, handed over
+// from above when the library is loaded (qqsetsubsystems): the core knows
+// none of them by name.
+const Subsystem *const *g_subsystems = nullptr;
+int g_count = 0;
+
+struct Each {
+    const Subsystem *const *begin() const { return g_subsystems; }
+    const Subsystem *const *end() const { return g_subsystems + g_count; }
 };
+const Each kSubsystems;
 
 }  // namespace
 
+void qqsetsubsystems(const Subsystem *const *list, int n) noexcept {
+    g_subsystems = list;
+    g_count = list ? n : 0;
+}
+
 const Subsystem *const *qqsubsystems(int *n) noexcept {
-    *n = (int)(sizeof kSubsystems / sizeof kSubsystems[0]);
-    return kSubsystems;
+    *n = g_count;
+    return g_subsystems;
 }
 
 void qqfirst(glbblk *b) noexcept {

@@ -4,8 +4,9 @@
 // record: the first values of its fields in a new block, its share of
 // qqinit (the defaults of every session, also run by reset("ALL")), what it
 // frees when a block goes away, and the rows of reset() that it answers.
-// core/subsystems.cpp lists the records in the order in which their shares
-// run; a subsystem that is added later adds one line there.
+// The library's top (src/library.cpp) lists the records in the order in
+// which their shares run and hands the list to the core when the library
+// is loaded; a subsystem that is added later adds one line there.
 #pragma once
 
 struct glbblk;
@@ -24,6 +25,9 @@ struct Subsystem {
     void (*end)(glbblk *b);       // ends open work at kolfin, before the output closes
 };
 
+// Takes the list of subsystems, in the order of their shares; the list
+// must outlive every block.  Called once, before the first block is made.
+void qqsetsubsystems(const Subsystem *const *list, int n) noexcept;
 // Runs every subsystem's first values on a new block.
 void qqfirst(glbblk *b) noexcept;
 // The defaults of a session, subsystem by subsystem.

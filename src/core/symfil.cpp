@@ -47,8 +47,8 @@ int qqsymargs(glbblk *b, const char *device, const char *status, char *store,
     // The options of koldrv, which shows the vector formats on the screen.
     if (std::strcmp(program, "koldrv") == 0) {
         argv[n++] = "-Q";
-        if (b->opt.x11md == 0) argv[n++] = "-BS";
-        if (b->opt.x11md == 1) argv[n++] = "-NB";
+        if (b->sess.x11md == 0) argv[n++] = "-BS";
+        if (b->sess.x11md == 1) argv[n++] = "-NB";
     }
     if (b->clr.vltfnm[0]) {
         qqscpy(store, "V=", 2);

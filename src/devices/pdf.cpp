@@ -23,6 +23,7 @@
 #include "core/family.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
+#include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
@@ -468,7 +469,7 @@ int pdf_open(glbblk *b) {
         return 53;
     }
     b->pdf.rec = p;
-    int err = b->opt.pdfbuff ? pdfw_sink_memory(p) : open_file(b, p);
+    int err = b->pdf.buff ? pdfw_sink_memory(p) : open_file(b, p);
     if (err == 0) {
         p->objpos = static_cast<long long *>(qqpdfrealloc(nullptr, 100 * sizeof(long long)));
         p->objtype = static_cast<unsigned char *>(qqpdfrealloc(nullptr, 100));
@@ -490,7 +491,7 @@ int pdf_open(glbblk *b) {
     p->pagefirst = 1;
     p->pageno = 1;
     p->penmode = 3;
-    p->compress = b->opt.pdfcomp ? 1 : 0;
+    p->compress = b->pdf.comp;
     for (int i = 0; i < 3; ++i) p->fillrgb[i] = p->strkrgb[i] = -1;
 
     // The page and the scale: points, the paper of the PostScript devices.
@@ -864,7 +865,7 @@ int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept {
     p->objnext = 3;
     p->pagefirst = 1;
     p->pageno = 1;
-    p->compress = b->opt.pdfcomp ? 1 : 0;
+    p->compress = b->pdf.comp;
     p->sink.fp = fp;
     // The rectangle of imgclp, as every picture file keeps it.
     const CanvasState &cs = b->cnv;
@@ -908,7 +909,13 @@ int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept {
     return result;
 }
 
-extern const Subsystem kxsub_pdf = {"pdf", nullptr, nullptr, pdf_release, nullptr, nullptr};
+namespace {
+
+void pdf_first(glbblk *b) { b->pdf.comp = 1; }
+
+}  // namespace
+
+extern const Subsystem kxsub_pdf = {"pdf", pdf_first, nullptr, pdf_release, nullptr, nullptr};
 
 namespace {
 
@@ -950,6 +957,16 @@ extern const DeviceFamily kxfam_pdf = {
 
 // ---- public routines --------------------------------------------------------------------
 
+void pdfmod(const char *cval, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("pdfmod");
+    if (!b) return;
+    int what = qqkey(b, "COMP+BUFF", 2, copt);
+    if (what == 0) return;
+    int k = qqkey(b, "OFF +ON  ", 2, cval);
+    if (k == 0) return;
+    (what == 1 ? b->pdf.comp : b->pdf.buff) = (unsigned char)(k - 1);
+}
+
 int pdfbuf(unsigned char *cbuf, int nmax) noexcept {
     glbblk *b = KX_ENTRY("pdfbuf");
     if (!b) return 0;
@@ -957,7 +974,7 @@ int pdfbuf(unsigned char *cbuf, int nmax) noexcept {
         qqwar1(b, 127, "Output format is not PDF");
         return 0;
     }
-    if (!b->opt.pdfbuff) {
+    if (!b->pdf.buff) {
         qqwar1(b, 128, "Buffer output is not enabled for PDF");
         return 0;
     }

@@ -12,4 +12,7 @@ struct PdfState {
     unsigned char *out;     // a finished document of memory mode, until pdfbuf or the next open
     size_t outlen;          // its length
     unsigned char outfail;  // memory ran out while it was written: only the count went on
+    // pdfmod, set at level 0 and kept across sessions.
+    unsigned char comp;     // page streams compressed (COMP), on at first
+    unsigned char buff;     // the document goes to memory for pdfbuf (BUFF)
 };

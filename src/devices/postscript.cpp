@@ -448,7 +448,7 @@ int ps_open(glbblk *b) {
 
     // The caller's header text stands on one line: a line break in it
     // would end the comment and begin PostScript of its own.
-    if (const char *info = b->opt.psinfo) {
+    if (const char *info = b->ps.psinfo) {
         if (s.fhnd)
             for (const char *q = info; *q; ++q)
                 std::fputc(*q == '\n' || *q == '\r' ? ' ' : *q, s.fhnd);
@@ -773,11 +773,23 @@ int ps_close(glbblk *b) {
     return 1;
 }
 
-void ps_release(glbblk *b) { free_path(b); }
+// The extra header text serves the session that it was given for: the
+// driver has written it when the next session's defaults are set.
+void free_psinfo(glbblk *b) {
+    std::free(b->ps.psinfo);
+    b->ps.psinfo = nullptr;
+}
+
+void ps_release(glbblk *b) {
+    free_path(b);
+    free_psinfo(b);
+}
+
+const ResetEntry kResets[] = {{"PSME", free_psinfo}, {nullptr, nullptr}};
 
 }  // namespace
 
-extern const Subsystem kxsub_postscript = {"postscript", nullptr, nullptr, ps_release, nullptr, nullptr};
+extern const Subsystem kxsub_postscript = {"postscript", nullptr, free_psinfo, ps_release, kResets, nullptr};
 
 namespace {
 
@@ -859,6 +871,21 @@ int qqpsesc(const char *text, int n, char *out, int size) noexcept {
     }
     out[k] = '\0';
     return k;
+}
+
+void psmeta(const char *cstr, const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("psmeta");
+    if (!b) return;
+    if (qqkey(b, "INFO", 1, copt) == 0) return;
+    size_t n = cstr ? std::strlen(cstr) : 0;
+    char *copy = static_cast<char *>(std::malloc(n + 1));
+    if (!copy) {
+        qqwar0(b, 53);
+        return;
+    }
+    std::memcpy(copy, cstr ? cstr : "", n + 1);
+    std::free(b->ps.psinfo);
+    b->ps.psinfo = copy;
 }
 
 void psmode(const char *copt) noexcept {

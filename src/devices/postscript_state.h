@@ -18,4 +18,5 @@ struct PsState {
     int cap, join;           // setlinecap and setlinejoin last written
     double miter;            // lnmlt value last written
     unsigned char clipped;   // a clip window other than the page is in force
+    char *psinfo;            // psmeta INFO text for the header, owned here
 };

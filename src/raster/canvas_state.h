@@ -55,6 +55,7 @@ struct RasterOptions {
     int tifunit;             // TIFF unit code: 2 inch, 3 cm
     int pngtran;             // PNG transparency
     int giftran;             // GIF transparency
+    int clrmd;               // clrmod colour mode: 0 NONE, 1 FULL, 2 CONT
 };
 
 struct CanvasState {

@@ -1,23 +1,12 @@
 // Level-0 options of the raster file formats: imgfmt, bmpmod, tifmod,
-// pngmod and gifmod.  The writers read them from CanvasState::ropt.
+// pngmod and gifmod, and the colour mode of clrmod.  The writers read
+// them from CanvasState::ropt.
 #include <cmath>
 
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "kolvex.h"
-
-namespace {
-
-// A simple "value, option" setting: the option must be the one keyword
-// given, the value one of the list.  Returns the value's position or 0.
-int option_value(glbblk *b, const char *option, const char *copt, const char *list, int count,
-                 const char *cval) {
-    if (qqkey(b, option, 1, copt) == 0) return 0;
-    return qqkey(b, list, count, cval);
-}
-
-}  // namespace
 
 void imgfmt(const char *copt) noexcept {
     glbblk *b = KX_ENTRY("imgfmt");
@@ -48,13 +37,20 @@ void tifmod(int n, const char *cval, const char *copt) noexcept {
 void pngmod(const char *cval, const char *copt) noexcept {
     glbblk *b = KX_ENTRY("pngmod");
     if (!b) return;
-    int k = option_value(b, "TRAN", copt, "OFF +ON  ", 2, cval);
+    int k = qqkeyopt(b, "TRAN", copt, "OFF +ON  ", 2, cval);
     if (k > 0) b->cnv.ropt.pngtran = k - 1;
 }
 
 void gifmod(const char *cval, const char *copt) noexcept {
     glbblk *b = KX_ENTRY("gifmod");
     if (!b) return;
-    int k = option_value(b, "TRAN", copt, "OFF +ON  ", 2, cval);
+    int k = qqkeyopt(b, "TRAN", copt, "OFF +ON  ", 2, cval);
     if (k > 0) b->cnv.ropt.giftran = k - 1;
+}
+
+void clrmod(const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("clrmod");
+    if (!b) return;
+    int k = qqkey(b, "NONE+FULL+CONT", 3, copt);
+    if (k > 0) b->cnv.ropt.clrmd = k - 1;
 }
