@@ -43,19 +43,9 @@ void fill_box(glbblk *b, int x1, int y1, int x2, int y2, int clr) {
     int saved = b->dev.curclr;
     qqsetc(b, clr);
     qqflsh(b);
-    const DriverOps *drv = b->dev.drv;
-    double xs[4] = {(double)x1, (double)x2, (double)x2, (double)x1};
-    double ys[4] = {(double)y2, (double)y2, (double)y1, (double)y1};
-    bool done = false;
-    if (drv && drv->fill_polygon && b->dev.hwshd) {
-        double sx[4], sy[4];
-        for (int i = 0; i < 4; ++i) {
-            sx[i] = xs[i] + b->dev.nxsh;
-            sy[i] = ys[i] + b->dev.nysh;
-        }
-        done = drv->fill_polygon(b, sx, sy, 4) != 0;
-    }
-    if (!done) {
+    const double xs[4] = {(double)x1, (double)x2, (double)x2, (double)x1};
+    const double ys[4] = {(double)y2, (double)y2, (double)y1, (double)y1};
+    if (!(b->dev.hwshd && qqdevpoly(b, xs, ys, 4))) {
         // Rows outside the clip window draw nothing: a huge box costs only
         // the rows that can show.
         long long lo = std::max<long long>(y1, b->dev.clpy1 - 1LL);
@@ -274,8 +264,7 @@ void endgrf() noexcept {
     ax.rec.type = 0;
     qqflsh(b);
     // With buffering on the picture so far is sent out, as sendbf does.
-    const DriverOps *drv = d.drv;
-    if (b->sess.bufsend && drv && drv->update) drv->update(b);
+    if (b->sess.bufsend) qqsendbuf(b);
 }
 
 // ---------------------------------------------------------------------------

@@ -107,6 +107,9 @@ void qqclip(glbblk *b, int back) noexcept;
 int qqin(glbblk *b, double x, double y) noexcept;
 // Clears the clip border and makes the whole page the clip window.
 void qqclippage(glbblk *b) noexcept;
+// Sends the picture drawn so far out (sendbf): the pending polyline, then
+// the driver's update.
+void qqsendbuf(glbblk *b) noexcept;
 // Sends the clip window to a driver that clips itself.
 void qqclipdev(glbblk *b, int narrowing) noexcept;
 // The region qqclip(0) narrows to: a rectangle (left, top, right, bottom,

@@ -142,3 +142,9 @@ double qqfitscale(glbblk *b, int pw, int ph) noexcept {
     }
     return s;
 }
+
+void qqsendbuf(glbblk *b) noexcept {
+    qqflsh(b);
+    const DriverOps *drv = b->dev.drv;
+    if (drv && drv->update) drv->update(b);
+}

@@ -194,11 +194,7 @@ void erase() noexcept {
 void sendbf() noexcept {
     glbblk *b = KX_ENTRY("sendbf");
     if (!b) return;
-    if (b->core.level > 0) {
-        qqflsh(b);
-        const DriverOps *drv = b->dev.drv;
-        if (drv && drv->update) drv->update(b);
-    }
+    if (b->core.level > 0) qqsendbuf(b);
 }
 
 void winupd() noexcept {

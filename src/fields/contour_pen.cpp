@@ -25,8 +25,7 @@ void qqconangle(glbblk *b, int deg) noexcept {
     double r = (double)(deg % 360) * b->core.xdegr;
     t.sina = std::sin(r);
     t.cosa = std::cos(r);
-    const DriverOps *drv = b->dev.drv;
-    if (t.hwmode && drv && drv->textstyle) drv->textstyle(b);
+    if (t.hwmode) qqhwstyle(b);
 }
 
 namespace {

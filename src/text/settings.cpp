@@ -18,8 +18,7 @@ void height(int nhchar) noexcept {
     t.height = nhchar;
     t.cachesec = 0;
     // a hardware font carries its size: its driver re-creates it
-    const DriverOps *drv = b->dev.drv;
-    if (t.hwmode && drv && drv->textstyle) drv->textstyle(b);
+    if (t.hwmode) qqhwstyle(b);
 }
 
 void angle(int ngrad) noexcept {
@@ -30,8 +29,7 @@ void angle(int ngrad) noexcept {
     double r = (double)(ngrad % 360) * b->core.xdegr;
     t.sina = std::sin(r);
     t.cosa = std::cos(r);
-    const DriverOps *drv = b->dev.drv;
-    if (t.hwmode && drv && drv->textstyle) drv->textstyle(b);
+    if (t.hwmode) qqhwstyle(b);
 }
 
 void chaang(double xang) noexcept {
