@@ -126,8 +126,9 @@ void qqaxclip(glbblk *b, const int rect[4], const double circ[3], int round) noe
 // which knows nothing of a curved frame.  All 0 without a map.
 void qqmapclip(glbblk *b, int jump, int nochord, int softfill) noexcept;
 // Filled rectangle, corners in plot coordinates before the origin shift,
-// in a colour value: the driver's rectangle with hwmode SHAD on, else solid
-// lines.
+// in a colour value, cut to the clip window: the driver's rectangle, else
+// (a device without fills, or the user transformation on) lines 1.4 / unitf
+// apart.  The 3-D plane is the caller's affair (qqrectf of the plots).
 void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept;
 // Marker of kind 0 to 23 centred at a plot position, size in plot
 // coordinates, in the current colour: the driver's marker, else lines.

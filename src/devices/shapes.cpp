@@ -176,34 +176,36 @@ void marker_lines(glbblk *b, int kind, double x, double y, double r) {
 void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     DeviceState &d = b->dev;
     qqflsh(b);
-    if (x1 > x2) std::swap(x1, x2);
-    if (y1 > y2) std::swap(y1, y2);
-    x1 += d.nxsh;
-    x2 += d.nxsh;
-    y1 += d.nysh;
-    y2 += d.nysh;
+    // Wide integers: a shifted corner near the integer limits must not wrap.
+    long long ax = (long long)(x1 < x2 ? x1 : x2) + d.nxsh, bx = (long long)(x1 < x2 ? x2 : x1) + d.nxsh;
+    long long ay = (long long)(y1 < y2 ? y1 : y2) + d.nysh, by = (long long)(y1 < y2 ? y2 : y1) + d.nysh;
+    if (ax < d.clpx1) ax = d.clpx1;
+    if (ay < d.clpy1) ay = d.clpy1;
+    if (bx > d.clpx2) bx = d.clpx2;
+    if (by > d.clpy2) by = d.clpy2;
+    if (ax > bx || ay > by) return;
     const DriverOps *drv = d.drv;
-    if (drv && drv->fill_rect && d.hwshd && direct(b)) {
-        // The driver gets the part inside the clip window.
-        int cx1 = x1 > d.clpx1 ? x1 : d.clpx1, cy1 = y1 > d.clpy1 ? y1 : d.clpy1;
-        int cx2 = x2 < d.clpx2 ? x2 : d.clpx2, cy2 = y2 < d.clpy2 ? y2 : d.clpy2;
-        if (cx1 <= cx2 && cy1 <= cy2) drv->fill_rect(b, cx1, cy1, cx2, cy2, colour);
+    // The user transformation may turn the rectangle: then only lines
+    // follow it.
+    if (drv && drv->fill_rect && d.trfon != 1) {
+        drv->fill_rect(b, (int)ax, (int)ay, (int)bx, (int)by, colour);
         return;
     }
-    // Solid fill by lines one plot coordinate apart, as one zigzag line so
-    // that the buffer sends whole pieces; the clipper cuts them.
-    int saved = d.curclr;
-    if (colour != saved) qqsetc(b, colour);
+    // A device without filled shapes: lines from the top, 1.4 / unitf
+    // apart, and one at the lower edge.
+    int old = d.curclr;
+    qqsetc(b, colour);
     {
         LinePen pen(b, true);
-        qqrmov(b, x1, y1);
-        for (int row = y1; row <= y2; ++row) {
-            bool forth = (row - y1) % 2 == 0;
-            if (row > y1) qqrdrw(b, forth ? x1 : x2, row);
-            qqrdrw(b, forth ? x2 : x1, row);
+        double step = 1.4 / b->core.unitf;
+        for (double yy = (double)ay; yy < (double)by; yy += step) {
+            qqrmov(b, (double)ax, yy);
+            qqrdrw(b, (double)bx, yy);
         }
+        qqrmov(b, (double)ax, (double)by);
+        qqrdrw(b, (double)bx, (double)by);
     }
-    if (colour != saved) qqsetc(b, saved);
+    if (d.curclr != old) qqsetc(b, old);
 }
 
 void qqmark(glbblk *b, int kind, double x, double y, double size) noexcept {

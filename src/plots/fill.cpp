@@ -162,15 +162,13 @@ void qqarea(glbblk *b, double *x, double *y, int n) noexcept {
 
 void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     DeviceState &d = b->dev;
-    qqflsh(b);
-    long long ax = (long long)(x1 < x2 ? x1 : x2) + d.nxsh, bx = (long long)(x1 < x2 ? x2 : x1) + d.nxsh;
-    long long ay = (long long)(y1 < y2 ? y1 : y2) + d.nysh, by = (long long)(y1 < y2 ? y2 : y1) + d.nysh;
     if (d.pl3on) {
         // Through the plane as a polygon of the solid pattern.
-        double px[4] = {(double)ax - d.nxsh, (double)bx - d.nxsh, (double)bx - d.nxsh,
-                        (double)ax - d.nxsh};
-        double py[4] = {(double)ay - d.nysh, (double)ay - d.nysh, (double)by - d.nysh,
-                        (double)by - d.nysh};
+        qqflsh(b);
+        double ax = x1 < x2 ? x1 : x2, bx = x1 < x2 ? x2 : x1;
+        double ay = y1 < y2 ? y1 : y2, by = y1 < y2 ? y2 : y1;
+        double px[4] = {ax, bx, bx, ax};
+        double py[4] = {ay, ay, by, by};
         int pat = b->sty.patnum, old = d.curclr;
         qqshdpat(b, QQ_SOLID_PATTERN);
         qqsetc(b, colour);
@@ -179,30 +177,7 @@ void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
         if (d.curclr != old) qqsetc(b, old);
         return;
     }
-    if (ax < d.clpx1) ax = d.clpx1;
-    if (ay < d.clpy1) ay = d.clpy1;
-    if (bx > d.clpx2) bx = d.clpx2;
-    if (by > d.clpy2) by = d.clpy2;
-    if (ax > bx || ay > by) return;
-    const DriverOps *drv = d.drv;
-    if (drv && drv->fill_rect && !line_only_device(b)) {
-        drv->fill_rect(b, (int)ax, (int)ay, (int)bx, (int)by, colour);
-        return;
-    }
-    // Lines from the top, 1.4 / unitf apart, and one at the lower edge.
-    int old = d.curclr;
-    qqsetc(b, colour);
-    int width = thin_lines(b);
-    double step = 1.4 / b->core.unitf;
-    for (double yy = (double)ay; yy < (double)by; yy += step) {
-        qqrmov(b, (double)ax, yy);
-        qqrdrw(b, (double)bx, yy);
-    }
-    qqrmov(b, (double)ax, (double)by);
-    qqrdrw(b, (double)bx, (double)by);
-    qqflsh(b);
-    wide_again(b, width);
-    if (d.curclr != old) qqsetc(b, old);
+    qqfrect(b, x1, y1, x2, y2, colour);
 }
 
 void qqframe(glbblk *b, int x, int y, int w, int h, int t, double angle, int colour) noexcept {

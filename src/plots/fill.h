@@ -31,7 +31,8 @@ struct glbblk;
 void qqpfill(glbblk *b, double *x, double *y, int n) noexcept;
 void qqarea(glbblk *b, double *x, double *y, int n) noexcept;
 // Filled rectangle between the corners (x1, y1) and (x2, y2), in a colour
-// value; the current colour is not changed.
+// value; the current colour is not changed.  In the 3-D plane it is a
+// polygon of the solid pattern, else the layer's qqfrect.
 void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept;
 // Frame round the box with upper left corner (x, y), w by h: |t| rectangles,
 // outward for t above 0, inward below, turned by angle degrees about (x, y);
