@@ -8,7 +8,7 @@
 
 #include "core/glbblk.h"
 #include "devices/device.h"
-#include "raster/primitives.h"
+#include "raster/marker_figure.h"
 
 namespace {
 
@@ -130,45 +130,17 @@ void segment(glbblk *b, double xa, double ya, double xc, double yc) {
     qqrdrw(b, xc, yc);
 }
 
-// A marker as a figure of lines: the shapes of its kind, as the canvas
-// draws them, around (x, y) with half-size r.
+// A marker as a figure of lines, the same figure the canvas draws.
+struct LineFigure {
+    glbblk *b;
+    void polygon(const double *x, const double *y, int n, bool filled) { ::polygon(b, x, y, n, filled); }
+    void segment(double xa, double ya, double xc, double yc) { ::segment(b, xa, ya, xc, yc); }
+    void circle(double x, double y, double r, bool half, bool filled) { ::circle(b, x, y, r, half, filled); }
+};
+
 void marker_lines(glbblk *b, int kind, double x, double y, double r) {
-    int shape = qqmarkshape(kind);
-    bool filled = (shape & QQ_MK_FILLED) != 0;
-    if (shape & QQ_MK_SQUARE) {
-        const double sx[4] = {x - r, x + r, x + r, x - r}, sy[4] = {y - r, y - r, y + r, y + r};
-        polygon(b, sx, sy, 4, filled);
-    }
-    if (shape & QQ_MK_OCTAGON) {
-        double q = r / 2;
-        const double ox[8] = {x - q, x + q, x + r, x + r, x + q, x - q, x - r, x - r};
-        const double oy[8] = {y - r, y - r, y - q, y + q, y + r, y + r, y + q, y - q};
-        polygon(b, ox, oy, 8, filled);
-    }
-    if (shape & QQ_MK_TRI_UP) {
-        const double tx[3] = {x, x + r, x - r}, ty[3] = {y - r, y + r, y + r};
-        polygon(b, tx, ty, 3, filled);
-    }
-    if (shape & QQ_MK_TRI_DOWN) {
-        const double tx[3] = {x, x - r, x + r}, ty[3] = {y + r, y - r, y - r};
-        polygon(b, tx, ty, 3, filled);
-    }
-    if (shape & QQ_MK_DIAMOND) {
-        const double dx[4] = {x, x + r, x, x - r}, dy[4] = {y - r, y, y + r, y};
-        polygon(b, dx, dy, 4, filled);
-    }
-    if (shape & QQ_MK_PLUS) {
-        segment(b, x - r, y, x + r, y);
-        segment(b, x, y - r, x, y + r);
-    }
-    if (shape & QQ_MK_CROSS) {
-        segment(b, x - r, y - r, x + r, y + r);
-        segment(b, x - r, y + r, x + r, y - r);
-    }
-    if (shape & QQ_MK_CIRCLE) circle(b, x, y, r, false, false);
-    if (shape & QQ_MK_HALF_CIRCLE) circle(b, x, y, r, true, false);
-    if (shape & QQ_MK_DISC) circle(b, x, y, r, false, true);
-    if (shape & QQ_MK_HALF_DISC) circle(b, x, y, r, true, true);
+    LineFigure sink{b};
+    qqmarkfigure(kind, x, y, r, sink);
 }
 
 }  // namespace

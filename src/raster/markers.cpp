@@ -1,6 +1,7 @@
 // Markers drawn straight onto the canvas: each kind combines a few simple
 // shapes (plus, cross, square, octagon, triangles, diamond, circles, discs).
 #include "raster/canvas_state.h"
+#include "raster/marker_figure.h"
 #include "raster/paint.h"
 #include "raster/primitives.h"
 
@@ -112,49 +113,31 @@ void paint_circle(qqcanvas *cv, int x, int y, int r, bool half) {
 
 int qqmarkshape(int kind) noexcept { return kind >= 0 && kind < 24 ? kMarkers[kind] : 0; }
 
+namespace {
+
+// The canvas's own strokes of a marker figure.
+struct CanvasFigure {
+    qqcanvas *cv;
+    void polygon(const int *x, const int *y, int n, bool filled) { outline(cv, x, y, n, filled); }
+    void segment(int xa, int ya, int xb, int yb) { line(cv, xa, ya, xb, yb); }
+    void circle(int x, int y, int r, bool half, bool filled) {
+        if (filled) {
+            qqcdisc(cv, x, y, r, half ? 1 : 0);
+            return;
+        }
+        paint_circle(cv, x, y, r, half);
+        if (half) line(cv, x - r, y, x + r, y);
+    }
+};
+
+}  // namespace
+
 void qqcmark(qqcanvas *cv, int kind, int x, int y, int size) noexcept {
     if (!cv->pix || kind < 0 || kind > 23) return;
     qqcflush(cv);
     unsigned char clipon = cv->clipon;
     cv->clipon = 1;
-    int shape = kMarkers[kind], r = size / 2;
-    bool filled = (shape & QQ_MK_FILLED) != 0;
-    if (shape & QQ_MK_SQUARE) {
-        const int sx[4] = {x - r, x + r, x + r, x - r}, sy[4] = {y - r, y - r, y + r, y + r};
-        outline(cv, sx, sy, 4, filled);
-    }
-    if (shape & QQ_MK_OCTAGON) {
-        int q = r / 2;
-        const int ox[8] = {x - q, x + q, x + r, x + r, x + q, x - q, x - r, x - r};
-        const int oy[8] = {y - r, y - r, y - q, y + q, y + r, y + r, y + q, y - q};
-        outline(cv, ox, oy, 8, filled);
-    }
-    if (shape & QQ_MK_TRI_UP) {
-        const int tx[3] = {x, x + r, x - r}, ty[3] = {y - r, y + r, y + r};
-        outline(cv, tx, ty, 3, filled);
-    }
-    if (shape & QQ_MK_TRI_DOWN) {
-        const int tx[3] = {x, x - r, x + r}, ty[3] = {y + r, y - r, y - r};
-        outline(cv, tx, ty, 3, filled);
-    }
-    if (shape & QQ_MK_DIAMOND) {
-        const int dx[4] = {x, x + r, x, x - r}, dy[4] = {y - r, y, y + r, y};
-        outline(cv, dx, dy, 4, filled);
-    }
-    if (shape & QQ_MK_PLUS) {
-        line(cv, x - r, y, x + r, y);
-        line(cv, x, y - r, x, y + r);
-    }
-    if (shape & QQ_MK_CROSS) {
-        line(cv, x - r, y - r, x + r, y + r);
-        line(cv, x - r, y + r, x + r, y - r);
-    }
-    if (shape & QQ_MK_CIRCLE) paint_circle(cv, x, y, r, false);
-    if (shape & QQ_MK_HALF_CIRCLE) {
-        paint_circle(cv, x, y, r, true);
-        line(cv, x - r, y, x + r, y);
-    }
-    if (shape & QQ_MK_DISC) qqcdisc(cv, x, y, r, 0);
-    if (shape & QQ_MK_HALF_DISC) qqcdisc(cv, x, y, r, 1);
+    CanvasFigure sink{cv};
+    qqmarkfigure(kind, x, y, size / 2, sink);
     cv->clipon = clipon;
 }
