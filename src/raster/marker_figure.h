@@ -3,7 +3,52 @@
 // corners of its outlines, its strokes and its circles, in a fixed order.
 #pragma once
 
-#include "raster/primitives.h"
+// The shapes that markers combine; qqmarkshape gives those of a kind 0 to
+// 23 (0 for another), so that every way of drawing a marker draws the same.
+enum {
+    QQ_MK_PLUS = 1,
+    QQ_MK_CROSS = 2,
+    QQ_MK_SQUARE = 4,
+    QQ_MK_OCTAGON = 8,
+    QQ_MK_TRI_UP = 16,
+    QQ_MK_TRI_DOWN = 32,
+    QQ_MK_DIAMOND = 64,
+    QQ_MK_CIRCLE = 128,
+    QQ_MK_HALF_CIRCLE = 256,
+    QQ_MK_DISC = 512,
+    QQ_MK_HALF_DISC = 1024,
+    QQ_MK_FILLED = 2048,
+};
+
+// The shapes of marker kinds 0 to 23.
+inline constexpr int kQQMarkers[24] = {
+    QQ_MK_SQUARE,             // 0
+    QQ_MK_OCTAGON,            // 1
+    QQ_MK_TRI_UP,             // 2
+    QQ_MK_PLUS,               // 3
+    QQ_MK_CROSS,              // 4
+    QQ_MK_DIAMOND,            // 5
+    QQ_MK_TRI_DOWN,           // 6
+    QQ_MK_SQUARE | QQ_MK_CROSS,     // 7
+    QQ_MK_PLUS | QQ_MK_CROSS,       // 8
+    QQ_MK_PLUS | QQ_MK_DIAMOND,     // 9
+    QQ_MK_PLUS | QQ_MK_OCTAGON,     // 10
+    QQ_MK_TRI_UP | QQ_MK_TRI_DOWN,  // 11
+    QQ_MK_PLUS | QQ_MK_SQUARE,      // 12
+    QQ_MK_CROSS | QQ_MK_OCTAGON,    // 13
+    QQ_MK_SQUARE | QQ_MK_TRI_UP,    // 14
+    QQ_MK_CIRCLE,             // 15
+    QQ_MK_SQUARE | QQ_MK_FILLED,    // 16
+    QQ_MK_OCTAGON | QQ_MK_FILLED,   // 17
+    QQ_MK_TRI_UP | QQ_MK_FILLED,    // 18
+    QQ_MK_DIAMOND | QQ_MK_FILLED,   // 19
+    QQ_MK_TRI_DOWN | QQ_MK_FILLED,  // 20
+    QQ_MK_DISC,               // 21
+    QQ_MK_HALF_CIRCLE,        // 22
+    QQ_MK_HALF_DISC,          // 23
+};
+
+inline int qqmarkshape(int kind) noexcept { return kind >= 0 && kind < 24 ? kQQMarkers[kind] : 0; }
 
 // Walks the shapes of marker kind 0 to 23 centred at (x, y) with half-size
 // r, in the number type T of the caller.  The sink answers

@@ -7,34 +7,6 @@
 
 namespace {
 
-// The shapes of marker kinds 0 to 23.
-const int kMarkers[24] = {
-    QQ_MK_SQUARE,             // 0
-    QQ_MK_OCTAGON,            // 1
-    QQ_MK_TRI_UP,             // 2
-    QQ_MK_PLUS,               // 3
-    QQ_MK_CROSS,              // 4
-    QQ_MK_DIAMOND,            // 5
-    QQ_MK_TRI_DOWN,           // 6
-    QQ_MK_SQUARE | QQ_MK_CROSS,     // 7
-    QQ_MK_PLUS | QQ_MK_CROSS,       // 8
-    QQ_MK_PLUS | QQ_MK_DIAMOND,     // 9
-    QQ_MK_PLUS | QQ_MK_OCTAGON,     // 10
-    QQ_MK_TRI_UP | QQ_MK_TRI_DOWN,  // 11
-    QQ_MK_PLUS | QQ_MK_SQUARE,      // 12
-    QQ_MK_CROSS | QQ_MK_OCTAGON,    // 13
-    QQ_MK_SQUARE | QQ_MK_TRI_UP,    // 14
-    QQ_MK_CIRCLE,             // 15
-    QQ_MK_SQUARE | QQ_MK_FILLED,    // 16
-    QQ_MK_OCTAGON | QQ_MK_FILLED,   // 17
-    QQ_MK_TRI_UP | QQ_MK_FILLED,    // 18
-    QQ_MK_DIAMOND | QQ_MK_FILLED,   // 19
-    QQ_MK_TRI_DOWN | QQ_MK_FILLED,  // 20
-    QQ_MK_DISC,               // 21
-    QQ_MK_HALF_CIRCLE,        // 22
-    QQ_MK_HALF_DISC,          // 23
-};
-
 void line(qqcanvas *cv, int xa, int ya, int xb, int yb) {
     const int x[2] = {xa, xb}, y[2] = {ya, yb};
     qqcpolyline(cv, x, y, 2);
@@ -110,8 +82,6 @@ void paint_circle(qqcanvas *cv, int x, int y, int r, bool half) {
 }
 
 }  // namespace
-
-int qqmarkshape(int kind) noexcept { return kind >= 0 && kind < 24 ? kMarkers[kind] : 0; }
 
 namespace {
 

@@ -31,23 +31,6 @@ int qqcfillm(qqcanvas *cv, const double *x, const double *y, int n, const double
 void qqcrect(qqcanvas *cv, int x1, int y1, int x2, int y2, int colour) noexcept;
 // One pixel in the colour value given; nothing outside the clip.
 void qqcpixel(qqcanvas *cv, int x, int y, int colour) noexcept;
-// The shapes that markers combine; qqmarkshape gives those of a kind 0 to
-// 23 (0 for another), so that every way of drawing a marker draws the same.
-enum {
-    QQ_MK_PLUS = 1,
-    QQ_MK_CROSS = 2,
-    QQ_MK_SQUARE = 4,
-    QQ_MK_OCTAGON = 8,
-    QQ_MK_TRI_UP = 16,
-    QQ_MK_TRI_DOWN = 32,
-    QQ_MK_DIAMOND = 64,
-    QQ_MK_CIRCLE = 128,
-    QQ_MK_HALF_CIRCLE = 256,
-    QQ_MK_DISC = 512,
-    QQ_MK_HALF_DISC = 1024,
-    QQ_MK_FILLED = 2048,
-};
-int qqmarkshape(int kind) noexcept;
 // Marker of kind 0 to 23 centred at (x, y), size in pixels.
 void qqcmark(qqcanvas *cv, int kind, int x, int y, int size) noexcept;
 // Disc of radius r; mode 0 whole, 1 the upper half.
