@@ -179,12 +179,10 @@ struct DigitPairs {
 };
 constexpr DigitPairs kPairs;
 
-// An integer and the blank behind it.  The digits are built at the end of
-// a scratch area with 16 readable bytes behind their start, so that the
-// usual short number goes into the line as one fixed-size copy.
-inline void inum(glbblk *b, long long v) {
-    char t[40];
-    char *e = t + 24, *q = e;
+// The digits of v and the blank behind it, written backwards so that they
+// end just before e; returns where they begin.  At most 21 bytes.
+inline char *int_before(char *e, long long v) {
+    char *q = e;
     *--q = ' ';
     unsigned long long u = v < 0 ? 0ULL - (unsigned long long)v : (unsigned long long)v;
     while (u >= 100) {
@@ -200,14 +198,44 @@ inline void inum(glbblk *b, long long v) {
         *--q = (char)('0' + u);
     }
     if (v < 0) *--q = '-';
-    int len = (int)(e - q);
+    return q;
+}
+
+// An integer and the blank behind it, as one word.
+inline void inum(glbblk *b, long long v) {
+    char t[24];
+    char *q = int_before(t + sizeof t, v);
+    int len = (int)(t + sizeof t - q);
+    if (char *d = room(b, len)) std::memcpy(d, q, (size_t)len);
+}
+
+// A point and its operator, "x y u " or "x y d ": three words.  When all
+// three fit in the line they go in with one copy; otherwise word by word,
+// so that the line breaks fall exactly where single words put them.
+inline void point(glbblk *b, long long x, long long y, char op) {
     SessionState &s = b->sess;
-    char *d = room(b, len);
-    if (!d) return;
-    if (d + 16 <= s.lnbuf + s.lnlen + 2)
-        std::memcpy(d, q, 16);  // bytes past the line's end are never written out
-    else
-        std::memcpy(d, q, (size_t)len);
+    // The text ends at t + 48 and is at most 44 bytes long, so that 48 bytes
+    // from its start can always be read: the usual case is one copy of a
+    // fixed size, into a line that has room for it (what lies behind the
+    // text is never written out).
+    char t[96];
+    char *e = t + 48;
+    e[-2] = op;
+    e[-1] = ' ';
+    char *q = int_before(int_before(e - 2, y), x);
+    int len = (int)(e - q);
+    if (s.lnbuf && s.lnpos + len <= s.lnlen) {
+        if (s.lnpos + 48 <= s.lnlen + 2)
+            std::memcpy(s.lnbuf + s.lnpos, q, 48);
+        else
+            std::memcpy(s.lnbuf + s.lnpos, q, (size_t)len);
+        s.lnpos += len;
+        return;
+    }
+    inum(b, x);
+    inum(b, y);
+    const char word[2] = {op, ' '};
+    if (char *d = room(b, 2)) std::memcpy(d, word, 2);
 }
 
 // A decimal number with prec decimals and the blank behind it, whatever
@@ -270,14 +298,8 @@ void write_path(glbblk *b) {
     int n = p.npath;
     if (n == 0 || !p.pathx) return;
     bool dot = n == 2 && p.pathx[0] == p.pathx[1] && p.pathy[0] == p.pathy[1];
-    inum(b, dot ? p.pathx[0] - 2LL : p.pathx[0]);
-    inum(b, p.pathy[0]);
-    put(b, "u ");
-    for (int i = 1; i < n; ++i) {
-        inum(b, dot ? p.pathx[i] + 2LL : p.pathx[i]);
-        inum(b, p.pathy[i]);
-        put(b, "d ");
-    }
+    point(b, dot ? p.pathx[0] - 2LL : p.pathx[0], p.pathy[0], 'u');
+    for (int i = 1; i < n; ++i) point(b, dot ? p.pathx[i] + 2LL : p.pathx[i], p.pathy[i], 'd');
     put(b, "p ");
 }
 
