@@ -25,6 +25,7 @@ struct QQHwChar {
     int angle;         // text angle in degrees, counter-clockwise
     int font;          // PostScript font index 0 to 34
     double capheight;  // capital height of that font, in 1/1000 of the size
+    double wfac;       // width factor of the characters (chawth); 0 counts as 1
 };
 
 // Operation codes of qqplot and a driver's line operation.

@@ -766,7 +766,12 @@ int pdf_char(glbblk *b, const QQHwChar *c) {
         p->pathopen = 0;
         p->penmode = 3;
     }
-    if (p->intext && (f != p->fontidx || z != p->fontsz)) {
+    // The width factor becomes the horizontal scaling of the text object,
+    // in whole percent; a new factor needs a new object, as a new font does.
+    double wf = c->wfac > 0 ? c->wfac : 1.0;
+    double wzv = wf * 100.0;
+    int wz = wzv > 0 && wzv < 1e6 ? (int)wzv : 100;
+    if (p->intext && (f != p->fontidx || z != p->fontsz || wz != p->fontwz)) {
         pdfw_str(p, "ET\n");
         p->intext = 0;
     }
@@ -779,11 +784,12 @@ int pdf_char(glbblk *b, const QQHwChar *c) {
         e = pdfw_int(pdfw_txt(line, "BT\n/F"), f + 1);
         *e++ = ' ';
         e = pdfw_fix(e, (double)((float)z / 10.0f), 1);
-        // The width factor of the characters is 1: Tz 100.
-        put(p, line, pdfw_txt(e, " Tf\n100 Tz\n"));
+        e = pdfw_int(pdfw_txt(e, " Tf\n"), wz);
+        put(p, line, pdfw_txt(e, " Tz\n"));
         p->intext = 1;
         p->fontidx = f;
         p->fontsz = z;
+        p->fontwz = wz;
     }
     int a = ((angle % 360) + 360) % 360;
     if (a == 0) {

@@ -147,7 +147,7 @@ void finish_piece(PdfRecord *p) {
 // a piece is still on its way, or memory or a thread cannot be had: the
 // caller then compresses here.
 bool hand_over(PdfRecord *p) {
-    if (std::thread::hardware_concurrency() < 2) return false;
+    if (!qqpdfpieces || std::thread::hardware_concurrency() < 2) return false;
     if (!p->piece) p->piece = new (std::nothrow) PdfPiece;
     PdfPiece *q = p->piece;
     if (!q || q->busy || p->stmcap != kContentCap) return false;
@@ -186,6 +186,7 @@ void next_piece(PdfRecord *p) {
 }  // namespace
 
 void *(*qqpdfrealloc)(void *old, size_t size) = plain_realloc;
+int qqpdfpieces = 1;
 
 void pdfw_put(PdfRecord *p, const char *data, size_t n) noexcept {
     while (n > 0) {

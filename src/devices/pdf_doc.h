@@ -69,6 +69,7 @@ struct PdfRecord {
     float penx, peny;            // last position in points
     unsigned char intext;        // between BT and ET
     int fontidx, fontsz;         // font and size (tenths of a point) of the open text object
+    int fontwz;                  // its horizontal scaling in percent (Tz)
     unsigned char fontuse[35];   // 0 unused, 1 used and not yet written, 2 written
     unsigned char anyfont;       // a font was used
     unsigned char clipon;        // one q of a clip rectangle is open
@@ -149,3 +150,6 @@ void pdfw_free(PdfRecord *p) noexcept;
 // Allocation (realloc's contract) of everything that the writer may fail
 // to get; a test can replace it to see the fallbacks work.
 extern void *(*qqpdfrealloc)(void *old, size_t size);
+// Whether a long page may compress a piece on a second thread (1, the
+// default) or compresses every piece here (0): a test compares the two.
+extern int qqpdfpieces;
