@@ -533,6 +533,19 @@ void pdf_line(glbblk *b, double x, double y, int op) {
         path_move(p, (float)px, (float)py);
 }
 
+void pdf_polyline(glbblk *b, const double *x, const double *y, int n) {
+    PdfRecord *p = rec(b);
+    if (!p) return;
+    for (int i = 0; i < n; ++i) {
+        double px, py;
+        to_points(b, x[i], y[i], &px, &py);
+        if (i == 0)
+            path_move(p, (float)px, (float)py);
+        else
+            path_draw(p, (float)px, (float)py);
+    }
+}
+
 void pdf_colour(glbblk *b, int, int r, int g, int bl, int) {
     PdfRecord *p = rec(b);
     if (!p) return;
@@ -924,6 +937,7 @@ namespace {
 const DriverOps kOps = {
     .open = pdf_open,
     .line = pdf_line,
+    .polyline = pdf_polyline,
     .colour = pdf_colour,
     .width = pdf_width,
     .linestyle = pdf_linestyle,

@@ -209,26 +209,29 @@ inline void inum(glbblk *b, long long v) {
     if (char *d = room(b, len)) std::memcpy(d, q, (size_t)len);
 }
 
+// The length of int_before's text for v: its digits, sign and blank.
+inline int int_length(long long v) {
+    unsigned long long u = v < 0 ? 0ULL - (unsigned long long)v : (unsigned long long)v;
+    int n = 2 + (v < 0);
+    while (u >= 10000) {
+        u /= 10000;
+        n += 4;
+    }
+    return n + (u >= 10) + (u >= 100) + (u >= 1000);
+}
+
 // A point and its operator, "x y u " or "x y d ": three words.  When all
-// three fit in the line they go in with one copy; otherwise word by word,
-// so that the line breaks fall exactly where single words put them.
+// three fit in the line they are formatted straight into it; otherwise
+// word by word, so that the line breaks fall exactly where single words
+// put them.
 inline void point(glbblk *b, long long x, long long y, char op) {
     SessionState &s = b->sess;
-    // The text ends at t + 48 and is at most 44 bytes long, so that 48 bytes
-    // from its start can always be read: the usual case is one copy of a
-    // fixed size, into a line that has room for it (what lies behind the
-    // text is never written out).
-    char t[96];
-    char *e = t + 48;
-    e[-2] = op;
-    e[-1] = ' ';
-    char *q = int_before(int_before(e - 2, y), x);
-    int len = (int)(e - q);
+    int len = int_length(x) + int_length(y) + 2;
     if (s.lnbuf && s.lnpos + len <= s.lnlen) {
-        if (s.lnpos + 48 <= s.lnlen + 2)
-            std::memcpy(s.lnbuf + s.lnpos, q, 48);
-        else
-            std::memcpy(s.lnbuf + s.lnpos, q, (size_t)len);
+        char *e = s.lnbuf + s.lnpos + len;
+        e[-2] = op;
+        e[-1] = ' ';
+        int_before(int_before(e - 2, y), x);
         s.lnpos += len;
         return;
     }
@@ -520,6 +523,14 @@ void ps_line(glbblk *b, double x, double y, int op) {
     path_op(b, dev_int(dx), dev_int(dy), op);
 }
 
+void ps_polyline(glbblk *b, const double *x, const double *y, int n) {
+    for (int i = 0; i < n; ++i) {
+        double dx, dy;
+        map(b, x[i], y[i], &dx, &dy);
+        path_op(b, dev_int(dx), dev_int(dy), i == 0 ? QQ_MOVE : QQ_DRAW);
+    }
+}
+
 void ps_colour(glbblk *b, int, int r, int g, int bl, int) {
     end_path(b);
     b->ps.r = (unsigned char)r;
@@ -808,6 +819,7 @@ namespace {
 const DriverOps kOps = {
     .open = ps_open,
     .line = ps_line,
+    .polyline = ps_polyline,
     .colour = ps_colour,
     .width = ps_width,
     .linestyle = ps_linestyle,
