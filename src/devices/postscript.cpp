@@ -179,6 +179,22 @@ struct DigitPairs {
 };
 constexpr DigitPairs kPairs;
 
+// The decimal digits of 0 to 9999, four to an entry with leading zeros,
+// and four bytes of padding behind, so that the last k digits of any entry
+// can be read as four bytes.  Device coordinates of a page all lie here.
+struct DigitQuads {
+    char d[4 * 10000 + 4];
+    constexpr DigitQuads() : d() {
+        for (int i = 0; i < 10000; ++i) {
+            d[4 * i] = (char)('0' + i / 1000);
+            d[4 * i + 1] = (char)('0' + i / 100 % 10);
+            d[4 * i + 2] = (char)('0' + i / 10 % 10);
+            d[4 * i + 3] = (char)('0' + i % 10);
+        }
+    }
+};
+constexpr DigitQuads kQuads;
+
 // The digits of v and the blank behind it, written backwards so that they
 // end just before e; returns where they begin.  At most 21 bytes.
 inline char *int_before(char *e, long long v) {
@@ -226,6 +242,27 @@ inline int int_length(long long v) {
 // put them.
 inline void point(glbblk *b, long long x, long long y, char op) {
     SessionState &s = b->sess;
+    if (x >= 0 && x < 10000 && y >= 0 && y < 10000) {
+        // The usual point of a page: each number is one four-byte copy from
+        // the table.  A copy may reach up to three bytes past its digits;
+        // what is written next covers them, and the line has room for all.
+        int kx = 1 + (x >= 10) + (x >= 100) + (x >= 1000);
+        int ky = 1 + (y >= 10) + (y >= 100) + (y >= 1000);
+        int len = kx + ky + 4;
+        if (s.lnbuf && s.lnpos + len <= s.lnlen) {
+            char *q = s.lnbuf + s.lnpos;
+            std::memcpy(q, kQuads.d + 4 * x + 4 - kx, 4);
+            q += kx;
+            *q++ = ' ';
+            std::memcpy(q, kQuads.d + 4 * y + 4 - ky, 4);
+            q += ky;
+            q[0] = ' ';
+            q[1] = op;
+            q[2] = ' ';
+            s.lnpos += len;
+            return;
+        }
+    }
     int len = int_length(x) + int_length(y) + 2;
     if (s.lnbuf && s.lnpos + len <= s.lnlen) {
         char *e = s.lnbuf + s.lnpos + len;
