@@ -190,6 +190,15 @@ void qqdraw(glbblk *b, double x, double y) noexcept {
     if (d.dshn <= 1 && d.lnoff == 0) {
         d.curx = x;
         d.cury = y;
+        int n = d.npol;
+        if (d.pl3on != 1 && d.trfon != 1 && n > 0 && n < QQ_NPOL - 1) {
+            // The common case of a long solid line: nothing to transform,
+            // the buffer neither empty nor about to fill.
+            d.polx[n] = x;
+            d.poly[n] = y;
+            d.npol = n + 1;
+            return;
+        }
         buf_draw(b, x, y);
         return;
     }
