@@ -533,9 +533,8 @@ void pdf_line(glbblk *b, double x, double y, int op) {
         path_move(p, (float)px, (float)py);
 }
 
-void pdf_polyline(glbblk *b, const double *x, const double *y, int n) {
-    PdfRecord *p = rec(b);
-    if (!p) return;
+// n plot positions as one path: a move, then draws.
+void path_points(glbblk *b, PdfRecord *p, const double *x, const double *y, int n) {
     for (int i = 0; i < n; ++i) {
         double px, py;
         to_points(b, x[i], y[i], &px, &py);
@@ -544,6 +543,10 @@ void pdf_polyline(glbblk *b, const double *x, const double *y, int n) {
         else
             path_draw(p, (float)px, (float)py);
     }
+}
+
+void pdf_polyline(glbblk *b, const double *x, const double *y, int n) {
+    if (PdfRecord *p = rec(b)) path_points(b, p, x, y, n);
 }
 
 void pdf_colour(glbblk *b, int, int r, int g, int bl, int) {
@@ -620,14 +623,7 @@ int pdf_fill(glbblk *b, const double *x, const double *y, int n) {
     if (b->dev.clpcir && !qqvinside(b, x, y, n)) return 0;
     before(p, OP_FILL);
     fill_as_stroke(p);
-    for (int i = 0; i < n; ++i) {
-        double px, py;
-        to_points(b, x[i], y[i], &px, &py);
-        if (i == 0)
-            path_move(p, (float)px, (float)py);
-        else
-            path_draw(p, (float)px, (float)py);
-    }
+    path_points(b, p, x, y, n);
     before(p, OP_FILL);
     pdfw_str(p, "h\nf*\n");
     return 1;

@@ -75,6 +75,18 @@ void *test_realloc(void *old, size_t size) {
     return std::realloc(old, size);
 }
 
+// A character of Helvetica, 36 plot coordinates high, at (100, 1000).
+QQHwChar helvetica(int code) {
+    QQHwChar c{};
+    c.code = code;
+    c.x = 100;
+    c.y = 1000;
+    c.height = 36;
+    c.font = 4;
+    c.capheight = 720;
+    return c;
+}
+
 }  // namespace
 
 TEST(pdf_bytes_of_a_small_session) {
@@ -95,13 +107,7 @@ TEST(pdf_bytes_of_a_small_session) {
     CHECK_EQ(drv->fill_polygon(b, px, py, 3), 1);
     drv->fill_rect(b, 10, 20, 10, 40, 0x01FF0000);  // no width: a stripe
     clpwin(0, 0, 500, 400);
-    QQHwChar c{};
-    c.code = '(';
-    c.x = 100;
-    c.y = 1000;
-    c.height = 36;
-    c.font = 4;
-    c.capheight = 720;
+    QQHwChar c = helvetica('(');
     drv->character(b, &c);
     c.code = 129;  // an accented letter, in the same text object
     c.x = 130;
@@ -223,13 +229,7 @@ TEST(pdf_pieces_on_a_second_thread) {
 TEST(pdf_text_width_factor) {
     glbblk *b = open_pdf("wide.pdf", false);
     const DriverOps *drv = b->dev.drv;
-    QQHwChar c{};
-    c.code = 'A';
-    c.x = 100;
-    c.y = 1000;
-    c.height = 36;
-    c.font = 4;
-    c.capheight = 720;
+    QQHwChar c = helvetica('A');
     c.wfac = 0.8;
     drv->character(b, &c);
     c.wfac = 1.5;
