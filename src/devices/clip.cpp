@@ -122,6 +122,17 @@ int qqin(glbblk *b, double x, double y) noexcept {
     return outcode(d, x, y) ? 1 : 0;
 }
 
+bool qqallin(glbblk *b, const double *x, const double *y, int n) noexcept {
+    const DeviceState &d = b->dev;
+    if (d.clpcir == 1) return false;
+    const double lx = d.clpx1 - kTol, hx = d.clpx2 + kTol, ly = d.clpy1 - kTol, hy = d.clpy2 + kTol;
+    bool in = true;
+    // No early exit: the usual piece is inside, and a branch-free loop
+    // over it is the faster test.  NaN fails every comparison.
+    for (int i = 0; i < n; ++i) in &= x[i] >= lx && x[i] <= hx && y[i] >= ly && y[i] <= hy;
+    return in;
+}
+
 void qqout(glbblk *b, double x0, double y0, double x1, double y1, bool move) noexcept {
     if (move) qqplot(b, x0, y0, QQ_MOVE);
     DeviceState &d = b->dev;

@@ -25,6 +25,7 @@ struct QQHwChar {
     int angle;         // text angle in degrees, counter-clockwise
     int font;          // PostScript font index 0 to 34
     double capheight;  // capital height of that font, in 1/1000 of the size
+    double wfac;       // width factor of the characters (chawth); 0 counts as 1
 };
 
 // Operation codes of qqplot and a driver's line operation.
@@ -46,6 +47,12 @@ struct DriverOps {
     // One position: QQ_MOVE starts a path, QQ_DRAW extends it (nvec has
     // been raised), QQ_ENDPATH writes what the driver buffers.
     void (*line)(glbblk *b, double x, double y, int op);
+    // A piece of n points (n at least 2) that lies wholly inside the clip
+    // region with no hidden-line or shield test at work: the first point a
+    // move, the others draws, exactly as line would get them one by one
+    // (nvec has been raised for the draws).  Optional: a driver that offers
+    // it saves the layer's work per point on long curves.
+    void (*polyline)(glbblk *b, const double *x, const double *y, int n);
     // The colour: the value as the caller gave it (raster and screen take
     // it as it stands), and its red, green, blue 0 to 255 and index as the
     // layer decoded them for the device's colour depth.

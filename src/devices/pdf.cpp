@@ -534,6 +534,22 @@ void pdf_line(glbblk *b, double x, double y, int op) {
         path_move(p, (float)px, (float)py);
 }
 
+// n plot positions as one path: a move, then draws.
+void path_points(glbblk *b, PdfRecord *p, const double *x, const double *y, int n) {
+    for (int i = 0; i < n; ++i) {
+        double px, py;
+        to_points(b, x[i], y[i], &px, &py);
+        if (i == 0)
+            path_move(p, (float)px, (float)py);
+        else
+            path_draw(p, (float)px, (float)py);
+    }
+}
+
+void pdf_polyline(glbblk *b, const double *x, const double *y, int n) {
+    if (PdfRecord *p = rec(b)) path_points(b, p, x, y, n);
+}
+
 void pdf_colour(glbblk *b, int, int r, int g, int bl, int) {
     PdfRecord *p = rec(b);
     if (!p) return;
@@ -608,14 +624,7 @@ int pdf_fill(glbblk *b, const double *x, const double *y, int n) {
     if (b->dev.clpcir && !qqvinside(b, x, y, n)) return 0;
     before(p, OP_FILL);
     fill_as_stroke(p);
-    for (int i = 0; i < n; ++i) {
-        double px, py;
-        to_points(b, x[i], y[i], &px, &py);
-        if (i == 0)
-            path_move(p, (float)px, (float)py);
-        else
-            path_draw(p, (float)px, (float)py);
-    }
+    path_points(b, p, x, y, n);
     before(p, OP_FILL);
     pdfw_str(p, "h\nf*\n");
     return 1;
@@ -767,7 +776,12 @@ int pdf_char(glbblk *b, const QQHwChar *c) {
         p->pathopen = 0;
         p->penmode = 3;
     }
-    if (p->intext && (f != p->fontidx || z != p->fontsz)) {
+    // The width factor becomes the horizontal scaling of the text object,
+    // in whole percent; a new factor needs a new object, as a new font does.
+    double wf = c->wfac > 0 ? c->wfac : 1.0;
+    double wzv = wf * 100.0;
+    int wz = wzv > 0 && wzv < 1e6 ? (int)wzv : 100;
+    if (p->intext && (f != p->fontidx || z != p->fontsz || wz != p->fontwz)) {
         pdfw_str(p, "ET\n");
         p->intext = 0;
     }
@@ -780,11 +794,12 @@ int pdf_char(glbblk *b, const QQHwChar *c) {
         e = pdfw_int(pdfw_txt(line, "BT\n/F"), f + 1);
         *e++ = ' ';
         e = pdfw_fix(e, (double)((float)z / 10.0f), 1);
-        // The width factor of the characters is 1: Tz 100.
-        put(p, line, pdfw_txt(e, " Tf\n100 Tz\n"));
+        e = pdfw_int(pdfw_txt(e, " Tf\n"), wz);
+        put(p, line, pdfw_txt(e, " Tz\n"));
         p->intext = 1;
         p->fontidx = f;
         p->fontsz = z;
+        p->fontwz = wz;
     }
     int a = ((angle % 360) + 360) % 360;
     if (a == 0) {
@@ -925,6 +940,7 @@ namespace {
 const DriverOps kOps = {
     .open = pdf_open,
     .line = pdf_line,
+    .polyline = pdf_polyline,
     .colour = pdf_colour,
     .width = pdf_width,
     .linestyle = pdf_linestyle,

@@ -7,7 +7,23 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <new>
+#include <thread>
 #include <zlib.h>
+
+// A full piece of a long page handed to a second thread for compression.
+// The thread owns raw, z and zlen from its start to its join; the record
+// takes them back at the join, before anything of the piece is written.
+struct PdfPiece {
+    std::thread worker;
+    bool busy = false;
+    int obj = 0;                // the piece's object number
+    unsigned char *raw = nullptr;  // its bytes (a buffer of the content size)
+    size_t rawlen = 0;
+    unsigned char *z = nullptr;  // deflate's output
+    size_t zcap = 0;
+    long long zlen = -1;  // compressed length, -1 when zlib failed
+};
 
 namespace {
 
@@ -56,52 +72,121 @@ bool reserve(unsigned char **buf, size_t *cap, size_t size) {
     return true;
 }
 
-// Deflates the collected stream into zbuf; the compressed length, or -1.
-long long deflate_stream(PdfRecord *p) {
-    size_t n = p->stmlen;
-    if (n > UINT_MAX / 2) return -1;
-    size_t need = n + n / 100 + 13;
-    if (!reserve(&p->zbuf, &p->zcap, need)) return -1;
+// What deflate may need for n bytes in one call; 0 when n is too large.
+size_t deflate_room(size_t n) {
+    return n > UINT_MAX / 2 ? 0 : n + n / 100 + 13;
+}
+
+// Deflates n bytes at the default level in one call into out, which holds
+// deflate_room(n) bytes; the compressed length, or -1.
+long long deflate_into(const unsigned char *in, size_t n, unsigned char *out, size_t room) {
     z_stream zs;
     std::memset(&zs, 0, sizeof zs);
     if (deflateInit(&zs, Z_DEFAULT_COMPRESSION) != Z_OK) return -1;
-    zs.next_in = p->stmbuf;
+    zs.next_in = const_cast<unsigned char *>(in);
     zs.avail_in = (uInt)n;
-    zs.next_out = p->zbuf;
-    zs.avail_out = (uInt)need;
+    zs.next_out = out;
+    zs.avail_out = (uInt)room;
     int r = deflate(&zs, Z_FINISH);
-    long long out = (long long)zs.total_out;
+    long long len = (long long)zs.total_out;
     if (deflateEnd(&zs) != Z_OK || r != Z_STREAM_END) return -1;
-    return out;
+    return len;
 }
 
-// Writes the collected stream, compressed when zlib succeeds, and ends the
-// object.  An image carries the first lines of its dictionary already.
-void write_collected(PdfRecord *p, bool image) {
-    p->stmon = 0;
-    long long z = deflate_stream(p);
+// Deflates the collected stream into zbuf; the compressed length, or -1.
+long long deflate_stream(PdfRecord *p) {
+    size_t need = deflate_room(p->stmlen);
+    if (need == 0 || !reserve(&p->zbuf, &p->zcap, need)) return -1;
+    return deflate_into(p->stmbuf, p->stmlen, p->zbuf, need);
+}
+
+// Writes a collected stream, compressed when zlib succeeded (z of zlen
+// bytes), else raw, and ends the object.  A content stream (obj above 0)
+// writes its "obj" line first; an image carries the first lines of its
+// dictionary already.
+void write_stream(PdfRecord *p, int obj, const unsigned char *raw, size_t rawlen,
+                  const unsigned char *z, long long zlen, bool image) {
+    if (obj > 0) pdfw_place(p, obj);
     char line[96];
     char *e;
-    if (z >= 0) {
-        e = pdfw_int(pdfw_txt(line, image ? "   /Length " : "<< /Length "), z);
+    if (zlen >= 0) {
+        e = pdfw_int(pdfw_txt(line, image ? "   /Length " : "<< /Length "), zlen);
         e = pdfw_txt(e, image ? "\n   /Filter /FlateDecode\n>>\nstream\n"
                               : "\n/Filter /FlateDecode\n>>\nstream\n");
         pdfw_put(p, line, (size_t)(e - line));
-        pdfw_put(p, reinterpret_cast<const char *>(p->zbuf), (size_t)z);
+        pdfw_put(p, reinterpret_cast<const char *>(z), (size_t)zlen);
     } else {
         // No compression today: the same data as they stand.
-        e = pdfw_int(pdfw_txt(line, image ? "   /Length " : "<< /Length "), (long long)p->stmlen);
+        e = pdfw_int(pdfw_txt(line, image ? "   /Length " : "<< /Length "), (long long)rawlen);
         e = pdfw_txt(e, image ? "\n>>\nstream\n" : " >>\nstream\n");
         pdfw_put(p, line, (size_t)(e - line));
-        pdfw_put(p, reinterpret_cast<const char *>(p->stmbuf), p->stmlen);
+        pdfw_put(p, reinterpret_cast<const char *>(raw), rawlen);
     }
     pdfw_str(p, "endstream\nendobj\n");
+}
+
+// Writes the collected stream and ends the object.
+void write_collected(PdfRecord *p, bool image) {
+    p->stmon = 0;
+    long long z = deflate_stream(p);
+    write_stream(p, image ? 0 : p->stmobj, p->stmbuf, p->stmlen, p->zbuf, z, image);
     p->stmlen = 0;
+}
+
+// Waits for the piece on the second thread, if any, and writes it.
+void finish_piece(PdfRecord *p) {
+    PdfPiece *q = p->piece;
+    if (!q || !q->busy) return;
+    q->worker.join();
+    q->busy = false;
+    write_stream(p, q->obj, q->raw, q->rawlen, q->z, q->zlen, false);
+}
+
+// Hands the full content stream being collected to a second thread and
+// swaps in a free buffer, so that collecting goes on at once.  False when
+// a piece is still on its way, or memory or a thread cannot be had: the
+// caller then compresses here.
+bool hand_over(PdfRecord *p) {
+    if (!qqpdfpieces || std::thread::hardware_concurrency() < 2) return false;
+    if (!p->piece) p->piece = new (std::nothrow) PdfPiece;
+    PdfPiece *q = p->piece;
+    if (!q || q->busy || p->stmcap != kContentCap) return false;
+    size_t room = deflate_room(p->stmlen);
+    if (room == 0 || !reserve(&q->z, &q->zcap, room)) return false;
+    if (!q->raw) {
+        q->raw = static_cast<unsigned char *>(qqpdfrealloc(nullptr, kContentCap));
+        if (!q->raw) return false;
+    }
+    std::swap(q->raw, p->stmbuf);
+    q->rawlen = p->stmlen;
+    q->obj = p->stmobj;
+    q->zlen = -1;
+    try {
+        q->worker = std::thread([q, room] { q->zlen = deflate_into(q->raw, q->rawlen, q->z, room); });
+    } catch (...) {
+        std::swap(q->raw, p->stmbuf);
+        return false;
+    }
+    q->busy = true;
+    return true;
+}
+
+// A content stream whose buffer is full, with more of the page to come:
+// it ends, and the next one begins.
+void next_piece(PdfRecord *p) {
+    if (hand_over(p)) {
+        p->stmobj = pdfw_number(p, PDF_CONTENT);
+        p->stmlen = 0;
+        return;
+    }
+    pdfw_content_end(p);
+    pdfw_content_start(p);
 }
 
 }  // namespace
 
 void *(*qqpdfrealloc)(void *old, size_t size) = plain_realloc;
+int qqpdfpieces = 1;
 
 void pdfw_put(PdfRecord *p, const char *data, size_t n) noexcept {
     while (n > 0) {
@@ -112,8 +197,7 @@ void pdfw_put(PdfRecord *p, const char *data, size_t n) noexcept {
         size_t room = p->stmcap - p->stmlen;
         if (n > room && !p->stmimage && p->stmlen > 0) {
             // A long page goes on in a new content stream.
-            pdfw_content_end(p);
-            pdfw_content_start(p);
+            next_piece(p);
             continue;
         }
         if (room == 0) return;  // an image never holds more than its pixels
@@ -173,7 +257,7 @@ char *pdfw_fix(char *at, double v, int prec) noexcept {
     return r.ec == std::errc() ? r.ptr : pdfw_txt(at, "0");
 }
 
-int pdfw_object(PdfRecord *p, int type) noexcept {
+int pdfw_number(PdfRecord *p, int type) noexcept {
     int num = p->objnext;
     if (num >= p->objcap && !p->nomem) {
         int cap = p->objcap + 100;
@@ -187,17 +271,27 @@ int pdfw_object(PdfRecord *p, int type) noexcept {
             p->nomem = 1;
     }
     if (num < p->objcap) {
-        p->objpos[num] = p->pdfpos;
+        p->objpos[num] = 0;
         p->objtype[num] = (unsigned char)type;
     }
     if (type == PDF_CONTENT) {
         p->pagecont++;
         p->contlast = num;
     }
+    p->objnext = num + 1;
+    return num;
+}
+
+void pdfw_place(PdfRecord *p, int num) noexcept {
+    if (num < p->objcap) p->objpos[num] = p->pdfpos;
     char line[40];
     char *e = pdfw_txt(pdfw_int(line, num), " 0 obj\n");
     pdfw_put(p, line, (size_t)(e - line));
-    p->objnext = num + 1;
+}
+
+int pdfw_object(PdfRecord *p, int type) noexcept {
+    int num = pdfw_number(p, type);
+    pdfw_place(p, num);
     return num;
 }
 
@@ -218,14 +312,15 @@ void pdfw_content_start(PdfRecord *p) noexcept {
         }
         p->compnow = p->stmbuf != nullptr;
     }
-    pdfw_object(p, PDF_CONTENT);
     p->instream = 1;
     if (p->compnow) {
+        p->stmobj = pdfw_number(p, PDF_CONTENT);
         p->stmon = 1;
         p->stmimage = 0;
         p->stmlen = 0;
         return;
     }
+    pdfw_object(p, PDF_CONTENT);
     // Without compression the length follows in an object of its own.
     char line[64];
     char *e = pdfw_int(pdfw_txt(line, "<< /Length "), p->objnext);
@@ -238,6 +333,16 @@ void pdfw_content_end(PdfRecord *p) noexcept {
     if (!p->instream) return;
     p->instream = 0;
     if (p->stmon) {
+        if (p->piece && p->piece->busy) {
+            // The last piece is compressed here while the thread finishes
+            // the one before it; then both go out in their order.
+            p->stmon = 0;
+            long long z = deflate_stream(p);
+            finish_piece(p);
+            write_stream(p, p->stmobj, p->stmbuf, p->stmlen, p->zbuf, z, false);
+            p->stmlen = 0;
+            return;
+        }
         write_collected(p, false);
         return;
     }
@@ -290,6 +395,14 @@ int pdfw_sink_memory(PdfRecord *p) noexcept {
 }
 
 void pdfw_free(PdfRecord *p) noexcept {
+    if (PdfPiece *q = p->piece) {
+        // A session dropped in the middle of a page: the piece is not
+        // wanted any more, but its thread must end before its memory goes.
+        if (q->busy) q->worker.join();
+        std::free(q->raw);
+        std::free(q->z);
+        delete q;
+    }
     std::free(p->objpos);
     std::free(p->objtype);
     std::free(p->stmbuf);

@@ -62,11 +62,14 @@ struct PdfRecord {
     long long stmstart;       // offset of an uncompressed stream's data
     unsigned char *zbuf;      // output of deflate, kept from stream to stream
     size_t zcap;
+    int stmobj;               // the content stream being collected: its "obj" line waits for its data
+    struct PdfPiece *piece;   // a full piece of a long page being compressed beside it (pdf_doc.cpp)
     unsigned char pathopen;      // a path with segments is open and must be stroked
     unsigned char penmode;       // 3 after a move, 2 after a draw
     float penx, peny;            // last position in points
     unsigned char intext;        // between BT and ET
     int fontidx, fontsz;         // font and size (tenths of a point) of the open text object
+    int fontwz;                  // its horizontal scaling in percent (Tz)
     unsigned char fontuse[35];   // 0 unused, 1 used and not yet written, 2 written
     unsigned char anyfont;       // a font was used
     unsigned char clipon;        // one q of a clip rectangle is open
@@ -106,6 +109,10 @@ char *pdfw_txt(char *at, const char *text) noexcept;
 // grows by 100 entries; "n 0 obj\n" is written.  Returns its number, or 0
 // when the table could not grow (warning 53 is then the caller's).
 int pdfw_object(PdfRecord *p, int type) noexcept;
+// The two halves of pdfw_object: the number and the table entry, then,
+// when the object's bytes begin, its offset and its "obj" line.
+int pdfw_number(PdfRecord *p, int type) noexcept;
+void pdfw_place(PdfRecord *p, int num) noexcept;
 // The offset of object 1 or 2, written at the end.
 void pdfw_fixed_object(PdfRecord *p, int number) noexcept;
 
@@ -113,6 +120,13 @@ void pdfw_fixed_object(PdfRecord *p, int number) noexcept;
 // when compression is wished and the buffer could be had, else written
 // with an indirect length); end closes it.  A collected stream that
 // overflows its buffer is closed and a new one started by pdfw_put.
+//
+// A collected stream takes its number at the start but reaches the sink,
+// "obj" line and all, only when it ends: nothing else is written between.
+// That lets a long page compress one full piece on a second thread while
+// the next piece is collected and compressed here; the pieces still reach
+// the sink in their order, so the document is byte for byte the one that
+// one thread would write.
 void pdfw_content_start(PdfRecord *p) noexcept;
 void pdfw_content_end(PdfRecord *p) noexcept;
 
@@ -136,3 +150,6 @@ void pdfw_free(PdfRecord *p) noexcept;
 // Allocation (realloc's contract) of everything that the writer may fail
 // to get; a test can replace it to see the fallbacks work.
 extern void *(*qqpdfrealloc)(void *old, size_t size);
+// Whether a long page may compress a piece on a second thread (1, the
+// default) or compresses every piece here (0): a test compares the two.
+extern int qqpdfpieces;

@@ -190,6 +190,15 @@ void qqdraw(glbblk *b, double x, double y) noexcept {
     if (d.dshn <= 1 && d.lnoff == 0) {
         d.curx = x;
         d.cury = y;
+        int n = d.npol;
+        if (d.pl3on != 1 && d.trfon != 1 && n > 0 && n < QQ_NPOL - 1) {
+            // The common case of a long solid line: nothing to transform,
+            // the buffer neither empty nor about to fill.
+            d.polx[n] = x;
+            d.poly[n] = y;
+            d.npol = n + 1;
+            return;
+        }
         buf_draw(b, x, y);
         return;
     }
@@ -326,9 +335,16 @@ void qqflsh(glbblk *b) noexcept {
     // The buffer is free again before anything is drawn, so that a driver
     // or a hook that flushes cannot see the same points twice.
     d.npol = 0;
-    ClipPen pen{b, 0, 0, false};
-    pen_move(pen, d.polx[0], d.poly[0]);
-    for (int i = 1; i < n; ++i) pen_draw(pen, d.polx[i], d.poly[i]);
+    const DriverOps *drv = d.drv;
+    if (n >= 2 && drv && drv->polyline && !d.segtest && qqallin(b, d.polx, d.poly, n)) {
+        // Nothing to clip or test: the driver takes the piece at once.
+        b->sess.nvec += n - 1;
+        drv->polyline(b, d.polx, d.poly, n);
+    } else {
+        ClipPen pen{b, 0, 0, false};
+        pen_move(pen, d.polx[0], d.poly[0]);
+        for (int i = 1; i < n; ++i) pen_draw(pen, d.polx[i], d.poly[i]);
+    }
     if (d.lnwid > 1 && qqnint(d.lnwid * b->core.unitf) > 1 && reaches_clip(b, n))
         qqthick(b, d.polx, d.poly, n);
     // The piece is complete: a driver that buffers paths writes it now,

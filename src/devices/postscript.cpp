@@ -179,12 +179,26 @@ struct DigitPairs {
 };
 constexpr DigitPairs kPairs;
 
-// An integer and the blank behind it.  The digits are built at the end of
-// a scratch area with 16 readable bytes behind their start, so that the
-// usual short number goes into the line as one fixed-size copy.
-inline void inum(glbblk *b, long long v) {
-    char t[40];
-    char *e = t + 24, *q = e;
+// The decimal digits of 0 to 9999, four to an entry with leading zeros,
+// and four bytes of padding behind, so that the last k digits of any entry
+// can be read as four bytes.  Device coordinates of a page all lie here.
+struct DigitQuads {
+    char d[4 * 10000 + 4];
+    constexpr DigitQuads() : d() {
+        for (int i = 0; i < 10000; ++i) {
+            d[4 * i] = (char)('0' + i / 1000);
+            d[4 * i + 1] = (char)('0' + i / 100 % 10);
+            d[4 * i + 2] = (char)('0' + i / 10 % 10);
+            d[4 * i + 3] = (char)('0' + i % 10);
+        }
+    }
+};
+constexpr DigitQuads kQuads;
+
+// The digits of v and the blank behind it, written backwards so that they
+// end just before e; returns where they begin.  At most 21 bytes.
+inline char *int_before(char *e, long long v) {
+    char *q = e;
     *--q = ' ';
     unsigned long long u = v < 0 ? 0ULL - (unsigned long long)v : (unsigned long long)v;
     while (u >= 100) {
@@ -200,14 +214,68 @@ inline void inum(glbblk *b, long long v) {
         *--q = (char)('0' + u);
     }
     if (v < 0) *--q = '-';
-    int len = (int)(e - q);
+    return q;
+}
+
+// An integer and the blank behind it, as one word.
+inline void inum(glbblk *b, long long v) {
+    char t[24];
+    char *q = int_before(t + sizeof t, v);
+    int len = (int)(t + sizeof t - q);
+    if (char *d = room(b, len)) std::memcpy(d, q, (size_t)len);
+}
+
+// The length of int_before's text for v: its digits, sign and blank.
+inline int int_length(long long v) {
+    unsigned long long u = v < 0 ? 0ULL - (unsigned long long)v : (unsigned long long)v;
+    int n = 2 + (v < 0);
+    while (u >= 10000) {
+        u /= 10000;
+        n += 4;
+    }
+    return n + (u >= 10) + (u >= 100) + (u >= 1000);
+}
+
+// A point and its operator, "x y u " or "x y d ": three words.  When all
+// three fit in the line they are formatted straight into it; otherwise
+// word by word, so that the line breaks fall exactly where single words
+// put them.
+inline void point(glbblk *b, long long x, long long y, char op) {
     SessionState &s = b->sess;
-    char *d = room(b, len);
-    if (!d) return;
-    if (d + 16 <= s.lnbuf + s.lnlen + 2)
-        std::memcpy(d, q, 16);  // bytes past the line's end are never written out
-    else
-        std::memcpy(d, q, (size_t)len);
+    if (x >= 0 && x < 10000 && y >= 0 && y < 10000) {
+        // The usual point of a page: each number is one four-byte copy from
+        // the table.  A copy may reach up to three bytes past its digits;
+        // what is written next covers them, and the line has room for all.
+        int kx = 1 + (x >= 10) + (x >= 100) + (x >= 1000);
+        int ky = 1 + (y >= 10) + (y >= 100) + (y >= 1000);
+        int len = kx + ky + 4;
+        if (s.lnbuf && s.lnpos + len <= s.lnlen) {
+            char *q = s.lnbuf + s.lnpos;
+            std::memcpy(q, kQuads.d + 4 * x + 4 - kx, 4);
+            q += kx;
+            *q++ = ' ';
+            std::memcpy(q, kQuads.d + 4 * y + 4 - ky, 4);
+            q += ky;
+            q[0] = ' ';
+            q[1] = op;
+            q[2] = ' ';
+            s.lnpos += len;
+            return;
+        }
+    }
+    int len = int_length(x) + int_length(y) + 2;
+    if (s.lnbuf && s.lnpos + len <= s.lnlen) {
+        char *e = s.lnbuf + s.lnpos + len;
+        e[-2] = op;
+        e[-1] = ' ';
+        int_before(int_before(e - 2, y), x);
+        s.lnpos += len;
+        return;
+    }
+    inum(b, x);
+    inum(b, y);
+    const char word[2] = {op, ' '};
+    if (char *d = room(b, 2)) std::memcpy(d, word, 2);
 }
 
 // A decimal number with prec decimals and the blank behind it, whatever
@@ -270,14 +338,8 @@ void write_path(glbblk *b) {
     int n = p.npath;
     if (n == 0 || !p.pathx) return;
     bool dot = n == 2 && p.pathx[0] == p.pathx[1] && p.pathy[0] == p.pathy[1];
-    inum(b, dot ? p.pathx[0] - 2LL : p.pathx[0]);
-    inum(b, p.pathy[0]);
-    put(b, "u ");
-    for (int i = 1; i < n; ++i) {
-        inum(b, dot ? p.pathx[i] + 2LL : p.pathx[i]);
-        inum(b, p.pathy[i]);
-        put(b, "d ");
-    }
+    point(b, dot ? p.pathx[0] - 2LL : p.pathx[0], p.pathy[0], 'u');
+    for (int i = 1; i < n; ++i) point(b, dot ? p.pathx[i] + 2LL : p.pathx[i], p.pathy[i], 'd');
     put(b, "p ");
 }
 
@@ -496,6 +558,14 @@ void ps_line(glbblk *b, double x, double y, int op) {
     double dx, dy;
     map(b, x, y, &dx, &dy);
     path_op(b, dev_int(dx), dev_int(dy), op);
+}
+
+void ps_polyline(glbblk *b, const double *x, const double *y, int n) {
+    for (int i = 0; i < n; ++i) {
+        double dx, dy;
+        map(b, x[i], y[i], &dx, &dy);
+        path_op(b, dev_int(dx), dev_int(dy), i == 0 ? QQ_MOVE : QQ_DRAW);
+    }
 }
 
 void ps_colour(glbblk *b, int, int r, int g, int bl, int) {
@@ -798,6 +868,7 @@ namespace {
 const DriverOps kOps = {
     .open = ps_open,
     .line = ps_line,
+    .polyline = ps_polyline,
     .colour = ps_colour,
     .width = ps_width,
     .linestyle = ps_linestyle,

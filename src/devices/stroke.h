@@ -16,6 +16,9 @@ struct ClipPen {
 void pen_move(ClipPen &p, double x, double y) noexcept;
 void pen_draw(ClipPen &p, double x, double y) noexcept;
 
+// Whether all n points lie in the clip region: a rectangle, with the
+// tolerance of the segment clipper (a circle always answers false).
+bool qqallin(glbblk *b, const double *x, const double *y, int n) noexcept;
 // Clips one segment whose ends are not both inside and sends what remains.
 void qqseg(glbblk *b, double x0, double y0, double x1, double y1) noexcept;
 // Sends a visible segment: a move first when asked, then the draw, which

@@ -14,11 +14,14 @@
 
 namespace {
 
+// The line and its line feed go out in one write: the buffer holds two
+// bytes beyond the longest line for it.
 void write_line(glbblk *b, bool newline) {
     SessionState &s = b->sess;
     if (s.fhnd) {
-        if (s.lnpos > 0) std::fwrite(s.lnbuf, 1, (size_t)s.lnpos, s.fhnd);
-        if (newline) std::fputc('\n', s.fhnd);
+        size_t n = (size_t)s.lnpos;
+        if (newline) s.lnbuf[n++] = '\n';
+        if (n > 0) std::fwrite(s.lnbuf, 1, n, s.fhnd);
     }
     s.lnpos = 0;
 }

@@ -21,7 +21,23 @@ struct IndexPen {
     explicit IndexPen(const qqcanvas &c) : v(c.colidx) {}
     IndexPen(unsigned char idx, int) : v(idx) {}
     void put(unsigned char *p) const { *p = v; }
-    void run(unsigned char *p, int n) const { std::memset(p, v, (size_t)n); }
+    // Short runs (the rows of markers and thin shapes) are the common case:
+    // they are written by two overlapping stores instead of a call.
+    void run(unsigned char *p, int n) const {
+        if (n > 16) {
+            std::memset(p, v, (size_t)n);
+        } else if (n >= 8) {
+            uint64_t w = 0x0101010101010101ULL * v;
+            std::memcpy(p, &w, 8);
+            std::memcpy(p + n - 8, &w, 8);
+        } else if (n >= 4) {
+            uint32_t w = 0x01010101U * v;
+            std::memcpy(p, &w, 4);
+            std::memcpy(p + n - 4, &w, 4);
+        } else {
+            for (int i = 0; i < n; ++i) p[i] = v;
+        }
+    }
 };
 
 struct RgbPen {

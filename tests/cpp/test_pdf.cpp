@@ -75,6 +75,18 @@ void *test_realloc(void *old, size_t size) {
     return std::realloc(old, size);
 }
 
+// A character of Helvetica, 36 plot coordinates high, at (100, 1000).
+QQHwChar helvetica(int code) {
+    QQHwChar c{};
+    c.code = code;
+    c.x = 100;
+    c.y = 1000;
+    c.height = 36;
+    c.font = 4;
+    c.capheight = 720;
+    return c;
+}
+
 }  // namespace
 
 TEST(pdf_bytes_of_a_small_session) {
@@ -95,13 +107,7 @@ TEST(pdf_bytes_of_a_small_session) {
     CHECK_EQ(drv->fill_polygon(b, px, py, 3), 1);
     drv->fill_rect(b, 10, 20, 10, 40, 0x01FF0000);  // no width: a stripe
     clpwin(0, 0, 500, 400);
-    QQHwChar c{};
-    c.code = '(';
-    c.x = 100;
-    c.y = 1000;
-    c.height = 36;
-    c.font = 4;
-    c.capheight = 720;
+    QQHwChar c = helvetica('(');
     drv->character(b, &c);
     c.code = 129;  // an accented letter, in the same text object
     c.x = 130;
@@ -185,6 +191,54 @@ TEST(pdf_long_page_and_memory_output) {
     CHECK(mem == file);
     CHECK_EQ(pdfbuf(reinterpret_cast<unsigned char *>(&mem[0]), n), 0);  // taken: empty
     delglb();
+    unsetenv("SOURCE_DATE_EPOCH");
+}
+
+// Pieces of a long page compressed on a second thread reach the file in
+// their order: the same bytes as one thread writes, for an odd and an even
+// number of pieces, with an image between them.
+TEST(pdf_pieces_on_a_second_thread) {
+    std::string files[2];
+    for (int pieces = 0; pieces < 2; ++pieces) {
+        qqpdfpieces = pieces;
+        glbblk *b = open_pdf("pieces.pdf", true);
+        qqmove(b, 0, 0);
+        for (int i = 1; i < 45000; ++i) qqdraw(b, i % 1000, (i * 7) % 1400);
+        qqflsh(b);
+        imgini();
+        imgfin();
+        for (int i = 1; i < 60000; ++i) qqdraw(b, (i * 3) % 1000, (i * 11) % 1400);
+        qqflsh(b);
+        newpag();
+        for (int i = 1; i < 40000; ++i) qqdraw(b, (i * 13) % 1000, (i * 5) % 1400);
+        qqflsh(b);
+        kolfin();
+        delglb();
+        files[pieces] = testkit::read_file("pieces.pdf");
+    }
+    qqpdfpieces = 1;
+    CHECK(files[0] == files[1]);
+    CHECK_EQ(count(files[1], "/Subtype /Image"), 1);
+    CHECK(count(files[1], "/Filter /FlateDecode\n") >= 8);
+    CHECK(offsets_hold(files[1]));
+    unsetenv("SOURCE_DATE_EPOCH");
+}
+
+// The width factor of the characters is the text object's horizontal
+// scaling; a new factor opens a new object.
+TEST(pdf_text_width_factor) {
+    glbblk *b = open_pdf("wide.pdf", false);
+    const DriverOps *drv = b->dev.drv;
+    QQHwChar c = helvetica('A');
+    c.wfac = 0.8;
+    drv->character(b, &c);
+    c.wfac = 1.5;
+    drv->character(b, &c);
+    kolfin();
+    delglb();
+    std::string got = testkit::read_file("wide.pdf");
+    CHECK(got.find("BT\n/F5 25.0 Tf\n80 Tz\n1 0 0 1 50.00 199.50 Tm\n(A) Tj\nET\n"
+                   "BT\n/F5 25.0 Tf\n150 Tz\n") != std::string::npos);
     unsetenv("SOURCE_DATE_EPOCH");
 }
 
