@@ -45,6 +45,11 @@ NATIONAL = ("ÄÖÜäöüßÅØÆåøæÑñÇçËÏëïÁÉÍÓÚáéíóúÀÈ�
 assert len(NATIONAL) == 138
 
 
+# Every first section carries the whole repertoire: glyph indices 2 to 233,
+# internal codes 33 to 264.
+NRECORDS = len(NATIONAL) + 94
+
+
 def code_char(code):
     """The character of an internal code of the STANDARD alphabet."""
     if 32 <= code < 127:
@@ -147,15 +152,30 @@ ACCENTS = {
 }
 
 
+# The dots of the default font's coarse grid: ticks one unit high, which
+# survive the rounding onto the grid where a small dot would vanish.
+GRID_ACCENTS = {
+    "\u0308": [[(-1, 0), (-1, 1)], [(1, 0), (1, 1)]],
+    "\u0307": [[(0, 0), (0, 1)]],
+    "\u0303": [[(-2, 0), (-1, 1), (1, 0), (2, 1)]],
+}
+
+
 # ---------------------------------------------------------------- glyph sets
 
 class StrokeFont:
     """Strokes of one Hershey face with helpers for composed letters."""
 
-    def __init__(self, chars, unit=1.0, beta=None):
+    def __init__(self, chars, unit=1.0, beta=None, accents=None):
         self.c = chars          # char -> strokes
         self.u = unit           # scale of the accents (1 for 21 high caps)
         self.beta = beta        # strokes of a Greek beta, stands for sharp s
+        self.own = accents or {}  # marks drawn for this face, in its units
+
+    def mark(self, mark):
+        if mark in self.own:
+            return self.own[mark]
+        return scale(ACCENTS[mark], self.u)
 
     def get(self, ch):
         return self.c.get(ch, [])
@@ -175,11 +195,11 @@ class StrokeFont:
         x0, y0, x1, y1 = bbox(base)
         cx = (x0 + x1) / 2
         u = self.u
-        marks = ACCENTS[mark]
+        marks = self.mark(mark)
         if mark in ("\u0327",):
-            return base + move(scale(marks, u), cx, 0)
+            return base + move(marks, cx, 0)
         if mark == "\u0328":
-            return base + move(scale(marks, u), x1 - 2 * u, 0)
+            return base + move(marks, x1 - 2 * u, 0)
         if mark == "\u030c" and ch in "ďľťĽ":
             # the caron of letters with an ascender is a small stroke at the right
             top = y1 - 3.5 * u
@@ -187,7 +207,7 @@ class StrokeFont:
         top = y1 if y1 > self.xheight() + 1.5 * u else self.xheight()
         if ch.isupper() or ch in "İ":
             top = max(top, self.cap())
-        return base + move(scale(marks, u), cx, top + 1.8 * u)
+        return base + move(marks, cx, top + 1.8 * u)
 
     def glyph(self, ch):
         if ch in self.c and ord(ch) < 127:
@@ -749,9 +769,9 @@ def main():
     simplex = jhf_by_ascii(H("rowmans"))
     kol = kolalf_chars(simplex)
     kol_beta = kolalf_chars({"b": beta(beta_s)})["b"]
-    kf = StrokeFont(kol, 1.0 / 3.0, beta=kol_beta)
+    kf = StrokeFont(kol, 1.0 / 3.0, beta=kol_beta, accents=GRID_ACCENTS)
     t = Table("kolalf1", True)
-    for ch in latin_chars(101):
+    for ch in latin_chars(NRECORDS):
         st = kf.glyph(ch) if ord(ch) >= 127 else kol.get(ch, [])
         t.add_glyph(grid_glyph(st))
     tables.append(t)
@@ -759,12 +779,12 @@ def main():
                        grid=lambda st: grid_glyph(kolalf_chars({"g": st})["g"]))
     tables.append(kg)
 
-    faces = [("simplx1", "rowmans", beta_s, 101), ("complx1", "timesr", beta_c, 232),
-             ("duplx1", "rowmand", beta_c, 101), ("triplx1", "rowmant", beta_c, 101),
-             ("gothic1", "gothiceng", beta_c, 94)]
-    for name, src, b, n in faces:
+    faces = [("simplx1", "rowmans", beta_s), ("complx1", "timesr", beta_c),
+             ("duplx1", "rowmand", beta_c), ("triplx1", "rowmant", beta_c),
+             ("gothic1", "gothiceng", beta_c)]
+    for name, src, b in faces:
         f = StrokeFont(jhf_by_ascii(H(src)), 1.0, beta=beta(b))
-        tables.append(stroke_section(name, f, latin_chars(n)))
+        tables.append(stroke_section(name, f, latin_chars(NRECORDS)))
     tables.append(greek_section("simplx_greek", H("greeks"), extra=False))
     tables.append(greek_section("complx_greek", H("greekc"), extra=True))
 
@@ -811,7 +831,7 @@ def main():
     tables.append(t)
 
     if not a.no_outline:
-        chars = latin_chars(101)
+        chars = latin_chars(NRECORDS)
         for name, path in OUTLINE_SOURCES.items():
             g = outline_font(path, chars, xscale=CONDENSE.get(name, 1.0))
             t = Table(name, False)
