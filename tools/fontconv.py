@@ -812,6 +812,13 @@ def main():
           "ы": "&", "ь": "~", "э": "c", "ю": "u", "я": "}"}
     cyr = {u: cy[k] for u, k in list(up.items()) + list(lo.items())}
     cf = StrokeFont(cyr, 1.0)
+    # the source's small э is a copy of its capital: drawn as the small с
+    # turned round with the bar of the letter
+    c_small = cyr["с"]
+    x0, y0, x1, y1 = bbox(c_small)
+    cyr["э"] = [[(x0 + x1 - x, y) for x, y in st] for st in c_small] + [line(x0 + 3, y1 / 2, x1 - 0.5, y1 / 2)]
+    # the source's capital short i is a copy of its И: the breve is added
+    cyr["Й"] = cf.accent(cyr["И"], "\u0306", "Й")
     cyr["Ё"] = cf.accent(cyr["Е"], "\u0308", "Ё")
     cyr["ё"] = cf.accent(cyr["е"], "\u0308", "ё")
     # RUSSIAN codes: 36 to 38, 60 to 62, 65 to 94, 97 to 126 (section order)
