@@ -709,6 +709,18 @@ def greek_order_map():
     return ours
 
 
+def final_sigma(italic):
+    """The final sigma, which the Greek sources lack: the italic c of the
+    matching face with its lower end run on into a hook below the
+    baseline."""
+    c = [[(x, 9 - y) for x, y in st] for st in italic[ord("c") - 32][2]]
+    # the lower end of the bowl: the stroke end nearest the baseline
+    ends = [(st[0], st) for st in c] + [(st[-1], st) for st in c]
+    (tx, ty), _ = min(ends, key=lambda e: e[0][1])
+    tail = [(tx, ty), (tx + 2.5, ty - 1.5), (tx + 3, ty - 3.5), (tx + 1.5, ty - 5.5), (tx - 1, ty - 6.5)]
+    return c + [tail]
+
+
 def greek_section(name, path, unit=1.0, extra=True, grid=None):
     """Greek letters on the Latin keys, then (for the large section) the
     accented Greek letters of codes 127 to 147."""
@@ -720,8 +732,8 @@ def greek_section(name, path, unit=1.0, extra=True, grid=None):
     for key, k in ours.items():
         chars[key] = caps[k]
         chars[key.lower()] = smalls[k]
-    # final sigma: the small sigma's bowl opened into a hook
-    chars["ς"] = chars["s"]
+    if extra:
+        chars["ς"] = final_sigma(parse_jhf(os.path.join(os.path.dirname(path), "timesi.jhf")))
     f = StrokeFont(chars, 1.0)
     seq = [chars.get(chr(c), []) for c in range(65, 91)] + [chars.get(chr(c), []) for c in range(97, 123)]
     if extra:

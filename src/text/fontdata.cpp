@@ -3793,9 +3793,8 @@ const short k_complx_greek_P[] = {
     3599,3342,3087,2320,1551,3088,5894,6922,2561,3075,3334,3589,3331,2561,1792,1024,
     257,2,4,262,1032,1801,1024,513,258,260,518,1032,1800,1032,265,10,
     12,270,1040,1809,2577,3344,3599,3342,3088,2577,1032,521,266,268,526,1040,
-    5895,6922,3600,3590,3331,2561,1792,1024,513,258,4,6,265,1035,1804,2572,
-    3083,3338,3592,3590,3332,2562,1793,769,258,6,264,1034,1803,2827,3338,3338,
-    3344,
+    5895,6922,2827,2571,2572,2828,3339,3593,3590,3331,2561,1792,1024,513,258,4,
+    6,265,1035,3590,3332,2562,1793,769,258,258,4,-507,-1020,-1535,
 };
 const short k_complx_greek_I[] = {
     13,2,1,2,3,2,5,2,7,2,9,2,11,13,2,13,
@@ -3846,7 +3845,7 @@ const short k_complx_greek_I[] = {
     1603,5,1608,2,1613,9,8,1615,5,1623,5,1628,5,1633,11,9,
     1638,17,1647,2,1664,5,1666,5,1671,9,17,1676,6,1693,6,1699,
     2,1705,9,9,1707,17,1716,2,1733,2,1735,11,14,1737,6,1751,
-    14,1757,6,1771,2,1777,9,17,1779,6,1796,6,1802,2,1808,
+    14,1757,6,1771,2,1777,7,17,1779,6,1796,5,1802,
 };
 
 const short k_complx_italic_P[] = {
@@ -8995,7 +8994,7 @@ extern const GlyphTable kxg_duplx1 = {k_duplx1_P, k_duplx1_P, 6199, 1, k_duplx1_
 extern const GlyphTable kxg_triplx1 = {k_triplx1_P, k_triplx1_P, 9140, 1, k_triplx1_I, 5106};
 extern const GlyphTable kxg_gothic1 = {k_gothic1_P, k_gothic1_P, 11344, 1, k_gothic1_I, 4890};
 extern const GlyphTable kxg_simplx_greek = {k_simplx_greek_P, k_simplx_greek_P, 644, 1, k_simplx_greek_I, 260};
-extern const GlyphTable kxg_complx_greek = {k_complx_greek_P, k_complx_greek_P, 1809, 1, k_complx_greek_I, 783};
+extern const GlyphTable kxg_complx_greek = {k_complx_greek_P, k_complx_greek_P, 1806, 1, k_complx_greek_I, 781};
 extern const GlyphTable kxg_complx_italic = {k_complx_italic_P, k_complx_italic_P, 901, 1, k_complx_italic_I, 261};
 extern const GlyphTable kxg_gothic_italic = {k_gothic_italic_P, k_gothic_italic_P, 2142, 1, k_gothic_italic_I, 822};
 extern const GlyphTable kxg_gothic_script = {k_gothic_script_P, k_gothic_script_P, 3369, 1, k_gothic_script_I, 1179};
