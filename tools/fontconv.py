@@ -115,6 +115,32 @@ def scale(strokes, sx, sy=None, cx=0.0, cy=0.0):
     return [[(cx + (x - cx) * sx, cy + (y - cy) * sy) for x, y in s] for s in strokes]
 
 
+def above_baseline(strokes):
+    """The strokes cut off at the baseline: the sharp s is the beta's shape
+    without its descender."""
+    out = []
+    for s in strokes:
+        cur = []
+        for k, (x, y) in enumerate(s):
+            if k > 0:
+                px, py = s[k - 1]
+                if (py < 0) != (y < 0):
+                    t = (0 - py) / (y - py)
+                    cut = (px + (x - px) * t, 0.0)
+                    if y < 0:
+                        cur.append(cut)
+                        if len(cur) > 1:
+                            out.append(cur)
+                        cur = []
+                    else:
+                        cur = [cut]
+            if y >= 0:
+                cur.append((x, y))
+        if len(cur) > 1:
+            out.append(cur)
+    return out
+
+
 def line(x0, y0, x1, y1):
     return [(x0, y0), (x1, y1)]
 
@@ -159,6 +185,10 @@ GRID_ACCENTS = {
     "\u0307": [[(0, 0), (0, 1)]],
     "\u0303": [[(-2, 0), (-1, 1), (1, 0), (2, 1)]],
 }
+# Letters too wide to compose in the default font's cell of 6.
+GRID_LETTERS = {
+    "Æ": [[(0, 0), (3, 7), (6, 7)], [(3, 7), (3, 0), (6, 0)], [(1, 3), (5, 3)]],
+}
 
 
 # ---------------------------------------------------------------- glyph sets
@@ -166,11 +196,12 @@ GRID_ACCENTS = {
 class StrokeFont:
     """Strokes of one Hershey face with helpers for composed letters."""
 
-    def __init__(self, chars, unit=1.0, beta=None, accents=None):
+    def __init__(self, chars, unit=1.0, beta=None, accents=None, drawn=None):
         self.c = chars          # char -> strokes
         self.u = unit           # scale of the accents (1 for 21 high caps)
         self.beta = beta        # strokes of a Greek beta, stands for sharp s
         self.own = accents or {}  # marks drawn for this face, in its units
+        self.drawn = drawn or {}  # letters drawn for this face whole
 
     def mark(self, mark):
         if mark in self.own:
@@ -212,10 +243,12 @@ class StrokeFont:
     def glyph(self, ch):
         if ch in self.c and ord(ch) < 127:
             return self.get(ch)
+        if ch in self.drawn:
+            return self.drawn[ch]
         u = self.u
         special = {
             "ı": lambda: self.without_dot("i"),
-            "ß": lambda: self.beta or self.get("B"),
+            "ß": lambda: above_baseline(self.beta) if self.beta else self.get("B"),
             "¡": lambda: self.turned("!"),
             "¿": lambda: self.turned("?"),
             "Ø": lambda: self.slashed("O"),
@@ -781,7 +814,8 @@ def main():
     simplex = jhf_by_ascii(H("rowmans"))
     kol = kolalf_chars(simplex)
     kol_beta = kolalf_chars({"b": beta(beta_s)})["b"]
-    kf = StrokeFont(kol, 1.0 / 3.0, beta=kol_beta, accents=GRID_ACCENTS)
+    kf = StrokeFont(kol, 1.0 / 3.0, beta=kol_beta, accents=GRID_ACCENTS,
+                    drawn=GRID_LETTERS)
     t = Table("kolalf1", True)
     for ch in latin_chars(NRECORDS):
         st = kf.glyph(ch) if ord(ch) >= 127 else kol.get(ch, [])
