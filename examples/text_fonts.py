@@ -26,16 +26,28 @@ def session(name, device):
     k.errmod("PROTOCOL", "OFF")
 
 
-def pair_bytes(code_set, values):
-    """A str whose UTF-8 bytes are, for each byte wanted, a byte that the code
-    set leaves blank followed by that byte (Python strings reach the bytes 128
-    to 191 of a code set only as continuation bytes)."""
+def code_set_text(values):
+    """A str whose UTF-8 bytes hold each byte wanted in the order given.
+
+    Python hands strings over as UTF-8, so a byte of 128 or above of another
+    code set is reached as part of a UTF-8 sequence: a continuation byte
+    after 0xD7, or a lead byte followed by continuation bytes (0x80, or the
+    least the sequence allows).  The companion bytes are 128 to 160, which
+    the ISO code sets draw as blanks.  Bytes 0xF5 to 0xFF never occur in
+    UTF-8 and cannot be given from Python."""
     out = []
     for v in values:
         if 0x80 <= v <= 0xBF:
-            out.append(bytes([0xD7, v]).decode("utf-8"))
+            seq = [0xD7, v]
         elif 0xC2 <= v <= 0xDF:
-            out.append(bytes([v, 0x80]).decode("utf-8"))
+            seq = [v, 0x80]
+        elif 0xE0 <= v <= 0xEF:
+            seq = [v, 0xA0 if v == 0xE0 else 0x80, 0x80]
+        elif 0xF0 <= v <= 0xF4:
+            seq = [v, 0x90 if v == 0xF0 else 0x80, 0x80, 0x80]
+        else:
+            continue
+        out.append(bytes(seq).decode("utf-8"))
     return "".join(out)
 
 
@@ -44,7 +56,7 @@ def font_page(font, device):
     getattr(k, font)()
     k.height(34)
     k.messag(f"{font}: every alphabet of the font", 80, 60)
-    y = 150
+    y = 130
     k.height(30)
     rows = [("STAN", ASCII[:47]), ("STAN", ASCII[47:])]
     for alf in ("GREE", "MATH", "ITAL", "SCRI", "RUSS"):
@@ -52,29 +64,29 @@ def font_page(font, device):
     for alf, text in rows:
         k.basalf(alf)
         k.messag(text, 80, y)
-        y += 80
+        y += 70
     k.basalf("STAN")
     k.chacod("UTF8")
     k.messag(LATIN1, 80, y)
-    y += 80
+    y += 70
     k.smxalf("MATH", "<", ">", 2)
     k.messag("MATHEMATIC 127 to 162: <" + "".join(chr(c) for c in range(127, 163)) + ">", 80, y)
-    y += 80
+    y += 70
     k.messag("Greek: ΑΒΓΔΕΖΗΘΙΚΛΜΝΞΟΠΡΣΤΥΦΧΨΩ αβγδεζηθικλμνξοπρστυφχψω ΆΈΉΊΌΎΏ άέήίόύώς", 80, y)
-    y += 80
+    y += 70
     k.messag("Cyrillic: АБВГДЕЁЖЗИЙКЛМНОПРСТУФХЦЧШЩЪЫЬЭЮЯ абвгдеёжзийклмнопрстуфхцчшщъыьэюя", 80, y)
-    y += 80
-    k.chacod("ISO2")
-    k.messag("ISO2: " + pair_bytes("ISO2", list(range(0xA1, 0xC0)) + list(range(0xC0, 0xE0))), 80, y)
-    y += 80
-    k.chacod("ISO3")
-    k.messag("ISO3: " + pair_bytes("ISO3", list(range(0xA1, 0xC0)) + list(range(0xC0, 0xE0))), 80, y)
-    y += 80
+    y += 70
+    # the letters of ISO 8859-2 and -3, capitals and small letters apart
+    for cs in ("ISO2", "ISO3"):
+        k.chacod(cs)
+        for lo, hi in ((0xA1, 0xC0), (0xC0, 0xE0), (0xE0, 0xF5)):
+            k.messag(cs + ": " + code_set_text(range(lo, hi)), 80, y)
+            y += 60
     k.chacod("UTF8")
     if font in ("helve", "helves", "helvet", "serif"):
         k.shdcha()
         k.height(60)
-        k.messag("Filled outlines: Hamburgefonts ÄÖÜ 0123", 80, y + 20)
+        k.messag("Filled: Hamburgefonts ÄÖÜ äöü ßÅØ 0123 @&%", 80, y)
     k.kolfin()
 
 

@@ -45,6 +45,11 @@ NATIONAL = ("ÄÖÜäöüßÅØÆåøæÑñÇçËÏëïÁÉÍÓÚáéíóúÀÈ�
 assert len(NATIONAL) == 138
 
 
+# Every first section carries the whole repertoire: glyph indices 2 to 233,
+# internal codes 33 to 264.
+NRECORDS = len(NATIONAL) + 94
+
+
 def code_char(code):
     """The character of an internal code of the STANDARD alphabet."""
     if 32 <= code < 127:
@@ -110,6 +115,32 @@ def scale(strokes, sx, sy=None, cx=0.0, cy=0.0):
     return [[(cx + (x - cx) * sx, cy + (y - cy) * sy) for x, y in s] for s in strokes]
 
 
+def above_baseline(strokes):
+    """The strokes cut off at the baseline: the sharp s is the beta's shape
+    without its descender."""
+    out = []
+    for s in strokes:
+        cur = []
+        for k, (x, y) in enumerate(s):
+            if k > 0:
+                px, py = s[k - 1]
+                if (py < 0) != (y < 0):
+                    t = (0 - py) / (y - py)
+                    cut = (px + (x - px) * t, 0.0)
+                    if y < 0:
+                        cur.append(cut)
+                        if len(cur) > 1:
+                            out.append(cur)
+                        cur = []
+                    else:
+                        cur = [cut]
+            if y >= 0:
+                cur.append((x, y))
+        if len(cur) > 1:
+            out.append(cur)
+    return out
+
+
 def line(x0, y0, x1, y1):
     return [(x0, y0), (x1, y1)]
 
@@ -147,15 +178,35 @@ ACCENTS = {
 }
 
 
+# The dots of the default font's coarse grid: ticks one unit high, which
+# survive the rounding onto the grid where a small dot would vanish.
+GRID_ACCENTS = {
+    "\u0308": [[(-1, 0), (-1, 1)], [(1, 0), (1, 1)]],
+    "\u0307": [[(0, 0), (0, 1)]],
+    "\u0303": [[(-2, 0), (-1, 1), (1, 0), (2, 1)]],
+}
+# Letters too wide to compose in the default font's cell of 6.
+GRID_LETTERS = {
+    "Æ": [[(0, 0), (3, 7), (6, 7)], [(3, 7), (3, 0), (6, 0)], [(1, 3), (5, 3)]],
+}
+
+
 # ---------------------------------------------------------------- glyph sets
 
 class StrokeFont:
     """Strokes of one Hershey face with helpers for composed letters."""
 
-    def __init__(self, chars, unit=1.0, beta=None):
+    def __init__(self, chars, unit=1.0, beta=None, accents=None, drawn=None):
         self.c = chars          # char -> strokes
         self.u = unit           # scale of the accents (1 for 21 high caps)
         self.beta = beta        # strokes of a Greek beta, stands for sharp s
+        self.own = accents or {}  # marks drawn for this face, in its units
+        self.drawn = drawn or {}  # letters drawn for this face whole
+
+    def mark(self, mark):
+        if mark in self.own:
+            return self.own[mark]
+        return scale(ACCENTS[mark], self.u)
 
     def get(self, ch):
         return self.c.get(ch, [])
@@ -175,11 +226,11 @@ class StrokeFont:
         x0, y0, x1, y1 = bbox(base)
         cx = (x0 + x1) / 2
         u = self.u
-        marks = ACCENTS[mark]
+        marks = self.mark(mark)
         if mark in ("\u0327",):
-            return base + move(scale(marks, u), cx, 0)
+            return base + move(marks, cx, 0)
         if mark == "\u0328":
-            return base + move(scale(marks, u), x1 - 2 * u, 0)
+            return base + move(marks, x1 - 2 * u, 0)
         if mark == "\u030c" and ch in "ďľťĽ":
             # the caron of letters with an ascender is a small stroke at the right
             top = y1 - 3.5 * u
@@ -187,15 +238,17 @@ class StrokeFont:
         top = y1 if y1 > self.xheight() + 1.5 * u else self.xheight()
         if ch.isupper() or ch in "İ":
             top = max(top, self.cap())
-        return base + move(scale(marks, u), cx, top + 1.8 * u)
+        return base + move(marks, cx, top + 1.8 * u)
 
     def glyph(self, ch):
         if ch in self.c and ord(ch) < 127:
             return self.get(ch)
+        if ch in self.drawn:
+            return self.drawn[ch]
         u = self.u
         special = {
             "ı": lambda: self.without_dot("i"),
-            "ß": lambda: self.beta or self.get("B"),
+            "ß": lambda: above_baseline(self.beta) if self.beta else self.get("B"),
             "¡": lambda: self.turned("!"),
             "¿": lambda: self.turned("?"),
             "Ø": lambda: self.slashed("O"),
@@ -689,6 +742,18 @@ def greek_order_map():
     return ours
 
 
+def final_sigma(italic):
+    """The final sigma, which the Greek sources lack: the italic c of the
+    matching face with its lower end run on into a hook below the
+    baseline."""
+    c = [[(x, 9 - y) for x, y in st] for st in italic[ord("c") - 32][2]]
+    # the lower end of the bowl: the stroke end nearest the baseline
+    ends = [(st[0], st) for st in c] + [(st[-1], st) for st in c]
+    (tx, ty), _ = min(ends, key=lambda e: e[0][1])
+    tail = [(tx, ty), (tx + 2.5, ty - 1.5), (tx + 3, ty - 3.5), (tx + 1.5, ty - 5.5), (tx - 1, ty - 6.5)]
+    return c + [tail]
+
+
 def greek_section(name, path, unit=1.0, extra=True, grid=None):
     """Greek letters on the Latin keys, then (for the large section) the
     accented Greek letters of codes 127 to 147."""
@@ -700,8 +765,8 @@ def greek_section(name, path, unit=1.0, extra=True, grid=None):
     for key, k in ours.items():
         chars[key] = caps[k]
         chars[key.lower()] = smalls[k]
-    # final sigma: the small sigma's bowl opened into a hook
-    chars["ς"] = chars["s"]
+    if extra:
+        chars["ς"] = final_sigma(parse_jhf(os.path.join(os.path.dirname(path), "timesi.jhf")))
     f = StrokeFont(chars, 1.0)
     seq = [chars.get(chr(c), []) for c in range(65, 91)] + [chars.get(chr(c), []) for c in range(97, 123)]
     if extra:
@@ -749,9 +814,10 @@ def main():
     simplex = jhf_by_ascii(H("rowmans"))
     kol = kolalf_chars(simplex)
     kol_beta = kolalf_chars({"b": beta(beta_s)})["b"]
-    kf = StrokeFont(kol, 1.0 / 3.0, beta=kol_beta)
+    kf = StrokeFont(kol, 1.0 / 3.0, beta=kol_beta, accents=GRID_ACCENTS,
+                    drawn=GRID_LETTERS)
     t = Table("kolalf1", True)
-    for ch in latin_chars(101):
+    for ch in latin_chars(NRECORDS):
         st = kf.glyph(ch) if ord(ch) >= 127 else kol.get(ch, [])
         t.add_glyph(grid_glyph(st))
     tables.append(t)
@@ -759,12 +825,12 @@ def main():
                        grid=lambda st: grid_glyph(kolalf_chars({"g": st})["g"]))
     tables.append(kg)
 
-    faces = [("simplx1", "rowmans", beta_s, 101), ("complx1", "timesr", beta_c, 232),
-             ("duplx1", "rowmand", beta_c, 101), ("triplx1", "rowmant", beta_c, 101),
-             ("gothic1", "gothiceng", beta_c, 94)]
-    for name, src, b, n in faces:
+    faces = [("simplx1", "rowmans", beta_s), ("complx1", "timesr", beta_c),
+             ("duplx1", "rowmand", beta_c), ("triplx1", "rowmant", beta_c),
+             ("gothic1", "gothiceng", beta_c)]
+    for name, src, b in faces:
         f = StrokeFont(jhf_by_ascii(H(src)), 1.0, beta=beta(b))
-        tables.append(stroke_section(name, f, latin_chars(n)))
+        tables.append(stroke_section(name, f, latin_chars(NRECORDS)))
     tables.append(greek_section("simplx_greek", H("greeks"), extra=False))
     tables.append(greek_section("complx_greek", H("greekc"), extra=True))
 
@@ -792,6 +858,13 @@ def main():
           "ы": "&", "ь": "~", "э": "c", "ю": "u", "я": "}"}
     cyr = {u: cy[k] for u, k in list(up.items()) + list(lo.items())}
     cf = StrokeFont(cyr, 1.0)
+    # the source's small э is a copy of its capital: drawn as the small с
+    # turned round with the bar of the letter
+    c_small = cyr["с"]
+    x0, y0, x1, y1 = bbox(c_small)
+    cyr["э"] = [[(x0 + x1 - x, y) for x, y in st] for st in c_small] + [line(x0 + 3, y1 / 2, x1 - 0.5, y1 / 2)]
+    # the source's capital short i is a copy of its И: the breve is added
+    cyr["Й"] = cf.accent(cyr["И"], "\u0306", "Й")
     cyr["Ё"] = cf.accent(cyr["Е"], "\u0308", "Ё")
     cyr["ё"] = cf.accent(cyr["е"], "\u0308", "ё")
     # RUSSIAN codes: 36 to 38, 60 to 62, 65 to 94, 97 to 126 (section order)
@@ -811,7 +884,7 @@ def main():
     tables.append(t)
 
     if not a.no_outline:
-        chars = latin_chars(101)
+        chars = latin_chars(NRECORDS)
         for name, path in OUTLINE_SOURCES.items():
             g = outline_font(path, chars, xscale=CONDENSE.get(name, 1.0))
             t = Table(name, False)

@@ -179,6 +179,11 @@ int qqhatchpolys(glbblk *b, const double *const *x, const double *const *y, cons
 // driver when it fills polygons itself; returns 1 when the driver drew it,
 // 0 when the caller must hatch.  No checks of pattern or hardware mode.
 int qqdevpoly(glbblk *b, const double *x, const double *y, int n) noexcept;
+// The same for a solid fill of a drawing routine: only when hardware fill
+// is on and no stage of the layer must see the polygon's points (segment
+// tests, the 3-D plane, a map that keeps fills off the driver).  0: the
+// caller hatches.
+int qqdevsolid(glbblk *b, const double *x, const double *y, int n) noexcept;
 // Resets the dash pattern to its first element (lintyp, myline, solid).
 void qqdshres(glbblk *b) noexcept;
 

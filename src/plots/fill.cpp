@@ -132,11 +132,7 @@ void qqpfill(glbblk *b, double *x, double *y, int n) noexcept {
     StyleState &s = b->sty;
     if (n < 2 || s.pattyp == 0) return;
     qqflsh(b);
-    const DeviceState &d = b->dev;
-    if (d.hwshd && s.patnum == QQ_SOLID_PATTERN) {
-        bool software = d.segtest != nullptr || d.pl3on != 0 || d.softfill;
-        if (!software && qqdevpoly(b, x, y, n)) return;
-    }
+    if (s.patnum == QQ_SOLID_PATTERN && qqdevsolid(b, x, y, n)) return;
     if (s.patnum == QQ_SOLID_PATTERN) {
         // The outline once more, so that the edge of a hatched solid fill
         // is exact.

@@ -22,8 +22,6 @@
 
 namespace {
 
-enum { kOutlineMax = 200 };
-
 // One point of a section, 1-based; false outside the table.
 inline bool glyph_point(const TextSection *s, int p, double *x, double *y) {
     if (p < 1 || p > s->npts) return false;
@@ -98,10 +96,9 @@ void draw_glyph(glbblk *b, const TextSection *s, int rec, bool italic) {
     double sn = t.sina, cs = t.cosa, o = t.vshift + t.voff;
     double bx = t.penx - sn * o - b->dev.nxsh, by = t.peny - cs * o - b->dev.nysh;
     double xs = t.xscl, ys = t.yscl, sh = t.curshear, idiv = italic ? 1.0 / t.italdiv : 0.0;
-    double px[kOutlineMax], py[kOutlineMax];
-    int np = 0;
-    double lastx = 0, lasty = 0;
-    bool have_last = false;
+    // The points of an outline glyph, contour by contour, for its fill.
+    double px[QQ_OUTLINE_MAX], py[QQ_OUTLINE_MAX];
+    int np = 0, starts[QQ_OUTLINE_MAX + 1], ncont = 0;
     walk_record(s, rec, mult, [&](bool first, double x, double y) {
         double Y = y * ys;
         double X = x * xs + sh * Y + Y * idiv;
@@ -110,32 +107,15 @@ void draw_glyph(glbblk *b, const TextSection *s, int rec, bool italic) {
             qqmove(b, gx, gy);
         else
             qqdraw(b, gx, gy);
-        if (outline) {
-            // one polygon: each contour after the first starts again at the
-            // last point of the one before, so that bridges join them
-            if (first && have_last && np < kOutlineMax) {
-                px[np] = lastx;
-                py[np] = lasty;
-                ++np;
-            }
-            if (np < kOutlineMax) {
-                px[np] = gx + b->dev.nxsh;
-                py[np] = gy + b->dev.nysh;
-                ++np;
-            }
-            lastx = gx + b->dev.nxsh;
-            lasty = gy + b->dev.nysh;
-            have_last = true;
-        }
+        if (!outline || np >= QQ_OUTLINE_MAX) return;
+        if (first) starts[ncont++] = np;
+        px[np] = gx;
+        py[np] = gy;
+        ++np;
     });
-    if (outline && t.shdon && np >= 3) {
-        double unitf = b->core.unitf > 0 ? b->core.unitf : 1.0;
-        // The Windows metafile's pen is coarse: its fill lines lie closer.
-        const DeviceFamily *fam = b->core.fam;
-        bool wmf = fam && fam->name && std::strcmp(fam->name, "WMF") == 0;
-        double d = (wmf ? (double)0.39999f : (double)0.99999f) / unitf;
-        qqtxthatch(b, px, py, np, d);
-    }
+    if (!(outline && t.shdon) || ncont == 0) return;
+    starts[ncont] = np;
+    qqtxtfilloutline(b, px, py, starts, ncont);
 }
 
 // Width of a glyph in units (largest x), the default font's cell 6.
@@ -405,13 +385,11 @@ void text_box(glbblk *b, double ox, double oy, double len, double bx[4], double 
 void fill_box(glbblk *b, const double bx[4], const double by[4], int colour) {
     int old = b->dev.curclr;
     qqsetc(b, colour);
-    double px[4], py[4];
-    for (int k = 0; k < 4; ++k) {
-        px[k] = bx[k] + b->dev.nxsh;
-        py[k] = by[k] + b->dev.nysh;
-    }
     // a device that fills polygons takes the box whole; else it is hatched
-    if (!(b->dev.hwshd && qqdevpoly(b, bx, by, 4))) qqtxthatch(b, px, py, 4, 1.0);
+    if (!qqdevsolid(b, bx, by, 4)) {
+        int four = 4;
+        qqhatchpolys(b, &bx, &by, &four, 1, 1.0, 8, qqmove, qqdraw);
+    }
     qqsetc(b, old);
 }
 
@@ -508,32 +486,6 @@ void qqtxtrule(glbblk *b, double d0, double d1, double below) noexcept {
     double bx = t.strx - t.sina * o - b->dev.nxsh, by = t.stry - t.cosa * o - b->dev.nysh;
     qqmove(b, bx + d0 * t.cosa, by - d0 * t.sina);
     qqdraw(b, bx + d1 * t.cosa, by - d1 * t.sina);
-}
-
-void qqtxthatch(glbblk *b, const double *x, const double *y, int n, double step) noexcept {
-    if (n < 3 || !(step > 0)) return;
-    double ymin = y[0], ymax = y[0];
-    for (int k = 1; k < n; ++k) {
-        ymin = std::min(ymin, y[k]);
-        ymax = std::max(ymax, y[k]);
-    }
-    if (!(ymax - ymin < 1e7)) return;
-    double cross[kOutlineMax + 2];
-    double nx = b->dev.nxsh, ny = b->dev.nysh;
-    for (double sy = ymin + step * 0.5; sy < ymax; sy += step) {
-        int nc = 0;
-        for (int k = 0; k < n && nc < kOutlineMax; ++k) {
-            int j = (k + 1) % n;
-            double y0 = y[k], y1 = y[j];
-            if ((y0 <= sy && y1 > sy) || (y1 <= sy && y0 > sy))
-                cross[nc++] = x[k] + (sy - y0) * (x[j] - x[k]) / (y1 - y0);
-        }
-        std::sort(cross, cross + nc);
-        for (int k = 0; k + 1 < nc; k += 2) {
-            qqmove(b, cross[k] - nx, sy - ny);
-            qqdraw(b, cross[k + 1] - nx, sy - ny);
-        }
-    }
 }
 
 void qqmessag(glbblk *b, const char *text, int x, int y) noexcept {

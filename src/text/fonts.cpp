@@ -13,6 +13,9 @@
 
 namespace {
 
+// Highest glyph index of a first section: internal code 264 less 31.
+const int kFullRepertoire = 233;
+
 // Registers the next section of the font being built.  A point count of 0
 // reuses the coordinates of section 1, an index word count of 0 its index
 // table; a negative point count is the separate form.
@@ -74,16 +77,17 @@ void select_font(glbblk *b, int font) {
     t.fixbase = (double)1.4f;
     const GlyphTable *s1 = nullptr, *greek = &kxg_complx_greek, *ital = nullptr,
                      *script = &kxg_script;
-    int lim1 = 132, limg = 116, limi = 102;
+    // Every first section carries the national letters of all code sets
+    // (internal codes up to 264), so every font accepts the same codes.
+    int lim1 = kFullRepertoire, limg = 116, limi = 102;
     switch (font) {
     case 1: s1 = &kxg_kolalf1; greek = &kxg_kolalf_greek; limg = 95; break;
-    case 3: s1 = &kxg_complx1; lim1 = 233; ital = &kxg_complx_italic; break;
+    case 3: s1 = &kxg_complx1; ital = &kxg_complx_italic; break;
     case 4: s1 = &kxg_simplx1; greek = &kxg_simplx_greek; limg = 95; break;
     case 5: s1 = &kxg_duplx1; break;
     case 6: s1 = &kxg_triplx1; break;
     case 7:
         s1 = &kxg_gothic1;
-        lim1 = 95;
         ital = &kxg_gothic_italic;
         limi = 95;
         script = &kxg_gothic_script;

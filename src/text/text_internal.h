@@ -37,6 +37,11 @@ double qqtxtalong(glbblk *b) noexcept;
 // A line below (below > 0) or above the baseline from distance d0 to d1
 // along the writing direction, measured from the string's start.
 void qqtxtrule(glbblk *b, double d0, double d1, double below) noexcept;
-// Fills a polygon of page positions (origin shift included) by scan lines
-// at distance step, in the current colour.
-void qqtxthatch(glbblk *b, const double *x, const double *y, int n, double step) noexcept;
+
+// outline_fill.cpp
+// Points an outline glyph keeps for its fill.
+enum { QQ_OUTLINE_MAX = 200 };
+// Fills the contours of an outline glyph, positions without the origin
+// shift: contour k holds the points start[k] to start[k + 1] - 1.
+void qqtxtfilloutline(glbblk *b, const double *x, const double *y, const int *start,
+                      int ncont) noexcept;
