@@ -8,6 +8,7 @@
 #include "axes/axes.h"
 #include "axes/axis_draw.h"
 #include "axes/label_text.h"
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -418,7 +419,13 @@ void axsers() noexcept {
     if (!b) return;
     const ScaleRecord &r = b->ax.rec;
     int clr = b->ax.bgclr != -1 ? b->ax.bgclr : b->clr.bckclr;
-    fill_box(b, r.nxa + 1, r.nya - r.nyl + 2, r.nxa + r.nxl - 2, r.nya - 1, clr);
+    // One device dot stays clear of the axes: on a pixel device that dot
+    // spans several plot units.
+    int m = 1;
+    int kind = qqdevkind(b);
+    double s = b->sess.devscl;
+    if ((kind == QQ_KIND_SCREEN || kind == QQ_KIND_RASTER) && s > 0 && s < 1) m = (int)std::ceil(1.0 / s);
+    fill_box(b, r.nxa + m, r.nya - r.nyl + 1 + m, r.nxa + r.nxl - 1 - m, r.nya - m, clr);
 }
 
 void addlab(const char *cstr, double v, int itic, const char *cax) noexcept {
