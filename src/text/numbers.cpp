@@ -17,8 +17,11 @@ namespace {
 
 // Longest digit text that an exponent form keeps for its mantissa.
 constexpr int kMantissa = 21;
-// Longest tail (marker, base and exponent) that number keeps.
+// Longest tail (marker, base and exponent) that number keeps.  The tail of
+// XEXP counts from its "}": the "{D" before it is part of the mantissa's
+// side, so two more characters go with the cut made at "{".
 constexpr int kTail = 8;
+constexpr int kTailXexp = kTail + 2;
 
 void number_init(glbblk *b) {
     b->num.numfmt = 0;
@@ -133,7 +136,7 @@ int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept 
     if (ndig < -1 || ndig > 100) return -1;
     int fmt = b->num.numfmt;
     char raise = qqraisech(b), back = qqbackch(b);
-    char body[160], tail[kTail + 1];
+    char body[160], tail[kTailXexp + 1];
     tail[0] = '\0';
     if (fmt == 0 || fmt == 3) {
         qqdigtxt(x, ndig, body, sizeof body);
@@ -144,7 +147,7 @@ int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept 
         char marker = kind == 1 ? '*' : kind == 2 ? 'E' : '{';
         char *cut = std::strchr(t, marker);
         if (cut) {
-            qqscpy(tail, cut, kTail);
+            qqscpy(tail, cut, kind == 4 ? kTailXexp : kTail);
             *cut = '\0';
         }
         qqscpy(body, t, (int)sizeof body - 1);
