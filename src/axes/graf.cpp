@@ -1,6 +1,5 @@
 // The rectangular axis system: graf and endgrf, free axes, titles, grid
 // lines and the lines through the origin.
-#include <climits>
 #include <cmath>
 #include <algorithm>
 #include <cstring>
@@ -25,8 +24,11 @@ void draw_frame(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) {
     if (t == 0) return;
     int saved = b->dev.curclr;
     if (clr != -1 && clr != saved) qqsetc(b, clr);
-    int n = t < 0 ? (t == INT_MIN ? INT_MAX : -t) : t;
-    if (n > 10000) n = 10000;
+    // |t| in the page's units: one rectangle a plot unit, at least one.
+    double uf = b->core.unitf > 0 ? b->core.unitf : 1.0;
+    double at = t < 0 ? -(double)t : (double)t;
+    int n = at * uf + 0.5 > 10000 ? 10000 : (int)(at * uf + 0.5);
+    if (n < 1) n = 1;
     for (int i = 0; i < n; ++i) {
         int k = t > 0 ? i : -i;
         double a = x1 - k, c = x2 + k, top = y1 - k, bot = y2 + k;
