@@ -270,3 +270,25 @@ def test_numbers_draw_their_texts(tmp_path, capfd):
     kolvex.messag("0.00", x, y)
     finish()
     assert _strokes(tmp_path / "number.met") == _strokes(tmp_path / "messag.met")
+
+
+def test_axsers_keeps_the_axis_lines_of_a_raster_page():
+    """The erased inside stays one device dot away from the axes, which on a
+    raster page spans several plot units."""
+    from PIL import Image
+    kolvex.metafl("PNG")
+    kolvex.setfil("axsers.png")
+    kolvex.filmod("DELE")
+    kolvex.scrmod("REVERS")
+    kolvex.kolini()
+    kolvex.graf(0, 10, 0, 2, 0, 10, 0, 2)
+    kolvex.axsers()
+    kolvex.endgrf()
+    finish()
+    im = Image.open("axsers.png").convert("L")
+    w, h = im.size
+    s = w / 2969
+    row = int((Y0 - YL // 2) * s + 0.5)
+    dark = [x for x in range(w) if im.getpixel((x, row)) < 128]
+    # The left and the right axis line both survive.
+    assert dark and dark[0] <= int(X0 * s + 0.5) + 1 and dark[-1] >= int((X0 + XL - 1) * s + 0.5) - 1

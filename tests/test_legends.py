@@ -214,3 +214,15 @@ def test_everyday_plot_same_on_png_and_svg(tmp_path):
     near = sum(any(b[min(max(x + dx, 0), w - 1), min(max(y + dy, 0), h - 1)] < 200
                    for dx in (-1, 0, 1) for dy in (-1, 0, 1)) for x, y in dark)
     assert near / len(dark) > 0.97
+
+
+def test_legsel_counts_zero_and_minus_one_reach_the_legend():
+    """From Python too, a count of 0 shows no line and -1 all lines again."""
+    session()
+    legend_lines()
+    full = kolvex.nylegn("")
+    kolvex.legsel([1], 0)
+    m = int(0.5 * S * H)
+    assert kolvex.nylegn("") == int(S * 1.5 * H) + 2 * m
+    kolvex.legsel([], -1)
+    assert kolvex.nylegn("") == full

@@ -306,3 +306,11 @@ def test_same_points_in_the_metafile_and_svg():
     d_ab = np.sqrt(((a[:, None, :] - b[None, :, :]) ** 2).sum(-1)).min(1)
     d_ba = np.sqrt(((b[:, None, :] - a[None, :, :]) ** 2).sum(-1)).min(1)
     assert d_ab.max() < 1.0 and d_ba.max() < 1.0  # the SVG scale is 1 within 1e-3
+
+
+def test_flen_agrees_with_fcha():
+    """The length counts the digits before the point of the rounded value,
+    carries included."""
+    for x in (12.34, -12.3, 0.5, 9.96, 999.96, 0.001234, -0.001, 2.5, 123456789.0, 0.0):
+        for nd in range(-1, 8):
+            assert k.flen(x, nd) == len(k.fcha(x, nd)), (x, nd)

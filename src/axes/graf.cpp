@@ -1,6 +1,5 @@
 // The rectangular axis system: graf and endgrf, free axes, titles, grid
 // lines and the lines through the origin.
-#include <climits>
 #include <cmath>
 #include <algorithm>
 #include <cstring>
@@ -8,6 +7,7 @@
 #include "axes/axes.h"
 #include "axes/axis_draw.h"
 #include "axes/label_text.h"
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -24,8 +24,11 @@ void draw_frame(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) {
     if (t == 0) return;
     int saved = b->dev.curclr;
     if (clr != -1 && clr != saved) qqsetc(b, clr);
-    int n = t < 0 ? (t == INT_MIN ? INT_MAX : -t) : t;
-    if (n > 10000) n = 10000;
+    // |t| in the page's units: one rectangle a plot unit, at least one.
+    double uf = b->core.unitf > 0 ? b->core.unitf : 1.0;
+    double at = t < 0 ? -(double)t : (double)t;
+    int n = at * uf + 0.5 > 10000 ? 10000 : (int)(at * uf + 0.5);
+    if (n < 1) n = 1;
     for (int i = 0; i < n; ++i) {
         int k = t > 0 ? i : -i;
         double a = x1 - k, c = x2 + k, top = y1 - k, bot = y2 + k;
@@ -405,7 +408,13 @@ void axsers() noexcept {
     if (!b) return;
     const ScaleRecord &r = b->ax.rec;
     int clr = b->ax.bgclr != -1 ? b->ax.bgclr : b->clr.bckclr;
-    fill_box(b, r.nxa + 1, r.nya - r.nyl + 2, r.nxa + r.nxl - 2, r.nya - 1, clr);
+    // One device dot stays clear of the axes: on a pixel device that dot
+    // spans several plot units.
+    int m = 1;
+    int kind = qqdevkind(b);
+    double s = b->sess.devscl;
+    if ((kind == QQ_KIND_SCREEN || kind == QQ_KIND_RASTER) && s > 0 && s < 1) m = (int)std::ceil(1.0 / s);
+    fill_box(b, r.nxa + m, r.nya - r.nyl + 1 + m, r.nxa + r.nxl - 1 - m, r.nya - m, clr);
 }
 
 void addlab(const char *cstr, double v, int itic, const char *cax) noexcept {

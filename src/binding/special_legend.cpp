@@ -98,3 +98,25 @@ PyObject *kxs_nylegn(PyObject *, PyObject *args) {
     if (!p) return PyErr_NoMemory();
     return Py_BuildValue("i", nylegn(p));
 }
+
+// legsel's count is a selection, not only a length: 0 shows no line and -1
+// all lines again, so those counts reach the library (which reads no
+// element for them), and so does a count beyond the 30 selections, which
+// it refuses before anything is read.
+PyObject *kxs_legsel(PyObject *, PyObject *args) {
+    PyObject *o_nray = nullptr;
+    int n = 0;
+    if (!PyArg_ParseTuple(args, "Oi:legsel", &o_nray, &n)) return kxpy_argfail();
+    if (n < 1 || n > 30) {
+        int none = 0;
+        legsel(&none, n);
+        Py_RETURN_NONE;
+    }
+    KxErrStash err;
+    int *v = qqpyin(o_nray, n);
+    err.take();
+    if (!err.failed()) legsel(v, n);
+    std::free(v);
+    if (err.restore()) return nullptr;
+    Py_RETURN_NONE;
+}

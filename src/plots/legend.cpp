@@ -95,6 +95,10 @@ void each_text_line(glbblk *b, const LegendState &g, const char *buf, int i, Fn 
 const LegendRecord &record(const LegendState &g, int line) {
     static const LegendRecord empty = {-1, 1, {1}, -1, 1, 1, -1, -1, -1};
     if (line < 1 || line > QQ_NLEG) return empty;
+    // Records past the count of this axis system are left over from an
+    // earlier one: the entry reads as a record never written.
+    static const LegendRecord unwritten = {};
+    if (!g.ownpat && line > g.nrec) return unwritten;
     return g.rec[line - 1];
 }
 

@@ -17,8 +17,11 @@ namespace {
 
 // Longest digit text that an exponent form keeps for its mantissa.
 constexpr int kMantissa = 21;
-// Longest tail (marker, base and exponent) that number keeps.
-constexpr int kTail = 12;
+// Longest tail (marker, base and exponent) that number keeps.  The tail of
+// XEXP counts from its "}": the "{D" before it is part of the mantissa's
+// side, so two more characters go with the cut made at "{".
+constexpr int kTail = 8;
+constexpr int kTailXexp = kTail + 2;
 
 void number_init(glbblk *b) {
     b->num.numfmt = 0;
@@ -133,7 +136,7 @@ int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept 
     if (ndig < -1 || ndig > 100) return -1;
     int fmt = b->num.numfmt;
     char raise = qqraisech(b), back = qqbackch(b);
-    char body[160], tail[kTail + 1];
+    char body[160], tail[kTailXexp + 1];
     tail[0] = '\0';
     if (fmt == 0 || fmt == 3) {
         qqdigtxt(x, ndig, body, sizeof body);
@@ -144,7 +147,7 @@ int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept 
         char marker = kind == 1 ? '*' : kind == 2 ? 'E' : '{';
         char *cut = std::strchr(t, marker);
         if (cut) {
-            qqscpy(tail, cut, kTail);
+            qqscpy(tail, cut, kind == 4 ? kTailXexp : kTail);
             *cut = '\0';
         }
         qqscpy(body, t, (int)sizeof body - 1);
@@ -189,13 +192,16 @@ int flen(double x, int ndig) noexcept {
         char t[16];
         return qqfcha(x, ndig, t, sizeof t, 0);
     }
+    // |x| rounded at ndig, counted in digits of that rounded integer so
+    // that a value just below a power of ten counts the carry (9.96 with
+    // one decimal reads 10.0).
     double v = std::fabs(x);
     v = ndig > 0 ? std::floor(v * std::pow(10.0, ndig) + 0.5) : std::floor(v + 0.5);
-    int d = 1;
-    while (d < 100 && !(std::pow(10.0, d) - 0.5 > v)) ++d;
-    // The digit text holds at least ndig digits behind "0.".
-    int len = ndig > 0 && d <= ndig ? ndig + 2 : d + ndig + 1;
-    if (ndig < 0) len = d;
+    int nd = 1;
+    while (nd < 100 && !(std::pow(10.0, nd) - 0.5 > v)) ++nd;
+    // d: digits before the point, at least the "0" of "0.".
+    int d = ndig > 0 ? (nd > ndig ? nd - ndig : 1) : nd;
+    int len = ndig < 0 ? d : d + ndig + 1;
     if (x < 0) {
         // A minus stands only before a text that is not all zeros.
         if (v != 0) ++len;

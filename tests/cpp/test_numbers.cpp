@@ -65,6 +65,13 @@ TEST(numode_decorates_digits) {
     b->num.numfmt = 2;
     qqscpy(b->num.numode, ",000", 4);
     CHECK(numtxt(b, 1500.0, 1) == "1,5E3");
+    // number keeps eight characters of the tail behind the mantissa.
+    qqscpy(b->num.numode, ".000", 4);
+    b->num.numfmt = 1;
+    CHECK(numtxt(b, 1.5e-12, 1) == "1.5*10[-12$");
+    CHECK(numtxt(b, 1.5e-300, 1) == "1.5*10[-300");
+    b->num.numfmt = 4;
+    CHECK(numtxt(b, 1.5e-12, 1) == "1.5{D}10[-12$");
     testkit::end_session(b);
 }
 
