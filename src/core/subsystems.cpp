@@ -17,6 +17,7 @@ extern const Subsystem kxsub_axes;
 extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_curves;
 extern const Subsystem kxsub_shields;
+extern const Subsystem kxsub_bars;
 extern const Subsystem kxsub_contours;
 extern const Subsystem kxsub_postscript;
 extern const Subsystem kxsub_zscale;
@@ -44,6 +45,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_styles,
     &kxsub_curves,
     &kxsub_shields,
+    &kxsub_bars,
     &kxsub_contours,
     &kxsub_zscale,
     &kxsub_space,
