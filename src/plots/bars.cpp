@@ -205,11 +205,7 @@ void place_label(glbblk *b, const BarCall &c, const BarBox &r, BarLabel &L) {
 
 // Registers a region under the shield kind of bars.
 int bar_shield(glbblk *b, int type, const double *v, int nv) {
-    int kind = b->shl.kind;
-    b->shl.kind = QQ_SHL_BARS;
-    int id = qqshladd(b, type, v, nv);
-    b->shl.kind = kind;
-    return id;
+    return qqshlautoadd(b, QQ_SHL_BARS, type, v, nv);
 }
 
 void shield_polygon(glbblk *b, const double *x, const double *y) {
@@ -404,7 +400,7 @@ void bars(double *xray, double *y1ray, const double *y2ray, int n) noexcept {
         int keep = qqbarcolour(b, bs.clr[0]);
         area(b, f.fx, f.fy, flat ? 0 : -1);
         qqbarcolour(b, keep);
-        if (label_shield) qqshldelid(b, label_shield);
+        if (label_shield) qqshldelid(b, label_shield, QQ_SHL_BARS);
         if (c.look3d) {
             keep = qqbarcolour(b, bs.clr[1]);
             area(b, f.sx, f.sy, -1);

@@ -73,5 +73,5 @@ struct LegendState {
     int mix;      // mixleg
     int nrec;     // highest record written
     LegendRecord rec[QQ_NLEG];
-    int shield;  // 1 while a legend shield is registered
+    int shield;  // identifier of the registered legend shield, 0 none
 };
