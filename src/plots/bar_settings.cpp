@@ -44,6 +44,13 @@ void reset_group(glbblk *b) {
 }
 void reset_position(glbblk *b) { b->bar.tickx = b->bar.axisy = 0; }
 
+// A colour argument: -1 or a colour value.
+bool bad_colour(glbblk *b, int c) {
+    if (c >= -1) return false;
+    qqwarn(b, 2, c);
+    return true;
+}
+
 const ResetEntry kResets[] = {
     {"BARD", reset_depth}, {"BARG", reset_group}, {"BARP", reset_position}, {nullptr, nullptr}};
 
@@ -79,7 +86,7 @@ void barpos(const char *copt) noexcept {
 
 void barclr(int ic1, int ic2, int ic3) noexcept {
     glbblk *b = KX_ENTRY("barclr");
-    if (!b || qqchki(b, ic1, -1, -1) || qqchki(b, ic2, -1, -1) || qqchki(b, ic3, -1, -1)) return;
+    if (!b || bad_colour(b, ic1) || bad_colour(b, ic2) || bad_colour(b, ic3)) return;
     b->bar.clr[0] = ic1;
     b->bar.clr[1] = ic2;
     b->bar.clr[2] = ic3;
@@ -87,7 +94,7 @@ void barclr(int ic1, int ic2, int ic3) noexcept {
 
 void barbor(int iclr) noexcept {
     glbblk *b = KX_ENTRY("barbor");
-    if (!b || qqchki(b, iclr, -1, -1)) return;
+    if (!b || bad_colour(b, iclr)) return;
     b->bar.border = iclr;
 }
 
