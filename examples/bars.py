@@ -8,6 +8,7 @@ the bars and a legend; the same sets stacked, each bar labelled with its
 own share in its middle; horizontal bars.  Lower row: bars with a 3-D look
 and labels inside; candlesticks of a made-up price; bars, their labels and
 a title shielded, so that the dense grid drawn after them leaves them free.
+A second picture (draw_3d) holds bars in a 3-D axis system.
 """
 import sys
 
@@ -119,5 +120,28 @@ def draw(device="PNG", name="bars.png"):
     k.kolfin()
 
 
+def draw_3d(device="PNG", name="bars3d.png"):
+    k.metafl(device)
+    k.setfil(name)
+    k.filmod("DELE")
+    k.scrmod("REVERS")
+    k.kolini()
+    k.unit(0)
+    k.complx()
+    k.axis3d(2.0, 2.0, 1.6)
+    k.view3d(-4.0, -5.0, 3.5, "ABS")
+    k.graf3d(0.0, 5.0, 0.0, 1.0, 0.0, 5.0, 0.0, 1.0, 0.0, 10.0, 0.0, 2.0)
+    colours = [k.intrgb(0.9, 0.2, 0.2), k.intrgb(0.2, 0.7, 0.2), k.intrgb(0.2, 0.3, 0.9)]
+    cells = [(i, j) for i in range(1, 5) for j in range(1, 5)]
+    n = len(cells)
+    k.bars3d([float(i) for i, _ in cells], [float(j) for _, j in cells], [0.0] * n,
+             [float((3 * i + 2 * j) % 9 + 1) for i, j in cells], [0.6] * n, [0.6] * n,
+             [colours[j - 1 if j < 4 else 0] for _, j in cells], n)
+    k.endgrf()
+    k.kolfin()
+
+
 if __name__ == "__main__":
     draw(*sys.argv[1:3])
+    if len(sys.argv) < 3:
+        draw_3d(*sys.argv[1:2])

@@ -206,3 +206,54 @@ def test_example_page_same_on_png_and_svg():
     # Every mark that is not white: the fills' shades differ between the
     # two routes, their places must not.
     example_png_and_svg_alike("bars.py", threshold=200)
+
+
+def test_automatic_shields_of_bars_symbols_and_legends(tmp_path):
+    session(str(tmp_path / "b.met"))
+    counts = []
+    kolvex.shield("BARS", "ON")
+    kolvex.bars([1.0, 2.0, 3.0], [1.0] * 3, [2.0] * 3, 3)
+    counts.append(kolvex.shlind())          # one rectangle a bar
+    kolvex.bartyp("3DVE")
+    kolvex.bars([4.0], [1.0], [2.0], 1)
+    counts.append(kolvex.shlind())          # and side and top as polygons
+    kolvex.shield("BARS", "RESE")
+    kolvex.bars([5.0], [1.0], [2.0], 1)
+    counts.append(kolvex.shlind())
+    kolvex.shield("SYMB", "ON")
+    kolvex.rlsymb(3, 1.0, 5.0)
+    kolvex.rlsymb(4, 2.0, 5.0)
+    counts.append(kolvex.shlind())
+    kolvex.shield("SYMB", "DELE")
+    kolvex.endgrf()                         # a new system counts entries from 1
+    kolvex.graf(0.0, 6.0, 0.0, 1.0, 0.0, 10.0, 0.0, 2.0)
+    kolvex.shield("LEGE", "ON")
+    kolvex.legini("", 1, 10)
+    kolvex.leglin("", "bars", 1)
+    kolvex.bars([1.0], [3.0], [4.0], 1)     # the first entry reserves the place
+    counts.append(kolvex.shlind())
+    kolvex.legend("", 7)                    # and the legend takes it over
+    counts.append(kolvex.shlind())
+    assert counts == [3, 6, 0, 2, 1, 1]
+
+
+def test_bars3d_needs_a_3d_system(tmp_path, capfd):
+    path = str(tmp_path / "b.met")
+    kolvex.metafl("PLOG")
+    kolvex.filmod("DELE")
+    kolvex.setfil(path)
+    kolvex.kolini()
+    args = ([1.0, 2.0], [1.0, 2.0], [0.0, 0.0], [3.0, 5.0], [0.5, 0.5], [0.5, 0.5], [-1, 3], 2)
+    kolvex.graf(0.0, 3.0, 0.0, 1.0, 0.0, 3.0, 0.0, 1.0)
+    capfd.readouterr()
+    kolvex.bars3d(*args)
+    assert "Warning 3:" in capfd.readouterr().out
+    kolvex.endgrf()
+    kolvex.graf3d(0.0, 3.0, 0.0, 1.0, 0.0, 3.0, 0.0, 1.0, 0.0, 6.0, 0.0, 1.0)
+    kolvex.bars3d(*args)
+    out = capfd.readouterr().out
+    kolvex.endgrf()
+    kolvex.kolfin()
+    assert "Warning" not in out
+    # Two bars of three faces, filled and outlined: closed pieces of four sides.
+    assert sum(1 for p in read_plog(path) if len(p) == 5) >= 6
