@@ -26,7 +26,9 @@ void bars_init(glbblk *b) {
 }
 
 // endgrf ends the count of bar sets of the axis system.
-void end_sets(glbblk *b) { b->bar.nsets = 0; }
+void end_sets(glbblk *b) {
+    b->bar.nsets = 0;
+}
 
 void bars_session(glbblk *b) {
     bars_init(b);
@@ -42,7 +44,9 @@ void reset_group(glbblk *b) {
     b->bar.gap = 0.0;
     b->bar.grppos = 0;
 }
-void reset_position(glbblk *b) { b->bar.tickx = b->bar.axisy = 0; }
+void reset_position(glbblk *b) {
+    b->bar.tickx = b->bar.axisy = 0;
+}
 
 // A colour argument: -1 or a colour value.
 bool bad_colour(glbblk *b, int c) {

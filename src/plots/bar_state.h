@@ -7,17 +7,17 @@
 #pragma once
 
 struct BarState {
-    int form;        // financial form: 0 TICK, 1 CAND
-    int mode;        // width measured 0 FIXE (first two bars), 1 VARI (each bar)
-    int ngrp;        // bars sharing one position, 1 to 30
-    double gap;      // space between them: > 0 share of one bar, else plot units
-    int grppos;      // calls of bars in the running group
-    int tickx;       // 1: positions from the ticks of the position axis
-    int axisy;       // 1: bar starts from the lower limit of the value axis
-    int chn;         // chnbar: 0 NONE, 1 COLO, 2 PATT, 3 BOTH
-    int clr[3];      // colours of the front, side and top faces, -1 current
-    int border;      // border colour, -1 none on flat bars
-    double depth;    // depth of the 3-D look, below 0 the width of a bar
-    double angle;    // its angle in degrees
-    int nsets;       // bar sets drawn in this axis system
+    int form;      // financial form: 0 TICK, 1 CAND
+    int mode;      // width measured 0 FIXE (first two bars), 1 VARI (each bar)
+    int ngrp;      // bars sharing one position, 1 to 30
+    double gap;    // space between them: > 0 share of one bar, else plot units
+    int grppos;    // calls of bars in the running group
+    int tickx;     // 1: positions from the ticks of the position axis
+    int axisy;     // 1: bar starts from the lower limit of the value axis
+    int chn;       // chnbar: 0 NONE, 1 COLO, 2 PATT, 3 BOTH
+    int clr[3];    // colours of the front, side and top faces, -1 current
+    int border;    // border colour, -1 none on flat bars
+    double depth;  // depth of the 3-D look, below 0 the width of a bar
+    double angle;  // its angle in degrees
+    int nsets;     // bar sets drawn in this axis system
 };

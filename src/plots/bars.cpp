@@ -37,15 +37,15 @@ const int kLabelCode[8] = {0, 22, 12, 21, 21, 23, 23, 32};
 
 // What stays the same for every bar of one call.
 struct BarCall {
-    bool hori;        // horizontal bars
-    bool look3d;      // 3DVE or 3DHO
-    int slot;         // position in the group, from 1
-    int g;            // group size
-    double gap;       // group gap setting
-    double W, w, s;   // slot width, bar width, space between bars
-    double ca, sa;    // cosine and sine of the depth angle
-    double D;         // depth
-    int h;            // character height
+    bool hori;       // horizontal bars
+    bool look3d;     // 3DVE or 3DHO
+    int slot;        // position in the group, from 1
+    int g;           // group size
+    double gap;      // group gap setting
+    double W, w, s;  // slot width, bar width, space between bars
+    double ca, sa;   // cosine and sine of the depth angle
+    double D;        // depth
+    int h;           // character height
 };
 
 // One bar in plot coordinates: its edges across (a0 to a1) and its ends
@@ -107,10 +107,11 @@ void area(glbblk *b, const double *x, const double *y, int pattern) {
     if (pattern >= 0 && pattern != saved) qqsetpattern(b, saved);
 }
 
-// A label of a bar: its text, where its box starts (before the raise of a
+// A label of a bar: its number, where its box starts (before the raise of a
 // quarter height) and its position code.
 struct BarLabel {
-    char text[64];
+    double value;
+    int ndig;
     int code;
     int x, y;
     int tw, TW, TH;
@@ -118,12 +119,18 @@ struct BarLabel {
 
 double label_value(int kind, double x, double y1, double y2) {
     switch (kind) {
-    case 1: return y2;
-    case 2: return y1;
-    case 3: return y1 > y2 ? y1 : y2;
-    case 4: return y1 < y2 ? y1 : y2;
-    case 5: return y2 - y1;
-    default: return x;
+        case 1:
+            return y2;
+        case 2:
+            return y1;
+        case 3:
+            return y1 > y2 ? y1 : y2;
+        case 4:
+            return y1 < y2 ? y1 : y2;
+        case 5:
+            return y2 - y1;
+        default:
+            return x;
     }
 }
 
@@ -153,11 +160,21 @@ void place_label(glbblk *b, const BarCall &c, const BarBox &r, BarLabel &L) {
         }
         double y;
         switch (d) {
-        case 1: y = top - 2.25 * h; break;
-        case 2: y = top + 1.25 * h; break;
-        case 3: y = (float)(top + (base - top - h) / 2 - h / 4); break;
-        case 4: y = base - 2.75 * h; break;
-        default: y = base + 0.75 * h; break;
+            case 1:
+                y = top - 2.25 * h;
+                break;
+            case 2:
+                y = top + 1.25 * h;
+                break;
+            case 3:
+                y = (float)(top + (base - top - h) / 2 - h / 4);
+                break;
+            case 4:
+                y = base - 2.75 * h;
+                break;
+            default:
+                y = base + 0.75 * h;
+                break;
         }
         L.x = qqnint(x), L.y = qqnint(y);
         if (c.look3d && code == 12) {
@@ -169,7 +186,8 @@ void place_label(glbblk *b, const BarCall &c, const BarBox &r, BarLabel &L) {
         }
     } else {
         int upper = r.a0, lower = r.a1;
-        if (code == 0) code = L.TH < std::abs(lower - upper) && L.TW < std::abs(r.v2 - r.v1) ? 22 : 12;
+        if (code == 0)
+            code = L.TH < std::abs(lower - upper) && L.TW < std::abs(r.v2 - r.v1) ? 22 : 12;
         int across = code % 10, d = code / 10;
         double y;
         if (across == 2)
@@ -185,11 +203,21 @@ void place_label(glbblk *b, const BarCall &c, const BarBox &r, BarLabel &L) {
         }
         double x;
         switch (d) {
-        case 1: x = end + 0.75 * h; break;
-        case 2: x = end - tw - 1.75 * h; break;
-        case 3: x = (float)(end - (end - base + tw) / 2 - h / 4); break;
-        case 4: x = base + 1.25 * h; break;
-        default: x = base - tw - 1.25 * h; break;
+            case 1:
+                x = end + 0.75 * h;
+                break;
+            case 2:
+                x = end - tw - 1.75 * h;
+                break;
+            case 3:
+                x = (float)(end - (end - base + tw) / 2 - h / 4);
+                break;
+            case 4:
+                x = base + 1.25 * h;
+                break;
+            default:
+                x = base - tw - 1.25 * h;
+                break;
         }
         L.x = qqnint(x), L.y = qqnint(y);
         if (c.look3d && code == 12) {
@@ -354,7 +382,8 @@ void bars(double *xray, double *y1ray, const double *y2ray, int n) noexcept {
             } else {
                 double here = qqbaralong(b, m, xray[i], c.hori);
                 double prev = i > 0 ? std::fabs(here - qqbaralong(b, m, xray[i - 1], c.hori)) : -1;
-                double next = i < nb - 1 ? std::fabs(qqbaralong(b, m, xray[i + 1], c.hori) - here) : -1;
+                double next =
+                    i < nb - 1 ? std::fabs(qqbaralong(b, m, xray[i + 1], c.hori) - here) : -1;
                 d = i == 0 ? next : i == nb - 1 ? prev : std::fmin(prev, next);
             }
             c.W = std::isfinite(d) ? d * factor : 0.0;
@@ -382,16 +411,18 @@ void bars(double *xray, double *y1ray, const double *y2ray, int n) noexcept {
         Faces f;
         make_faces(c, r, f);
         // 10. The label, and its shield when it lies inside the bar.
-        BarLabel L;
+        BarLabel L{};
         int label_shield = 0;
         if (label_kind != 0) {
             double v = label_value(label_kind, xray[i], y1ray[i], y2ray[i]);
             int nd = ndig == -2 ? qqautodig(v) : ndig;
-            qqnumtxt(b, v, nd, L.text, sizeof L.text);
-            L.tw = (int)qqaxtw(b, L.text);
+            L.value = v;
+            L.ndig = nd;
+            L.tw = qqnumlen(b, v, nd);
             place_label(b, c, r, L);
             if (L.code == 22 || L.code == 32 || L.code == 42) {
-                double sv[4] = {(double)L.x, (double)L.y, (double)L.x + L.TW - 1, (double)L.y + L.TH - 1};
+                double sv[4] = {(double)L.x, (double)L.y, (double)L.x + L.TW - 1,
+                                (double)L.y + L.TH - 1};
                 label_shield = bar_shield(b, 1, sv, 4);
             }
         }
@@ -425,10 +456,10 @@ void bars(double *xray, double *y1ray, const double *y2ray, int n) noexcept {
             qqflsh(b);
             if (b->dev.curclr != keep) qqsetc(b, keep);
         }
-        if (label_kind != 0 && L.text[0]) {
+        if (label_kind != 0) {
             keep = qqbarcolour(b, label_colour);
             int q = qqnint(c.h / 4.0);
-            qqaxtxt(b, L.text, L.x + q, L.y + q, 0);
+            qqnumat(b, L.value, L.ndig, L.x + q, L.y + q);
             qqflsh(b);
             qqbarcolour(b, keep);
         }

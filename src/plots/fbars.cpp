@@ -51,8 +51,9 @@ void fbars(const double *xray, const double *y1ray, const double *y2ray, const d
     for (const double *v : vals) qqchkd(b, xray, v, n);
     const BarState &bs = b->bar;
     const double factor = b->crv.barwth;
-    double half = factor > 0 ? qqbarspan(b, m, xray, n, false) * factor / 2
-                             : factor < 0 ? std::fabs(factor) / 2 : 0.0;
+    double half = factor > 0   ? qqbarspan(b, m, xray, n, false) * factor / 2
+                  : factor < 0 ? std::fabs(factor) / 2
+                               : 0.0;
     CurveSave save;
     qqcrvsave(b, &save);
     b->core.ynoflp = 1;
@@ -61,8 +62,8 @@ void fbars(const double *xray, const double *y1ray, const double *y2ray, const d
     qqshdpat(b, QQ_SOLID_PATTERN);
     for (int i = 0; i < n; ++i) {
         double x = xray[i], open = y1ray[i], high = y2ray[i], low = y3ray[i], close = y4ray[i];
-        if (!std::isfinite(x) || !std::isfinite(open) || !std::isfinite(high) || !std::isfinite(low) ||
-            !std::isfinite(close))
+        if (!std::isfinite(x) || !std::isfinite(open) || !std::isfinite(high) ||
+            !std::isfinite(low) || !std::isfinite(close))
             continue;
         double px, po, ph, pl, pc;
         qqaxpt(b, m, x, open, &px, &po);

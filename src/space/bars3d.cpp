@@ -23,7 +23,9 @@ double abs_of(const SpaceState &s, int i, double u) {
     return (u - s.a[i]) * s.len[i] / d - s.len[i] / 2;
 }
 
-double domain(const SpaceState &s, int i, double v) { return s.logax[i] ? std::log10(v) : v; }
+double domain(const SpaceState &s, int i, double v) {
+    return s.logax[i] ? std::log10(v) : v;
+}
 
 double cut(const SpaceState &s, int i, double u) {
     double lo = std::fmin(s.a[i], s.e[i]), hi = std::fmax(s.a[i], s.e[i]);
@@ -105,7 +107,8 @@ void bars3d(const double *xray, const double *yray, const double *z1ray, const d
         double zb = abs_of(s, 2, cut(s, 2, domain(s, 2, z2ray[i])));
         if (!std::isfinite(za) || !std::isfinite(zb)) continue;
         // Absolute coordinates grow with the axis whichever way it runs.
-        double x0 = std::fmin(xa, xb), x1 = std::fmax(xa, xb), y0 = std::fmin(ya, yb), y1 = std::fmax(ya, yb);
+        double x0 = std::fmin(xa, xb), x1 = std::fmax(xa, xb), y0 = std::fmin(ya, yb),
+               y1 = std::fmax(ya, yb);
         double z0 = std::fmin(za, zb), z1 = std::fmax(za, zb);
         int clr = icray[i] == -1 ? current : icray[i];
         double fy = yhigh ? y1 : y0, fx = xhigh ? x1 : x0, fz = top ? z1 : z0;
