@@ -61,12 +61,15 @@ void bars3d(const double *xray, const double *yray, const double *z1ray, const d
     qqchk3(b, xray, yray, z1ray, n);
     qqchk3(b, xray, yray, z2ray, n);
     const int current = b->dev.curclr;
-    // One legend record for each colour, at its first occurrence.
+    // One legend record for each colour, at its first occurrence.  The
+    // legend holds at most QQ_NLEG entries: the search ends with them.
     CurveState &cs = b->crv;
-    for (int i = 0; i < n; ++i) {
-        bool seen = false;
-        for (int j = 0; j < i && !seen; ++j) seen = icray[j] == icray[i];
-        if (seen) continue;
+    int seen[QQ_NLEG], nseen = 0;
+    for (int i = 0; i < n && nseen < QQ_NLEG; ++i) {
+        bool known = false;
+        for (int j = 0; j < nseen && !known; ++j) known = seen[j] == icray[i];
+        if (known) continue;
+        seen[nseen++] = icray[i];
         int clr = icray[i] == -1 ? current : icray[i];
         if (clr != b->dev.curclr) qqsetc(b, clr);
         qqlegrecord(b, cs.ncrv, QQ_SOLID_PATTERN, false, false);
