@@ -9,7 +9,7 @@ import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 EXAMPLES = ["demo", "curve_modes", "symbols", "legends", "errors_and_areas", "fill_patterns",
-            "contours", "shields"]
+            "contours", "shields", "bars"]
 
 
 def main():
@@ -21,6 +21,10 @@ def main():
         draw = getattr(mod, "draw", None) or getattr(mod, "draw_page")
         draw("PNG", os.path.join(out, name + ".png"))
         print("wrote", os.path.join("examples", "pictures", name + ".png"))
+        extra = getattr(mod, "draw_3d", None)
+        if extra:
+            extra("PNG", os.path.join(out, name + "3d.png"))
+            print("wrote", os.path.join("examples", "pictures", name + "3d.png"))
 
 
 if __name__ == "__main__":

@@ -377,6 +377,18 @@ KOLVEX_API void mixleg(void) KOLVEX_NOEXCEPT;
 KOLVEX_API int nxlegn(const char *cbuf) KOLVEX_NOEXCEPT;
 KOLVEX_API int nylegn(const char *cbuf) KOLVEX_NOEXCEPT;
 
+/* Bars */
+KOLVEX_API void barbor(int iclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void barclr(int ic1, int ic2, int ic3) KOLVEX_NOEXCEPT;
+KOLVEX_API void bargrp(int ngrp, double gap) KOLVEX_NOEXCEPT;
+KOLVEX_API void barmod(const char *cmode, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API void baropt(double xf, double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API void barpos(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void bars(double *xray, double *y1ray, const double *y2ray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void bars3d(const double *xray, const double *yray, const double *z1ray, const double *z2ray, const double *xwray, const double *ywray, const int *icray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void chnbar(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void fbars(const double *xray, const double *y1ray, const double *y2ray, const double *y3ray, const double *y4ray, int n) KOLVEX_NOEXCEPT;
+
 /* Area fill, polygon clipping and patterns */
 KOLVEX_API void areaf(const int *nxray, const int *nyray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void mypat(int iang, int itype, int idens, int icross) KOLVEX_NOEXCEPT;

@@ -123,3 +123,17 @@ def test_bad_regions_warn_and_store_nothing(tmp_path, capfd):
     assert any("Warning 30" in w for w in out)
     assert any("Blanking buffer overflow" in w for w in out)
     assert sum("Warning 2:" in w or "Warning  2" in w or "Warning 2 " in w for w in out) >= 1
+
+
+def test_frames_round_own_pie_and_polygon_regions(tmp_path):
+    def register():
+        kolvex.frame(2)  # the outline and one more at a distance of one unit
+        kolvex.shlpol([1000, 1100, 1100, 1000], [1000, 1000, 1100, 1100], 4)
+        kolvex.frame(1)
+        kolvex.shlpie(2000, 1500, 100, 0, 90)
+        kolvex.frame(0)
+
+    segs = drawn(tmp_path, register, [])
+    square = 400 + 4 * 102
+    sector = 100 * math.pi / 2 + 200
+    assert length(segs) == pytest.approx(square + sector, abs=3)

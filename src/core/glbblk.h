@@ -24,6 +24,7 @@
 #include "text/number_state.h"
 #include "axes/axes_state.h"
 #include "plots/shield_state.h"
+#include "plots/bar_state.h"
 #include "fields/contour_state.h"
 #include "plots/zscale_state.h"
 #include "space/space_state.h"
@@ -45,6 +46,7 @@ struct glbblk {
     StyleState sty;       // line style number, shading pattern, fill switches
     CurveState crv;       // curves, symbols, attribute cycles
     ShieldState shl;      // shield regions
+    BarState bar;         // bar graph settings and counters
     LegendState leg;      // legend lines, layout and curve records
     ContourState con;     // contour labelling and the contour pen
     ZScaleState zsc;      // the z colour scale

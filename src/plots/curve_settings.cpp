@@ -154,8 +154,11 @@ void barwth(double xf) noexcept {
 void bartyp(const char *copt) noexcept {
     glbblk *b = KX_ENTRY("bartyp");
     if (!b) return;
-    int k = qqkey(b, "VERT+HORI", 2, copt);
-    if (k > 0) b->crv.bartyp = k - 1;
+    // The first four words choose the bar type, the last two the form of
+    // financial bars; each leaves the other setting alone.
+    int k = qqkey(b, "VERT+HORI+3DVE+3DHO+TICK+CAND", 6, copt);
+    if (k >= 1 && k <= 4) b->crv.bartyp = k - 1;
+    if (k >= 5) b->bar.form = k - 5;
 }
 
 void splmod(int ngrad, int npts) noexcept {

@@ -12,7 +12,7 @@ enum { CRV_LINE, CRV_STEP, CRV_BARS, CRV_SPLI, CRV_PSPL, CRV_STEM, CRV_STAI, CRV
 struct CurveState {
     int polcrv;           // interpolation, CRV_LINE ...
     double barwth;        // bar width factor of BARS and FBAR; negative: plot units
-    int bartyp;           // direction of error bars: 0 vertical, 1 horizontal
+    int bartyp;           // bar type: 0 VERT, 1 HORI, 2 3DVE, 3 3DHO (error bars: VERT or not)
     int splgrd;           // spline degree, 2 to 10
     int splnpt;           // spline points, 5 to 30000
     int marker;           // symbol number, -1 none
@@ -73,5 +73,5 @@ struct LegendState {
     int mix;      // mixleg
     int nrec;     // highest record written
     LegendRecord rec[QQ_NLEG];
-    int shield;  // 1 while a legend shield is registered
+    int shield;  // identifier of the registered legend shield, 0 none
 };

@@ -19,6 +19,7 @@
 #include "plots/curves.h"
 #include "plots/fill.h"
 #include "plots/legend_link.h"
+#include "plots/shields.h"
 
 namespace {
 
@@ -214,6 +215,39 @@ void rect_outline(glbblk *b, double x0, double y0, double x1, double y1) {
     qqdraw(b, x0, y0);
 }
 
+// The upper left corner of a legend box of w by t: the fixed position,
+// or the upper right corner of the axis system inside the margin.
+void reserved_corner(glbblk *b, int w, int *x, int *y) {
+    const LegendState &g = b->leg;
+    if (!g.autopos) {
+        *x = g.posx;
+        *y = g.posy;
+        return;
+    }
+    int h = qqleghgt(b);
+    int mm = g.marg >= 0 ? (int)(h * g.marg) : (int)(-g.marg);
+    LegendAxis a;
+    qqlegaxis(b, &a);
+    *x = a.rx - mm - w + 2;
+    *y = a.ty + mm;
+}
+
+void legend_shield(glbblk *b, int x, int y, int w, int t) {
+    if (w < 1 || t < 1) return;
+    double v[4] = {(double)x, (double)y, (double)x + w - 1, (double)y + t - 1};
+    b->leg.shield = qqshlautoadd(b, QQ_SHL_LEGE, 1, v, 4);
+}
+
+// With legends shielded, the first curve keeps the place of the legend
+// free before it is drawn: a box of the largest size that leglin met.
+void reserve_shield(glbblk *b) {
+    LegendState &g = b->leg;
+    if (!g.init || g.shield || !qqshlauto(b, QQ_SHL_LEGE) || g.maxw < 1 || g.maxh < 1) return;
+    int x, y;
+    reserved_corner(b, g.maxw, &x, &y);
+    legend_shield(b, x, y, g.maxw, g.maxh);
+}
+
 }  // namespace
 
 void qqleginit(glbblk *b) noexcept {
@@ -240,6 +274,7 @@ void qqlegrecord(glbblk *b, int entry, int pattern, bool line, bool symbol) noex
     r.mcolour = c.mrkclr;
     r.pattern = pattern;
     if (entry > b->leg.nrec) b->leg.nrec = entry;
+    if (entry == 1) reserve_shield(b);
 }
 
 void legini(char *cbuf, int nlin, int nmaxln) noexcept {
@@ -510,6 +545,13 @@ void legend(const char *cbuf, int npos) noexcept {
         }
     }
 
+    // The reserved place gives way to the legend's own box, registered
+    // once the legend stands.
+    const bool reserved = g.shield != 0;
+    if (reserved) {
+        qqshldelid(b, g.shield, QQ_SHL_LEGE);
+        g.shield = 0;
+    }
     CurveSave save;
     qqcrvsave(b, &save);
     int savhsym = b->crv.hsymbl, savwid = b->dev.lnwid < 0 ? -b->dev.lnwid : b->dev.lnwid;
@@ -613,6 +655,7 @@ void legend(const char *cbuf, int npos) noexcept {
     }
     qqflsh(b);
     if (b->dev.curclr != save.colour) qqsetc(b, save.colour);
+    if (reserved || qqshlauto(b, QQ_SHL_LEGE)) legend_shield(b, x, y, w, t);
     b->core.ynoflp = flip;
 }
 

@@ -423,11 +423,20 @@ void shields_init(glbblk *b) {
     for (int &f : s.autofl) f = 0;
     s.nvis = 0;
     b->dev.segtest = nullptr;
+    b->txt.shield = nullptr;
 }
+
+void reset_flags(glbblk *b) {
+    for (int &f : b->shl.autofl) f = 0;
+    b->txt.shield = nullptr;
+}
+void reset_surface(glbblk *b) { b->shl.surf = 0; }
+
+const ResetEntry kResets[] = {{"SHIE", reset_flags}, {"SHLS", reset_surface}, {nullptr, nullptr}};
 
 }  // namespace
 
-extern const Subsystem kxsub_shields = {"shields", nullptr, shields_init, nullptr, nullptr, nullptr};
+extern const Subsystem kxsub_shields = {"shields", nullptr, shields_init, nullptr, kResets, nullptr};
 
 int qqshladd(glbblk *b, int type, const double *v, int nv) noexcept {
     if (type < 1 || type > 6) return 0;
@@ -470,9 +479,39 @@ int qqshlauto(glbblk *b, int kind) noexcept {
     return kind >= 1 && kind <= 5 ? b->shl.autofl[kind - 1] : 0;
 }
 
-void qqshldelid(glbblk *b, int id) noexcept {
+int qqshlautoadd(glbblk *b, int kind, int type, const double *v, int nv) noexcept {
+    int saved = b->shl.kind;
+    b->shl.kind = kind;
+    int id = qqshladd(b, type, v, nv);
+    b->shl.kind = saved;
+    return id;
+}
+
+namespace {
+
+// The box of a string drawn while texts are shielded: a rectangle when the
+// text runs straight across or up the page, else the turned box as a
+// polygon.
+void text_shield(glbblk *b, const double *bx, const double *by) {
+    bool across = std::fabs(by[0] - by[1]) < 1e-9 && std::fabs(bx[1] - bx[2]) < 1e-9;
+    bool up = std::fabs(bx[0] - bx[1]) < 1e-9 && std::fabs(by[1] - by[2]) < 1e-9;
+    if (across || up) {
+        double v[4] = {std::min(bx[0], bx[2]), std::min(by[0], by[2]), std::max(bx[0], bx[2]),
+                       std::max(by[0], by[2])};
+        qqshlautoadd(b, QQ_SHL_MESS, 1, v, 4);
+        return;
+    }
+    double v[8];
+    for (int k = 0; k < 4; ++k) v[2 * k] = bx[k], v[2 * k + 1] = by[k];
+    qqshlautoadd(b, QQ_SHL_MESS, 6, v, 8);
+}
+
+}  // namespace
+
+void qqshldelid(glbblk *b, int id, int kind) noexcept {
+    if (id <= 0) return;
     qqflsh(b);
-    remove_if(b, [id](const short *w) { return w[1] == id; });
+    remove_if(b, [id, kind](const short *w) { return w[1] == id && kind_of(w[0]) == kind; });
 }
 
 namespace {
@@ -523,6 +562,71 @@ void frame_ellipse(glbblk *b, double x, double y, double a, double bb, double an
     }
 }
 
+// |t| frames round a pie sector of radius r from angle a0 to a1 (radians,
+// counter-clockwise, y of the page downward): for each step e the arc at
+// radius r + e, widened on both sides by the angle that spans e on the
+// rim, and the two radial lines moved outward by e, which end where they
+// cross, or at the midpoint of their inner ends when they do not.
+void frame_pie(glbblk *b, double x, double y, double r, double a0, double a1, int t) {
+    FrameScope scope(b);
+    if (a1 < a0) a1 += 2 * kPi;
+    int m = t < 0 ? -t : t;
+    for (int i = 0; i < m; ++i) {
+        double e = t > 0 ? i : -i, R = r + e;
+        if (R <= 0) break;
+        double da = e / r, s0 = a0 - da, s1 = a1 + da;
+        double uax = std::cos(a0), uay = -std::sin(a0), ubx = std::cos(a1), uby = -std::sin(a1);
+        // Outward normals of the two edges.
+        double nax = std::sin(a0), nay = std::cos(a0), nbx = -std::sin(a1), nby = -std::cos(a1);
+        double pax = x + e * nax, pay = y + e * nay, pbx = x + e * nbx, pby = y + e * nby;
+        double det = uax * -uby - -ubx * uay;
+        double ix = 0.5 * (pax + pbx), iy = 0.5 * (pay + pby);
+        if (std::fabs(det) > 1e-9) {
+            double rx = pbx - pax, ry = pby - pay;
+            double sa = (rx * -uby - -ubx * ry) / det, sb = (uax * ry - uay * rx) / det;
+            if (sa > -R && sa < R && sb > -R && sb < R) ix = pax + sa * uax, iy = pay + sa * uay;
+        }
+        int steps = std::max(8, std::min(720, (int)(R * (s1 - s0) * 0.5)));
+        qqmove(b, ix, iy);
+        for (int k = 0; k <= steps; ++k) {
+            double p = s0 + (s1 - s0) * k / steps;
+            qqdraw(b, x + R * std::cos(p), y - R * std::sin(p));
+        }
+        qqdraw(b, ix, iy);
+    }
+}
+
+// |t| polygons at the distances 0, 1, ... outside the polygon v of m
+// points (inside for t below 0), each vertex where its two moved edges meet.
+void frame_polygon(glbblk *b, const double *v, int m, int t) {
+    FrameScope scope(b);
+    double area = 0;
+    for (int j = 0; j < m; ++j) {
+        int k = (j + 1) % m;
+        area += v[2 * j] * v[2 * k + 1] - v[2 * k] * v[2 * j + 1];
+    }
+    double turn = area > 0 ? 1.0 : -1.0;
+    int n = t < 0 ? -t : t;
+    for (int i = 0; i < n; ++i) {
+        double d = t > 0 ? i : -i;
+        for (int j = 0; j <= m; ++j) {
+            int c = j % m, p = (c + m - 1) % m, q = (c + 1) % m;
+            double x = v[2 * c], y = v[2 * c + 1];
+            double e1x = x - v[2 * p], e1y = y - v[2 * p + 1], e2x = v[2 * q] - x, e2y = v[2 * q + 1] - y;
+            double l1 = std::hypot(e1x, e1y), l2 = std::hypot(e2x, e2y);
+            if (l1 == 0 || l2 == 0) continue;
+            double n1x = turn * e1y / l1, n1y = -turn * e1x / l1;
+            double n2x = turn * e2y / l2, n2y = -turn * e2x / l2;
+            double k = 1 + n1x * n2x + n1y * n2y;
+            double ox = k > 0.1 ? (n1x + n2x) / k : n2x, oy = k > 0.1 ? (n1y + n2y) / k : n2y;
+            if (j == 0)
+                qqmove(b, x + d * ox, y + d * oy);
+            else
+                qqdraw(b, x + d * ox, y + d * oy);
+        }
+    }
+}
+
 }  // namespace
 
 // ---- public routines ----
@@ -540,6 +644,7 @@ void shield(const char *cblank, const char *cmode) noexcept {
     case 1:
     case 2:
         s.autofl[k - 1] = m == 1;
+        if (k == QQ_SHL_MESS) b->txt.shield = m == 1 ? text_shield : nullptr;
         break;
     case 3:
     case 4:
@@ -549,6 +654,7 @@ void shield(const char *cblank, const char *cmode) noexcept {
         break;
     default:
         if (m == 6) s.autofl[k - 1] = 0;
+        if (m == 6 && k == QQ_SHL_MESS) b->txt.shield = nullptr;
         remove_if(b, [k](const short *w) { return kind_of(w[0]) == k; });
     }
 }
@@ -616,10 +722,12 @@ void shlpie(int nx, int ny, int nr, double alpha, double beta) noexcept {
     double y = qqyflp(b, ny);
     if (std::fabs(beta - alpha) >= 360.0 - 1e-5) {
         double v[3] = {(double)nx, y, (double)nr};
+        if (int t = frame_of(b)) frame_ellipse(b, v[0], v[1], nr, nr, 0.0, t);
         qqshladd(b, 3, v, 3);
         return;
     }
     double v[5] = {(double)nx, y, (double)nr, alpha * kPi / 180.0, beta * kPi / 180.0};
+    if (int t = frame_of(b)) frame_pie(b, v[0], v[1], nr, v[3], v[4], t);
     qqshladd(b, 5, v, 5);
 }
 
@@ -641,6 +749,7 @@ void shlpol(const int *nxray, const int *nyray, int n) noexcept {
         qqwarn(b, 30, m);
         return;
     }
+    if (int t = frame_of(b)) frame_polygon(b, v, m, t);
     qqshladd(b, 6, v, 2 * m);
 }
 

@@ -13,5 +13,7 @@ enum { QQ_SHL_OWN = 0, QQ_SHL_MESS = 1, QQ_SHL_SYMB = 2, QQ_SHL_BARS = 3, QQ_SHL
 int qqshladd(glbblk *b, int type, const double *v, int nv) noexcept;
 // Whether automatic shielding of a kind (1 to 5) is on.
 int qqshlauto(glbblk *b, int kind) noexcept;
-// Removes the record with an identifier.
-void qqshldelid(glbblk *b, int id) noexcept;
+// Adds a record under an automatic kind: the current kind for the call.
+int qqshlautoadd(glbblk *b, int kind, int type, const double *v, int nv) noexcept;
+// Removes the record with an identifier if it is of the kind given.
+void qqshldelid(glbblk *b, int id, int kind) noexcept;

@@ -11,6 +11,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "plots/curves.h"
+#include "plots/shields.h"
 
 namespace {
 
@@ -73,10 +74,7 @@ bool hardware_symbol(glbblk *b, int nsym, double x, double y) {
     return drv->marker(b, nsym, x + b->dev.nxsh, y + b->dev.nysh, c.hsymbl) != 0;
 }
 
-}  // namespace
-
-void qqsymb(glbblk *b, int nsym, double x, double y) noexcept {
-    if (nsym < 0) return;
+void draw_symbol(glbblk *b, int nsym, double x, double y) {
     const CurveState &c = b->crv;
     if (hardware_symbol(b, nsym, x, y)) return;
     double a = c.symrot * (-3.1415927 / 180.0);
@@ -115,6 +113,20 @@ void qqsymb(glbblk *b, int nsym, double x, double y) noexcept {
         if (f.filled) qqsolidfill(b, px, py, n);
         qqmove(b, px[0], py[0]);
         for (int i = 1; i < n; ++i) qqdraw(b, px[i], py[i]);
+    }
+}
+
+}  // namespace
+
+void qqsymb(glbblk *b, int nsym, double x, double y) noexcept {
+    if (nsym < 0) return;
+    draw_symbol(b, nsym, x, y);
+    // A shielded symbol keeps a square of 1.2 times its size free of
+    // the lines drawn after it.
+    if (qqshlauto(b, QQ_SHL_SYMB)) {
+        double r = 0.6 * b->crv.hsymbl;
+        double v[4] = {x - r, y - r, x + r, y + r};
+        qqshlautoadd(b, QQ_SHL_SYMB, 1, v, 4);
     }
 }
 

@@ -437,7 +437,7 @@ void draw_string(glbblk *b, const char *text, int x, int y, bool keep) {
         oy = y;
     }
     double len = 0.0;
-    bool box = t.bgclr != -1 || t.frmthk != 0;
+    bool box = t.bgclr != -1 || t.frmthk != 0 || t.shield;
     double bx[4], by[4];
     if (box) {
         len = measure_loaded(b);
@@ -460,6 +460,7 @@ void draw_string(glbblk *b, const char *text, int x, int y, bool keep) {
     t.cachesec = 0;
     if (b->dev.curclr != t.startclr) qqsetc(b, t.startclr);
     if (t.frmthk != 0) frame_box(b, bx, by, t.frmthk);
+    if (t.shield) t.shield(b, bx, by);
 }
 
 }  // namespace

@@ -338,6 +338,33 @@ void number(double x, int ndig, int nx, int ny) noexcept {
     modes_off(b, &m);
 }
 
+int qqnumlen(glbblk *b, double x, int ndig) noexcept {
+    char t[51];
+    if (!number_text(b, x, ndig, t)) return 0;
+    NumberModes m;
+    modes_on(b, &m);
+    int n = qqtxtlen(b, t);
+    modes_off(b, &m);
+    return n;
+}
+
+void qqnumat(glbblk *b, double x, int ndig, int nx, int ny) noexcept {
+    char t[51];
+    if (!number_text(b, x, ndig, t)) return;
+    TextState &ts = b->txt;
+    int hj = ts.hjus, vj = ts.vjus;
+    unsigned char keep = b->core.ynoflp;
+    ts.hjus = ts.vjus = 0;
+    b->core.ynoflp = 1;
+    NumberModes m;
+    modes_on(b, &m);
+    qqmessag(b, t, nx, ny);
+    modes_off(b, &m);
+    b->core.ynoflp = keep;
+    ts.hjus = hj;
+    ts.vjus = vj;
+}
+
 int nlnumb(double x, int ndig) noexcept {
     glbblk *b = KX_ENTRY("nlnumb");
     if (!b) return 0;

@@ -31,6 +31,12 @@ int qqnumode(const glbblk *b, char *text, int size) noexcept;
 // with the numode decorations.  Returns the length, or -1 for a bad ndig.
 int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept;
 
+// number and nlnumb without their guards, for the labels of plots: the
+// width of x as number writes it, and x written with its upper left
+// corner at a plot position (no page flip, no justification).
+int qqnumlen(glbblk *b, double x, int ndig) noexcept;
+void qqnumat(glbblk *b, double x, int ndig, int nx, int ny) noexcept;
+
 // The instruction characters that raise text and bring it back to the base
 // line, as the text settings hold them.
 char qqraisech(const glbblk *b) noexcept;

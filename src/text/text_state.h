@@ -106,4 +106,8 @@ struct TextState {
     // texdep for frames.  Null: strings are read as plain text.
     int (*tex)(glbblk *b, int measure);
     double texhgt, texdep;
+    // Set while texts are shielded: receives the box of each string drawn
+    // (four corners in plot coordinates, origin shift not added), after the
+    // string, so that the text itself is not cut.
+    void (*shield)(glbblk *b, const double *bx, const double *by);
 };
