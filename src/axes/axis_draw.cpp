@@ -141,6 +141,35 @@ double label_value(const AxesState &ax, const AxisCall &c, int i) {
     return v;
 }
 
+}  // namespace
+
+int qqlabplan(const glbblk *b, const AxisCall &c, int *first, int *last, int *inc) noexcept {
+    LabelPlan p;
+    if (!plan_labels(b->ax, c, &p)) return 0;
+    *first = p.first;
+    *last = p.last;
+    *inc = p.inc;
+    return 1;
+}
+
+double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept { return label_value(b->ax, c, i); }
+
+int qqlabmix(glbblk *b, const AxisCall &c, AxMixSave *mix) noexcept {
+    const AxesState &ax = b->ax;
+    int lab = ax.lab[c.axis];
+    if (is_power(ax, c)) {
+        qqaxmix(b, 0, mix);
+        return 1;
+    }
+    if (lab == 2 || lab == 16 || ax.labcls[c.axis] == 2) {
+        qqaxmix(b, lab == 16, mix);
+        return 1;
+    }
+    return 0;
+}
+
+namespace {
+
 int draw_labels(glbblk *b, const AxisCall &c, double base) {
     AxesState &ax = b->ax;
     int axis = c.axis;
@@ -153,15 +182,8 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     double B = qqaxbase(b);
     int jus = ax.labjus[axis];
     AxMixSave mix;
-    bool mixed = false;
-    if (power) {
-        qqaxmix(b, 0, &mix);
-        mixed = true;
-        if (jus == 0) jus = 1;
-    } else if (lab == 2 || lab == 16 || ax.labcls[axis] == 2) {
-        qqaxmix(b, lab == 16, &mix);
-        mixed = true;
-    }
+    bool mixed = qqlabmix(b, c, &mix) != 0;
+    if (power && jus == 0) jus = 1;
     if (lab == 12 && jus == 0) jus = ax.rgtlab ? 2 : 1;
     int savdig = ax.ndig[axis];
     if (ax.autdig[axis] && !ax.autscl[axis]) ax.ndig[axis] = qqaxdig(c.orl, c.step);

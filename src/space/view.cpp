@@ -609,7 +609,10 @@ void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye
     ax.savclr = b->dev.curclr;
     ax.savlev = 1;
     if (ax.nogrf) return;
-    draw_axes(b);
+    if (s.labmode == 0)
+        draw_axes(b);
+    else
+        qqspaxes(b);
     set_record(b);
 }
 
