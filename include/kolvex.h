@@ -478,6 +478,10 @@ KOLVEX_API void zbfscl(double x) KOLVEX_NOEXCEPT;
 KOLVEX_API void zbftri(const double *xray, const double *yray, const double *zray, const int *iclr) KOLVEX_NOEXCEPT;
 KOLVEX_API void zscale(double zmin, double zmax) KOLVEX_NOEXCEPT;
 
+/* PLY export */
+KOLVEX_API void plyfin(const char *cfile, const char *cobj) KOLVEX_NOEXCEPT;
+KOLVEX_API void plyini(const char *copt) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

@@ -31,6 +31,7 @@ void defaults(glbblk *b) {
     std::free(s.zbuf);
     std::free(s.dpol);
     std::free(s.dpts);
+    qqplyfree(b);
     s = SpaceState{};
     s.len[0] = s.len[1] = s.len[2] = 2;
     s.vang = 0.24497869610786438;
@@ -91,11 +92,14 @@ void space_release(glbblk *b) {
     s.zbuf = nullptr;
     s.dpol = nullptr;
     s.dpts = nullptr;
+    qqplyfree(b);
 }
 
 void space_end(glbblk *b) {
     qqdbfclose(b);
     qqzbfclose(b);
+    // A record that plyfin never wrote dies with the session.
+    qqplyfree(b);
 }
 
 void sides(glbblk *b, int *lo, int *hi) {

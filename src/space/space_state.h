@@ -4,6 +4,7 @@
 #pragma once
 
 struct glbblk;
+struct PlyStore;
 
 struct Light3 {
     int on;
@@ -93,4 +94,7 @@ struct SpaceState {
     // Where the cell pass draws its mesh lines (the current mesh colour).
     int curmesh;
     int edgecode;  // edge code of the polygon being sent
+    // PLY export: 1 while plyini records; the store, made at the first polygon.
+    int plymode;
+    PlyStore *ply;
 };

@@ -12,6 +12,7 @@
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
+#include "core/session.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -597,6 +598,9 @@ void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye
     b->core.level = 3;
     set_record(b);
     int nxl = ax.nlen[0], nyl = ax.nlen[1];
+    // The centring measures the X and Y axes as a 2-D system would have them.
+    double cv[2][4] = {{s.a[0], s.e[0], s.orl[0], s.stp[0]}, {s.a[1], s.e[1], s.orl[1], s.stp[1]}};
+    qqcenter(b, cv, ax.nxa, ax.nya, nxl, nyl);
     s.s = std::min(nxl, nyl) / 2.0;
     s.cx = ax.nxa + nxl / 2.0;
     s.cy = ax.nya - nyl / 2.0;
@@ -761,17 +765,23 @@ void conn3d(double x, double y, double z) noexcept {
 // ---------------------------------------------------------------------------
 // Public conversions.
 
+// The plot coordinates that these routines return follow the page origin
+// of pagorg, as every Y of the interface does; drawing inside the library
+// uses the unflipped projection.
 void abs3pt(double x, double y, double z, double *xp, double *yp) noexcept {
     glbblk *b = KX_ENTRY("abs3pt");
     *xp = *yp = 0;
-    if (b) qqabs2plot(b, x, y, z, xp, yp, nullptr);
+    if (!b) return;
+    qqabs2plot(b, x, y, z, xp, yp, nullptr);
+    *yp = qqyflp(b, *yp);
 }
 
 void rel3pt(double x, double y, double z, double *xp, double *yp) noexcept {
     glbblk *b = KX_ENTRY("rel3pt");
     *xp = *yp = 0;
-    if (b)
-        qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), xp, yp, nullptr);
+    if (!b) return;
+    qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), xp, yp, nullptr);
+    *yp = qqyflp(b, *yp);
 }
 
 void pos3pt(double x, double y, double z, double *xp, double *yp, double *zp) noexcept {
@@ -796,7 +806,7 @@ double y3dabs(double x, double y, double z) noexcept {
     glbblk *b = KX_ENTRY("y3dabs");
     if (!b) return 0;
     qqabs2plot(b, x, y, z, &xp, &yp, nullptr);
-    return yp;
+    return qqyflp(b, yp);
 }
 
 double x3drel(double x, double y, double z) noexcept {
@@ -812,7 +822,7 @@ double y3drel(double x, double y, double z) noexcept {
     glbblk *b = KX_ENTRY("y3drel");
     if (!b) return 0;
     qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), &xp, &yp, nullptr);
-    return yp;
+    return qqyflp(b, yp);
 }
 
 double x3dpos(double x, double, double) noexcept {

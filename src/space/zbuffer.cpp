@@ -319,6 +319,8 @@ void qqtri3(glbblk *b, const double *x, const double *y, const double *z, int n,
         if (!std::isfinite(x[i]) || !std::isfinite(y[i]) || !std::isfinite(z[i])) return;
         if (s.clip == 0 && outside(s, v[i].p)) out = true;
     }
+    // The PLY record takes the polygon as given; drawing goes on.
+    if (s.plymode) qqplypoly(b, x, y, z, n, r, g, bl, clr);
     if (out) n = clip_poly(s, v, n, tmp);
     if (n < 3) return;
     double xp[24], yp[24], dp[24];
