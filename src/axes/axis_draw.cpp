@@ -189,7 +189,9 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     if (ax.autdig[axis] && !ax.autscl[axis]) ax.ndig[axis] = qqaxdig(c.orl, c.step);
     double f = (c.len - 1) / (c.e - c.a);
     bool neg = c.side == 1;
-    bool vert = ax.labori[axis] == 1;
+    // 1 vertical, reading upward; 2 (3-D axes only) vertical, reading downward.
+    bool vert = ax.labori[axis] >= 1;
+    bool down = ax.labori[axis] == 2;
     char t[QQ_LABLEN + 1];
     // Labels whose width sets the extent: measure them all first.
     int E;
@@ -235,6 +237,18 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
             if (ax.labpos[axis] == 2) {
                 if (x < c.x0) x = c.x0;
                 if (x + w > c.x0 + c.len) x = c.x0 + c.len - w;
+            }
+        } else if (xgeo && down) {
+            // Turned the other way: the text's top faces the right.
+            rot = 270;
+            x = std::trunc(d + c.x0 + 0.5 + o);
+            if (neg)
+                y = (jus == 2 || jus == 4) ? base - w : base - E;
+            else
+                y = (jus == 2 || jus == 3) ? base + E - w : base;
+            if (ax.labpos[axis] == 2) {
+                if (x - h < c.x0) x = c.x0 + h;
+                if (x > c.x0 + c.len) x = c.x0 + c.len;
             }
         } else if (xgeo) {
             rot = 90;

@@ -232,6 +232,10 @@ void draw_axes(glbblk *b) {
         int savends = ax.axends[k];
         if (s.flab) ax.axends[k] = nofirst ? 1 : 0;
         int savmy = ax.nmylab[k];
+        // Vertical labels of the two horizontal axes: one of them reads from
+        // the other side, so that both read from outside the box.
+        int savori = ax.labori[k];
+        if (savori != 0 && k < 2 && (k == 0) == (s.ex * s.ey >= 0)) ax.labori[k] = 2;
         plane_open(b, c1, c2, c3);
         AxisCall c{};
         c.axis = k;
@@ -264,6 +268,7 @@ void draw_axes(glbblk *b) {
         qqaxis(b, c);
         plane_close(b);
         ax.nmylab[k] = savmy;
+        ax.labori[k] = savori;
         ax.axends[k] = savends;
     }
     ax.hname = savn;
