@@ -488,7 +488,9 @@ void qqlight(const glbblk *b, const double p[3], const double N[3], int side, co
             C[q] += (m.amb[q] * L.amb[q] + D + S) / a;
         }
     }
-    for (int q = 0; q < 3; ++q) out[q] = C[q] > 1.0 ? 1.0 : C[q] < 0 ? 0 : C[q];
+    // A light or material given as NaN or infinity must not reach the
+    // pixels as an undefined colour.
+    for (int q = 0; q < 3; ++q) out[q] = C[q] > 1.0 ? 1.0 : C[q] >= 0 ? C[q] : 0;
 }
 
 // ---------------------------------------------------------------------------

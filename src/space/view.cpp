@@ -46,6 +46,13 @@ void build_matrix(glbblk *b) {
         double X[4] = {cu, -su, 0, su * ey - cu * ex};
         double Y[4] = {su, cu, 0, -(su * ex) - cu * ey};
         double Z[4] = {0, 0, -1, ez};
+        if (c < 0) {
+            // Looking up from below: depth grows upward, and the picture is
+            // the one seen from below, not a mirror image.
+            for (double &v : Y) v = -v;
+            Z[2] = 1;
+            Z[3] = -ez;
+        }
         std::memcpy(m[0], X, sizeof X);
         std::memcpy(m[1], Y, sizeof Y);
         std::memcpy(m[2], Z, sizeof Z);
@@ -88,6 +95,11 @@ void resolve_view(glbblk *b) {
         s.fx = s.foc[0];
         s.fy = s.foc[1];
         s.fz = s.foc[2];
+    }
+    if (!(std::isfinite(s.fx) && std::isfinite(s.fy) && std::isfinite(s.fz))) {
+        // A focus that is no point: the eye looks at the centre instead.
+        qqwar0(b, 33);
+        s.fx = s.fy = s.fz = 0;
     }
     if (s.eyemode == 2) {
         for (int i = 0; i < 3; ++i) s.eye[i] = plain_abs(s, i, s.eye[i]);
@@ -515,7 +527,12 @@ void vfoc3d(double x, double y, double z, const char *copt) noexcept {
 
 void vup3d(double angle) noexcept {
     glbblk *b = KX_ENTRY("vup3d");
-    if (b) b->sp.vup = angle * kPi / 180;
+    if (!b) return;
+    if (!std::isfinite(angle)) {
+        qqwarnd(b, 2, angle);
+        return;
+    }
+    b->sp.vup = angle * kPi / 180;
 }
 
 void vang3d(double angle) noexcept {
@@ -531,11 +548,11 @@ void vang3d(double angle) noexcept {
 void vclp3d(double xnear, double xfar) noexcept {
     glbblk *b = KX_ENTRY("vclp3d");
     if (!b) return;
-    if (!(xnear > 0)) {
+    if (!(xnear > 0) || !std::isfinite(xnear)) {
         qqwarnd(b, 2, xnear);
         return;
     }
-    if (xfar <= 0) xfar = -1;
+    if (!(xfar > 0) || std::isinf(xfar)) xfar = -1;  // no far distance
     if (xfar > 0 && xnear > xfar) {
         qqwarnd(b, 2, xnear);
         return;
