@@ -224,6 +224,46 @@ bool cell_normal(glbblk *b, const Grid &g, int ci, int cj, int back, double n[3]
     return true;
 }
 
+// The flat fill colour of a pass: the current colour; the background for
+// a mesh alone; with surclr and no lights, the colour of that side.
+int flat_colour(glbblk *b, int back, double rgb[3]) {
+    const SpaceState &s = b->sp;
+    int clr = b->dev.curclr;
+    if (s.mesh == 2) clr = b->clr.bckclr;
+    if (s.surclrset && !s.lights && s.surclr[back] != -1) clr = s.surclr[back];
+    rgb_of(b, clr, rgb);
+    return clr;
+}
+
+// Mesh "LINE" or "POIN": the polygon's edges or corners in the mesh colour.
+void mesh_marks(glbblk *b, const double (*P)[3], int n) {
+    SpaceState &s = b->sp;
+    if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
+    for (int k = 0; k < n; ++k) {
+        const double *a = P[k], *e = s.mesh == 3 ? P[(k + 1) % n] : P[k];
+        qqmov3(b, a[0], a[1], a[2]);
+        qqdrw3(b, e[0], e[1], e[2]);
+    }
+    qqflsh(b);
+}
+
+// The one colour number of a polygon for output without pixels: the z
+// colour of its mean value without lights, the flat colour where that
+// serves, else the nearest colour of the mean of its corners' colours.
+int polygon_colour(glbblk *b, int flatclr, double mean, const double *r, const double *g,
+                   const double *bl, int n) {
+    const SpaceState &s = b->sp;
+    if (!s.lights && s.mesh != 2 && s.zsca == 0) return qqzclr(b, mean);
+    if (s.mesh == 2 || (!s.lights && s.zsca == 1)) return flatclr;
+    double mr = 0, mg = 0, mb = 0;
+    for (int k = 0; k < n; ++k) {
+        mr += r[k] / n;
+        mg += g[k] / n;
+        mb += bl[k] / n;
+    }
+    return qqnearest(b, (int)(mr * 255 + 0.5), (int)(mg * 255 + 0.5), (int)(mb * 255 + 0.5));
+}
+
 void cell_pass(glbblk *b, const Grid &g, int back) {
     SpaceState &s = b->sp;
     int savclr = b->dev.curclr;
@@ -232,10 +272,7 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
     bool smooth = s.shade == 1;
     bool pix = qqzpix(b) != 0;
     double flat[3];
-    int flatclr = savclr;
-    if (s.mesh == 2) flatclr = b->clr.bckclr;
-    if (s.surclrset && !lights && s.surclr[back] != -1) flatclr = s.surclr[back];
-    rgb_of(b, flatclr, flat);
+    int flatclr = flat_colour(b, back, flat);
     // Curved mesh lines replace the straight ones where they can be drawn
     // at once: lines alone, or edges on pixels (a depth buffer would paint
     // its polygons over them later).
@@ -257,16 +294,7 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
                 continue;
             }
             if (s.mesh == 3 || s.mesh == 4) {
-                if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
-                for (int k = 0; k < 4; ++k) {
-                    const double *a = P[k], *e = P[(k + 1) % 4];
-                    qqmov3(b, a[0], a[1], a[2]);
-                    if (s.mesh == 3)
-                        qqdrw3(b, e[0], e[1], e[2]);
-                    else
-                        qqdrw3(b, a[0], a[1], a[2]);
-                }
-                qqflsh(b);
+                mesh_marks(b, P, 4);
                 continue;
             }
             double r[4], gg[4], bl[4];
@@ -334,21 +362,8 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
                         bl[k] = acc[2] / 4;
                     }
             }
-            int clr;
-            if (!pix) {
-                double mr = (r[0] + r[1] + r[2] + r[3]) / 4,
-                       mg = (gg[0] + gg[1] + gg[2] + gg[3]) / 4,
-                       mb = (bl[0] + bl[1] + bl[2] + bl[3]) / 4;
-                if (!lights && s.mesh != 2 && s.zsca == 0)
-                    clr = qqzclr(b, (val[0] + val[1] + val[2] + val[3]) / 4);
-                else if (s.mesh == 2 || s.zsca == 1)
-                    clr = flatclr;
-                else
-                    clr = qqnearest(b, (int)(mr * 255 + 0.5), (int)(mg * 255 + 0.5),
-                                    (int)(mb * 255 + 0.5));
-            } else {
-                clr = savclr;
-            }
+            int clr = pix ? savclr
+                          : polygon_colour(b, flatclr, (val[0] + val[1] + val[2] + val[3]) / 4, r, gg, bl, 4);
             double X[4], Y[4], Z[4];
             for (int k = 0; k < 4; ++k) {
                 X[k] = P[k][0];
@@ -535,9 +550,14 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
     if (s.shade == 1 && !s.zopen) {
         if (qqzbfopen(b)) return;
         zown = true;
-    } else if (s.shade == 0 && !s.zopen && !b->cnv.imgact && s.mesh < 3 && !s.dopen) {
-        if (qqdbfopen(b, 2LL * ntri)) return;
-        down = true;
+    }
+    int savpat = b->sty.patnum;
+    if (s.shade == 0 && !s.zopen && !b->cnv.imgact && s.mesh < 3) {
+        if (!s.dopen) {
+            if (qqdbfopen(b, 2LL * ntri)) return;
+            down = true;
+        }
+        qqshdpat(b, 16);
     }
     int savclr = b->dev.curclr;
     bool pix = qqzpix(b) != 0;
@@ -545,6 +565,8 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
         if ((side == 1 && s.survis == 1) || (side == 0 && s.survis == 2)) continue;
         if (side == 1) swap_sides(s);
         s.curmesh = s.mshclr[side] == -1 ? savclr : s.mshclr[side];
+        double flat[3];
+        int flatclr = flat_colour(b, side, flat);
         for (int t = 0; t < ntri; ++t) {
             int id[3] = {i1[t] - 1, i2[t] - 1, i3[t] - 1};
             if (id[0] < 0 || id[1] < 0 || id[2] < 0 || id[0] >= n || id[1] >= n || id[2] >= n)
@@ -559,22 +581,35 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
             }
             if (!ok) continue;
             if (s.cull != 0 && facing(b, P[0], P[1], P[2], side) == s.cull) continue;
+            if (s.mesh == 3 || s.mesh == 4) {
+                mesh_marks(b, P, 3);
+                continue;
+            }
             double nrm[3];
             normal(P[0], P[1], P[2], side, nrm);
-            double mean = (zray[id[0]] + zray[id[1]] + zray[id[2]]) / 3;
+            double mean = (zray[id[0]] + zray[id[1]] + zray[id[2]]) / 3, acc[3] = {0, 0, 0};
             for (int k = 0; k < 3; ++k) {
-                double zv = s.shade == 1 ? zray[id[k]] : mean, c[3];
-                qqzrgb(b, zv, &c[0], &c[1], &c[2]);
-                if (s.lights) qqlight(b, P[k], nrm, side, s.zsca == 0 ? c : nullptr, c);
+                double c[3] = {flat[0], flat[1], flat[2]};
+                if (s.mesh != 2 && (s.lights || s.zsca == 0)) {
+                    double zc[3];
+                    qqzrgb(b, s.shade == 1 ? zray[id[k]] : mean, &zc[0], &zc[1], &zc[2]);
+                    if (s.lights)
+                        qqlight(b, P[k], nrm, side, s.zsca == 0 ? zc : nullptr, c);
+                    else
+                        std::memcpy(c, zc, sizeof c);
+                }
                 r[k] = c[0];
                 g[k] = c[1];
                 bl[k] = c[2];
+                for (int q = 0; q < 3; ++q) acc[q] += c[q] / 3;
             }
-            int clr = pix        ? savclr
-                      : s.lights ? qqnearest(b, (int)((r[0] + r[1] + r[2]) / 3 * 255 + 0.5),
-                                             (int)((g[0] + g[1] + g[2]) / 3 * 255 + 0.5),
-                                             (int)((bl[0] + bl[1] + bl[2]) / 3 * 255 + 0.5))
-                                 : qqzclr(b, mean);
+            if (s.lights && s.shade == 0)
+                for (int k = 0; k < 3; ++k) {
+                    r[k] = acc[0];
+                    g[k] = acc[1];
+                    bl[k] = acc[2];
+                }
+            int clr = pix ? savclr : polygon_colour(b, flatclr, mean, r, g, bl, 3);
             qqtri3(b, X, Y, Z, 3, r, g, bl, clr);
         }
         if (side == 1) swap_sides(s);
@@ -582,6 +617,7 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
     if (down) qqdbfclose(b);
     if (zown) qqzbfclose(b);
     if (b->dev.curclr != savclr) qqsetc(b, savclr);
+    if (b->sty.patnum != savpat) qqshdpat(b, savpat);
 }
 
 namespace {
