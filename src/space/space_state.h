@@ -83,7 +83,7 @@ struct SpaceState {
     int mshclr[2];  // front, back; -1 current colour
     int mshcrv;
     int side;       // 0 TOP, 1 BOTT, 2 BOTH
-    int survis;     // 0 TOP, 1 BOTT, 2 BOTH, 3 AUTO
+    int survis;     // 0 AUTO, 1 TOP, 2 BOTT, 3 BOTH
     int surclr[2];  // surface colours of surclr, -1 none
     int surclrset;
     // Lights.
