@@ -57,14 +57,18 @@ def plot(fname, fmt, surfaces, view=None, lights=False, mesh=False, smooth=False
     k.kolfin()
 
 
-def labelled_box(fname, mode, view=None):
-    """The axes of a 3-D system in one of the four label modes."""
+def open_png(fname):
     k.metafl("PNG")
     k.setfil(fname)
     k.filmod("DELE")
     k.scrmod("REVERS")
     k.imgfmt("RGB")
     k.kolini()
+
+
+def labelled_box(fname, mode, view=None):
+    """The axes of a 3-D system in one of the four label modes."""
+    open_png(fname)
     k.axspos(500, 1800)
     k.axslen(1600, 1600)
     k.name("X-axis", "X")
@@ -87,12 +91,7 @@ def sphere(p, q, i):
 def parametric(fname, ply=None):
     """A sphere from surfcp, lit, on the z-buffer, with mesh lines that
     follow the sphere between the grid points; optionally as a PLY model."""
-    k.metafl("PNG")
-    k.setfil(fname)
-    k.filmod("DELE")
-    k.scrmod("REVERS")
-    k.imgfmt("RGB")
-    k.kolini()
+    open_png(fname)
     k.setvlt("RAIN")
     k.axspos(500, 1800)
     k.axslen(1600, 1600)

@@ -28,19 +28,19 @@ std::atomic<int> tick_toggle{0};
 // page; such an axis is drawn without them instead of looping for hours.
 constexpr double kMaxMarks = 100000;
 
-int colour_on(glbblk *b, int clr) {
+bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.logfrm[c.axis] == 1; }
+
+}  // namespace
+
+int qqaxclron(glbblk *b, int clr) noexcept {
     int cur = b->dev.curclr;
     if (clr != -1 && clr != cur) qqsetc(b, clr);
     return cur;
 }
 
-void colour_off(glbblk *b, int clr, int saved) {
+void qqaxclroff(glbblk *b, int clr, int saved) noexcept {
     if (clr != -1 && clr != saved) qqsetc(b, saved);
 }
-
-bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.logfrm[c.axis] == 1; }
-
-}  // namespace
 
 void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept {
     const AxesState &ax = b->ax;
@@ -316,7 +316,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
     int jus = ax.namjus[axis];
     double joff = jus == 0 ? std::trunc((c.len - nw) / 2) : jus == 2 ? c.len - nw : 0;
     int clr = ax.axclr[axis][3];
-    int saved = colour_on(b, clr);
+    int saved = qqaxclron(b, clr);
     if (qqaxgeo(c) == 0) {
         double y = sg > 0 ? c.y0 + dist + E + nh - ax.hname : c.y0 + dist - ax.hname - nu - E;
         qqaxtxt(b, nm, c.x0 + joff, y, 0);
@@ -327,7 +327,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
     } else {
         qqaxtxt(b, nm, c.x0 + dist + nu + E, c.y0 - joff, 90);
     }
-    colour_off(b, clr, saved);
+    qqaxclroff(b, clr, saved);
     qqaxsth(b, savh);
 }
 
@@ -348,18 +348,18 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
     bool labels_on = c.level >= 3 && ax.lab[axis] != 0;
     if (c.level >= 1 && !ax.noline[axis]) {
         int clr = ax.axclr[axis][0];
-        int saved = colour_on(b, clr);
+        int saved = qqaxclron(b, clr);
         if (qqaxgeo(c) == 0)
             qqline(b, c.x0, c.y0, c.x0 + c.len - 1, c.y0);
         else
             qqline(b, c.x0, c.y0, c.x0, c.y0 - c.len + 1);
-        colour_off(b, clr, saved);
+        qqaxclroff(b, clr, saved);
     }
     if (ticks_on) {
         int clr = ax.axclr[axis][1];
-        int saved = colour_on(b, clr);
+        int saved = qqaxclron(b, clr);
         qqticks(b, c, ntic, dir * ax.ticmaj, dir * ax.ticmin, tp == 2);
-        colour_off(b, clr, saved);
+        qqaxclroff(b, clr, saved);
     }
     int E = 0;
     if (labels_on) {
@@ -367,9 +367,9 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
         double base = across + sg * ax.labdis[axis];
         if (ticks_on) base += tp == 0 ? sg * ax.ticmaj : tp == 2 ? sg * (ax.ticmaj / 2) : 0;
         int clr = ax.axclr[axis][2];
-        int saved = colour_on(b, clr);
+        int saved = qqaxclron(b, clr);
         E = draw_labels(b, c, base);
-        colour_off(b, clr, saved);
+        qqaxclroff(b, clr, saved);
     }
     if (c.level >= 4) {
         if (c.crossed) {

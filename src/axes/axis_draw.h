@@ -33,6 +33,11 @@ double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept;
 // exponents); returns 1 when it did, and qqaxmixend(b, mix) undoes it.
 int qqlabmix(glbblk *b, const AxisCall &c, struct AxMixSave *mix) noexcept;
 
+// An element colour of an axis (-1: the current colour) for the time of
+// drawing: qqaxclron returns the colour to give back to qqaxclroff.
+int qqaxclron(glbblk *b, int clr) noexcept;
+void qqaxclroff(glbblk *b, int clr, int saved) noexcept;
+
 // Ticks alone, with lengths given (signed: positive toward the label side),
 // n intervals per label; used by the axes and by grid lines.
 void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept;

@@ -60,16 +60,6 @@ void choose_edges(const SpaceState &s, SpaceAxis ax[3]) {
     ax[2] = z;
 }
 
-int colour_on(glbblk *b, int clr) {
-    int cur = b->dev.curclr;
-    if (clr != -1 && clr != cur) qqsetc(b, clr);
-    return cur;
-}
-
-void colour_off(glbblk *b, int clr, int saved) {
-    if (clr != -1 && clr != saved) qqsetc(b, saved);
-}
-
 // Text angle in whole degrees, counter-clockwise, turned into -90 .. 90 so
 // that no text reads upside down.
 int upright(double deg) {
@@ -116,7 +106,7 @@ void draw_ticks(glbblk *b, const AxisPlan &a) {
     if (!std::isfinite(lo) || !std::isfinite(hi) || std::fabs(lo) + std::fabs(hi) > 10000) return;
     long i0 = -(long)std::trunc(lo), i1 = (long)std::trunc(hi);
     int tp = ax.ticpos[c.axis];
-    int saved = colour_on(b, ax.axclr[c.axis][1]);
+    int saved = qqaxclron(b, ax.axclr[c.axis][1]);
     for (long i = i0; i <= i1; ++i) {
         double p[3], u[2], x, y;
         value_point(a, c.orl + i * ds, p);
@@ -126,7 +116,7 @@ void draw_ticks(glbblk *b, const AxisPlan &a) {
         double t0 = tp == 2 ? -(len / 2) : 0, t1 = tp == 2 ? len - len / 2 : tp == 1 ? -len : len;
         qqline(b, x + u[0] * t0, y + u[1] * t0, x + u[0] * t1, y + u[1] * t1);
     }
-    colour_off(b, ax.axclr[c.axis][1], saved);
+    qqaxclroff(b, ax.axclr[c.axis][1], saved);
 }
 
 // The labels; returns their greatest depth away from the axis.
@@ -143,7 +133,7 @@ double draw_labels(glbblk *b, const AxisPlan &a, double gap) {
     int mode = s.labmode;
     int angle = mode == 1 ? 0 : upright(mode == 2 ? a.page_angle : a.page_angle + 90);
     int h = qqaxth(b);
-    int saved = colour_on(b, ax.axclr[c.axis][2]);
+    int saved = qqaxclron(b, ax.axclr[c.axis][2]);
     double depth = 0;
     char t[QQ_LABLEN + 1];
     for (int i = first; i <= last; i += inc) {
@@ -159,7 +149,7 @@ double draw_labels(glbblk *b, const AxisPlan &a, double gap) {
         double d = place_text(b, t, x + u[0] * gap, y + u[1] * gap, u, angle, h);
         if (d > depth) depth = d;
     }
-    colour_off(b, ax.axclr[c.axis][2], saved);
+    qqaxclroff(b, ax.axclr[c.axis][2], saved);
     ax.ndig[c.axis] = savdig;
     if (mixed) qqaxmixend(b, &mix);
     return depth;
@@ -174,9 +164,9 @@ void draw_name(glbblk *b, const AxisPlan &a, double gap) {
     if (!page_dir(b, p, a.e.out, u)) return;
     qqabs2plot(b, p[0], p[1], p[2], &x, &y, nullptr);
     int savh = qqaxsth(b, ax.hname);
-    int saved = colour_on(b, ax.axclr[a.c.axis][3]);
+    int saved = qqaxclron(b, ax.axclr[a.c.axis][3]);
     place_text(b, nm, x + u[0] * gap, y + u[1] * gap, u, upright(a.page_angle), qqaxth(b));
-    colour_off(b, ax.axclr[a.c.axis][3], saved);
+    qqaxclroff(b, ax.axclr[a.c.axis][3], saved);
     qqaxsth(b, savh);
 }
 
@@ -209,9 +199,9 @@ void qqspaxes(glbblk *b) noexcept {
         if (s.flab && k == 2) a.drop = -s.len[2] / 2;
         if (s.flab && k == 1) a.drop = edges[0].from[1];
         if (!ax.noline[k]) {
-            int saved = colour_on(b, ax.axclr[k][0]);
+            int saved = qqaxclron(b, ax.axclr[k][0]);
             qqline(b, x0, y0, x1, y1);
-            colour_off(b, ax.axclr[k][0], saved);
+            qqaxclroff(b, ax.axclr[k][0], saved);
         }
         draw_ticks(b, a);
         int tp = ax.ticpos[k];
