@@ -229,7 +229,11 @@ bool cell_normal(glbblk *b, const Grid &g, int ci, int cj, int back, double n[3]
 int flat_colour(glbblk *b, int back, double rgb[3]) {
     const SpaceState &s = b->sp;
     int clr = b->dev.curclr;
-    if (s.mesh == 2) clr = b->clr.bckclr;
+    if (s.mesh == 2) {
+        clr = b->clr.bckclr;
+        // Lit pixels on a white page pass the swap of black and white.
+        if (s.lights && b->sess.bgmode == 2 && qqzpix(b) && (clr == 0 || clr == 255)) clr = 255 - clr;
+    }
     if (s.surclrset && !s.lights && s.surclr[back] != -1) clr = s.surclr[back];
     rgb_of(b, clr, rgb);
     return clr;
