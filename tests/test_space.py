@@ -363,3 +363,39 @@ def test_plot_coordinates_follow_the_page_origin():
     assert kolvex.y3dabs(0.2, 0.3, 0.4) == pytest.approx(y)
     kolvex.endgrf()
     kolvex.kolfin()
+
+
+def test_eye_straight_below_sees_the_lower_triangle_in_front():
+    rgb_png("below.png")
+    kolvex.view3d(0, 0, -7, "ABS")
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.zbfini()
+    red, blue = 0x01000000 | 255, 0x01000000 | (255 << 16)
+    kolvex.zbftri([-0.8, 0.8, 0.0], [-0.6, -0.6, 0.8], [0.5] * 3, [blue] * 3)   # far from the eye
+    kolvex.zbftri([-0.8, 0.8, 0.0], [-0.6, -0.6, 0.8], [-0.5] * 3, [red] * 3)   # near, drawn last
+    kolvex.zbftri([-0.8, 0.8, 0.0], [-0.6, -0.6, 0.8], [0.6] * 3, [blue] * 3)   # far, drawn last
+    cx, cy = kolvex.abs3pt(0, 0, -0.5)
+    kolvex.zbffin()
+    kolvex.endgrf()
+    kolvex.kolfin()
+    im = rgb_pixels("below.png")
+    sc = im.shape[1] / 2970
+    assert tuple(im[int(cy * sc), int(cx * sc)]) == (255, 0, 0)
+
+
+def test_center_moves_the_3d_system_once():
+    def box_points(name, centred):
+        plog(name)
+        if centred:
+            kolvex.center()
+        kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+        kolvex.grid3d(2, 2, "ALL")      # the faces' own systems are not centred again
+        kolvex.box3d()
+        kolvex.endgrf()
+        kolvex.kolfin()
+        return np.array(read_plog(name)[-1])
+
+    plain, centred = box_points("plain.met", False), box_points("centred.met", True)
+    shift = centred - plain
+    assert np.abs(shift - shift[0]).max() < 1.01 and np.abs(shift[0]).max() > 5
