@@ -311,6 +311,17 @@ def test_surfcp_callables_that_fail(capfd):
     with pytest.raises(TypeError):
         kolvex.surfcp(42, 0, 1, 0.5, 0, 1, 0.5)
 
+    inner, outer = [], []
+
+    def nests(p, q, i):                            # surfcp inside the callable
+        outer.append(i)
+        if len(outer) == 1:
+            kolvex.surfcp(lambda p, q, i: inner.append(i) or 0.0, 0, 1, 1, 0, 1, 1)
+        return 0.25
+
+    kolvex.surfcp(nests, 0, 1, 0.5, 0, 1, 0.5)
+    assert len(outer) == 27 and len(inner) == 12
+
     def ends_session(p, q, i):                     # the axis system is gone when it returns
         if kolvex.getlev() == 3:
             kolvex.endgrf()

@@ -11,6 +11,9 @@
 namespace {
 
 PyObject *pysrffn = nullptr;  // the function of surfcp (one reference held)
+// The function of the surfcp call that runs now: a callable that calls
+// surfcp itself replaces the slot, but not the function of the outer call.
+PyObject *srf_active = nullptr;
 
 // The exception of the callable during the current surface call: the first
 // one is kept, the callable is not called again, and the method raises it
@@ -31,15 +34,10 @@ double float_result(PyObject *result) {
 }
 
 double surfcp_trampoline(double p, double q, int iopt) {
-    if (!pysrffn || (srf_error && srf_error->failed())) return 0.0;
+    if (!srf_active || (srf_error && srf_error->failed())) return 0.0;
     PyObject *args = Py_BuildValue("(ffi)", (float)p, (float)q, iopt);
     if (!args) return float_result(nullptr);
-    // The slot may be replaced from inside the call (surfcp within the
-    // callable): hold this function while it runs.
-    PyObject *fn = pysrffn;
-    Py_INCREF(fn);
-    PyObject *result = PyObject_CallObject(fn, args);
-    Py_DECREF(fn);
+    PyObject *result = PyObject_CallObject(srf_active, args);
     Py_DECREF(args);
     return float_result(result);
 }
@@ -65,9 +63,14 @@ PyObject *kxs_surfcp(PyObject *, PyObject *args) {
     if (!store_callable(&pysrffn, fn)) return nullptr;
     KxErrStash err;
     KxErrStash *outer = srf_error;
+    PyObject *outer_fn = srf_active;
     srf_error = &err;
+    srf_active = fn;
+    Py_INCREF(fn);  // held for the call, whatever happens to the slot
     surfcp(surfcp_trampoline, pmin, pmax, pstp, qmin, qmax, qstp);
+    srf_active = outer_fn;
     srf_error = outer;
+    Py_DECREF(fn);
     if (err.restore()) return nullptr;
     Py_RETURN_NONE;
 }
