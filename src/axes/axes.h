@@ -40,7 +40,8 @@ int qqaxdig(double orl, double step) noexcept;
 // labels, names and titles.  Nothing when no center call is pending.
 void qqcenter(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) noexcept;
 // The clip rectangle and circle of an axis system whose lower left corner
-// is x, y and size w, h, widened by the grace margin (device layer fields).
+// is x, y and size w, h, widened by the grace margin, handed to the layer
+// as the region that qqclip narrows to.
 void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept;
 // Registers a routine that endgrf runs (at most four, each once); call it
 // from a subsystem's share of the session defaults.
