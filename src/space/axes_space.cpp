@@ -71,12 +71,14 @@ int upright(double deg) {
 // Writes text so that its box touches the point (ax, ay) from the side
 // that the unit direction d points to; returns the depth of the box along
 // d (the extent that the next element must clear).
-double place_text(glbblk *b, const char *t, double ax, double ay, const double d[2], int angle, int h) {
+double place_text(glbblk *b, const char *t, double ax, double ay, const double d[2], int angle,
+                  int h) {
     double w = qqaxtw(b, t);
     double th = angle * 3.14159265358979323846 / 180;
     double e1[2] = {std::cos(th), -std::sin(th)};  // along the text, y downward
     double dn[2] = {std::sin(th), std::cos(th)};   // from its top to its bottom
-    double half = std::fabs(d[0] * e1[0] + d[1] * e1[1]) * w / 2 + std::fabs(d[0] * dn[0] + d[1] * dn[1]) * h / 2;
+    double half = std::fabs(d[0] * e1[0] + d[1] * e1[1]) * w / 2 +
+                  std::fabs(d[0] * dn[0] + d[1] * dn[1]) * h / 2;
     double cx = ax + d[0] * half, cy = ay + d[1] * half;
     double x = cx - e1[0] * w / 2 - dn[0] * h / 2, y = cy - e1[1] * w / 2 - dn[1] * h / 2;
     qqaxtxt(b, t, x, y, angle);

@@ -75,7 +75,8 @@ uint32_t vertex_hash(float x, float y, float z, unsigned char r, unsigned char g
 
 bool same(const PlyStore *s, int k, float x, float y, float z, unsigned char r, unsigned char g,
           unsigned char b) {
-    return s->x[k] == x && s->y[k] == y && s->z[k] == z && s->r[k] == r && s->g[k] == g && s->b[k] == b;
+    return s->x[k] == x && s->y[k] == y && s->z[k] == z && s->r[k] == r && s->g[k] == g &&
+           s->b[k] == b;
 }
 
 bool rehash(PlyStore *s, int cap) {
@@ -107,7 +108,8 @@ bool make_room(PlyStore *s, int n) {
         s->vcap = cap;
     }
     // The hash stays at most half full.
-    if (2 * (s->nv + n) >= s->hcap && !rehash(s, s->hcap ? 2 * s->hcap : 4 * kVertexStep)) return false;
+    if (2 * (s->nv + n) >= s->hcap && !rehash(s, s->hcap ? 2 * s->hcap : 4 * kVertexStep))
+        return false;
     return true;
 }
 
