@@ -1,6 +1,7 @@
 """Shaded surfaces: analytic functions with and without lights, with a mesh,
-from several view points, on PNG (z-buffer) and SVG (depth buffer), and two
-surfaces that pass through each other."""
+from several view points, on PNG (z-buffer) and SVG (depth buffer), two
+surfaces that pass through each other, the four label modes of the 3-D
+axes, and a parametric sphere with curved mesh lines and its PLY model."""
 import math
 import sys
 
@@ -56,6 +57,60 @@ def plot(fname, fmt, surfaces, view=None, lights=False, mesh=False, smooth=False
     k.kolfin()
 
 
+def open_png(fname):
+    k.metafl("PNG")
+    k.setfil(fname)
+    k.filmod("DELE")
+    k.scrmod("REVERS")
+    k.imgfmt("RGB")
+    k.kolini()
+
+
+def labelled_box(fname, mode, view=None):
+    """The axes of a 3-D system in one of the four label modes."""
+    open_png(fname)
+    k.axspos(500, 1800)
+    k.axslen(1600, 1600)
+    k.name("X-axis", "X")
+    k.name("Y-axis", "Y")
+    k.name("Z-axis", "Z")
+    k.labl3d(mode)
+    if view:
+        k.view3d(*view, "ABS")
+    k.graf3d(-2, 2, -2, 1, 0, 10, 0, 2, -1, 1, -1, 0.5)
+    k.box3d()
+    k.endgrf()
+    k.kolfin()
+
+
+def sphere(p, q, i):
+    a, b = math.radians(p), math.radians(q)
+    return (math.cos(a) * math.cos(b), math.sin(a) * math.cos(b), math.sin(b))[i - 1]
+
+
+def parametric(fname, ply=None):
+    """A sphere from surfcp, lit, on the z-buffer, with mesh lines that
+    follow the sphere between the grid points; optionally as a PLY model."""
+    open_png(fname)
+    k.setvlt("RAIN")
+    k.axspos(500, 1800)
+    k.axslen(1600, 1600)
+    k.light("ON")
+    k.surmsh("ON")
+    k.mshcrv(10)
+    if ply:
+        k.plyini("STAN")
+    k.labl3d("HORI")
+    k.graf3d(-1, 1, -1, 0.5, -1, 1, -1, 0.5, -1, 1, -1, 0.5)
+    k.zbfini()
+    k.surfcp(sphere, 0, 360, 30, -90, 90, 30)
+    k.zbffin()
+    k.endgrf()
+    if ply:
+        k.plyfin(ply, "sphere")
+    k.kolfin()
+
+
 def main(out="."):
     sinc = grid(lambda x, y: math.sin(2 * math.hypot(x, y)) / (1 + math.hypot(x, y)))
     saddle = grid(lambda x, y: 0.25 * (x * x - y * y))
@@ -68,6 +123,10 @@ def main(out="."):
         plot(f"{out}/bump_side.{ext}", fmt, [bump], lights=True, view=(6, 2, 1.5), zbuf=zb)
         plot(f"{out}/cross.{ext}", fmt, [bump, plane], zbuf=zb)
     plot(f"{out}/sinc_smooth.png", "PNG", [sinc], lights=True, smooth=True)
+    for mode in ("STAN", "HORI", "PARA", "OTHE"):
+        labelled_box(f"{out}/labels_{mode.lower()}.png", mode)
+    labelled_box(f"{out}/labels_othe_back.png", "OTHE", view=(-5, 4, 3))
+    parametric(f"{out}/sphere.png", ply=f"{out}/sphere.ply")
 
 
 if __name__ == "__main__":

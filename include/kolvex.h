@@ -475,6 +475,7 @@ KOLVEX_API void mshclr(int nclr) KOLVEX_NOEXCEPT;
 KOLVEX_API void mshcrv(int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void setfce(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void shdmod(const char *copt, const char *ctype) KOLVEX_NOEXCEPT;
+KOLVEX_API void surfcp(double (*zfun)(double, double, int), double pmin, double pmax, double pstp, double qmin, double qmax, double qstp) KOLVEX_NOEXCEPT;
 KOLVEX_API void surmsh(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void surshc(const double *xray, int n, const double *yray, int m, const double *zmat, const double *cmat) KOLVEX_NOEXCEPT;
 KOLVEX_API void surshd(const double *xray, int n, const double *yray, int m, const double *zmat) KOLVEX_NOEXCEPT;
@@ -488,6 +489,10 @@ KOLVEX_API void zbfres(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void zbfscl(double x) KOLVEX_NOEXCEPT;
 KOLVEX_API void zbftri(const double *xray, const double *yray, const double *zray, const int *iclr) KOLVEX_NOEXCEPT;
 KOLVEX_API void zscale(double zmin, double zmax) KOLVEX_NOEXCEPT;
+
+/* PLY export */
+KOLVEX_API void plyfin(const char *cfile, const char *cobj) KOLVEX_NOEXCEPT;
+KOLVEX_API void plyini(const char *copt) KOLVEX_NOEXCEPT;
 
 #ifdef __cplusplus
 }

@@ -211,3 +211,202 @@ def test_smooth_surface_on_a_vector_format_warns(capfd):
     nums = [l.split(":")[0] for l in warnings_of(capfd)]
     assert nums == [" <<<< Warning 40", " <<<< Warning 40"]
     assert open("s.svg").read().count("<path") + open("s.svg").read().count("<polygon") == 1   # one cell, one side
+
+
+def text_frame(deg):
+    """Unit vectors along a text turned by deg and from its top to its
+    bottom, in plot coordinates (y downward)."""
+    t = math.radians(deg)
+    return np.array([math.cos(t), -math.sin(t)]), np.array([math.sin(t), math.cos(t)])
+
+
+@pytest.mark.parametrize("mode", ["HORI", "PARA", "OTHE"])
+def test_label_modes_place_labels_beside_the_projected_axis(mode):
+    plog(f"lab_{mode}.met")
+    kolvex.labl3d(mode)
+    kolvex.height(40)
+    kolvex.labdis(30, "X")
+    kolvex.ticks(0, "XYZ")
+    kolvex.noline("XYZ")
+    kolvex.labels("NONE", "YZ")
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    # The X axis runs along the bottom edge at y = -1 (the eye is at
+    # negative y), its labels leave the box toward -y.
+    a, e = np.array(kolvex.abs3pt(-1, -1, -1)), np.array(kolvex.abs3pt(1, -1, -1))
+    along = math.degrees(math.atan2(-(e - a)[1], (e - a)[0]))
+    deg = {"HORI": 0, "PARA": along, "OTHE": along + 90}[mode]
+    deg = (deg + 90) % 180 - 90
+    e1, dn = text_frame(round(deg))
+    boxes = []
+    for v in (-1, 0, 1):
+        p = np.array(kolvex.abs3pt(v, -1, -1))
+        d = np.array(kolvex.abs3pt(v, -1.001, -1)) - p
+        d /= np.hypot(*d)
+        w, h = kolvex.nlmess("%.1f" % v), 40
+        half = abs(d @ e1) * w / 2 + abs(d @ dn) * h / 2
+        boxes.append((p + d * (30 + half), w, h))
+    kolvex.endgrf()
+    kolvex.kolfin()
+    pts = np.array([q for piece in read_plog(f"lab_{mode}.met") for q in piece])
+    # Every stroke belongs to the nearest label's box, in the text's frame.
+    owner = np.argmin([np.hypot(*(pts - c).T) for c, _, _ in boxes], axis=0)
+    for k, (c, w, h) in enumerate(boxes):
+        mine = pts[owner == k] - c
+        u, t = mine @ e1, mine @ dn
+        assert len(mine) > 4
+        assert np.abs(u).max() <= w / 2 + 6 and np.abs(t).max() <= h / 2 + 6
+        # The text runs along e1: wide there, as high as a line across it.
+        assert u.max() - u.min() > 1.5 * (t.max() - t.min())
+        assert abs((u.max() + u.min()) / 2) < 0.35 * h and abs((t.max() + t.min()) / 2) < 0.35 * h
+
+
+def rgb_pixels(name):
+    from PIL import Image
+    return np.asarray(Image.open(name).convert("RGB")).astype(int)
+
+
+def shaded_page(name, draw):
+    rgb_png(name)
+    kolvex.light("ON")
+    kolvex.surmsh("ON")
+    kolvex.shdmod("SMOO", "SURF")
+    kolvex.zscale(-1, 1)
+    kolvex.nograf()   # ticks alternate their direction from page to page
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    draw()
+    kolvex.endgrf()
+    kolvex.kolfin()
+    return rgb_pixels(name)
+
+
+def test_surfcp_draws_what_surshd_draws_for_the_same_grid():
+    f = lambda p, q: 0.8 * math.sin(2 * p) * math.cos(3 * q)
+    g = [-1 + 0.125 * i for i in range(17)]   # exact in single precision
+    calls = []
+
+    def fun(p, q, i):
+        calls.append(i)
+        return (p, q, f(p, q))[i - 1]
+
+    want = shaded_page("grid.png", lambda: kolvex.surshd(g, 17, g, 17, [[f(x, y) for y in g] for x in g]))
+    got = shaded_page("param.png", lambda: kolvex.surfcp(fun, -1, 1, 0.125, -1, 1, 0.125))
+    assert len(calls) == 3 * 17 * 17 and set(calls) == {1, 2, 3}
+    assert (np.abs(want - 255).sum(axis=2) > 30).sum() > 20000
+    assert np.array_equal(want, got)
+
+
+def test_surfcp_callables_that_fail(capfd):
+    plog()
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    seen = []
+
+    def boom(p, q, i):
+        seen.append(i)
+        raise KeyError("boom")
+
+    with pytest.raises(KeyError):
+        kolvex.surfcp(boom, 0, 1, 0.5, 0, 1, 0.5)
+    assert seen == [1]                             # not called again after it raised
+    with pytest.raises(TypeError):
+        kolvex.surfcp(42, 0, 1, 0.5, 0, 1, 0.5)
+
+    inner, outer = [], []
+
+    def nests(p, q, i):                            # surfcp inside the callable
+        outer.append(i)
+        if len(outer) == 1:
+            kolvex.surfcp(lambda p, q, i: inner.append(i) or 0.0, 0, 1, 1, 0, 1, 1)
+        return 0.25
+
+    kolvex.surfcp(nests, 0, 1, 0.5, 0, 1, 0.5)
+    assert len(outer) == 27 and len(inner) == 12
+
+    def ends_session(p, q, i):                     # the axis system is gone when it returns
+        if kolvex.getlev() == 3:
+            kolvex.endgrf()
+        return 0.5
+
+    kolvex.surfcp(ends_session, 0, 1, 0.5, 0, 1, 0.5)
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.surfcp(lambda p, q, i: 1, 0, 1, 0, 0, 1, 0.5)   # a step of 0
+    assert kolvex.getlev() == 3
+    kolvex.endgrf()
+    kolvex.kolfin()
+    assert any("Warning 2:" in l and "surfcp" in l for l in warnings_of(capfd))
+
+
+def test_ply_record_of_a_surface_reads_back():
+    plog()
+    kolvex.plyini("STAN")
+    kolvex.nograf()
+    kolvex.graf3d(0, 2, 0, 1, 0, 10, 0, 5, 0, 1, 0, 0.5)
+    kolvex.shdmod("OFF", "CULL")
+    kolvex.shdmod("OFF", "ZSCA")   # one colour: the current one
+    kolvex.setclr(200)
+    kolvex.surtri([0, 2, 2, 0], [0, 0, 10, 10], [0, 0.5, 1, 0.5], 4, [1, 1], [2, 3], [3, 4], 2)
+    kolvex.endgrf()
+    kolvex.plyfin("out.ply", "two triangles")
+    rgb = tuple(int(c * 255 + 0.5) for c in kolvex.getind(200))
+    kolvex.kolfin()
+    lines = open("out.ply").read().splitlines()
+    end = lines.index("end_header")
+    head = lines[:end]
+    assert head[:4] == ["ply", "format ascii 1.0", "comment author: Kolvex", "comment object: two triangles"]
+    nv = int(next(l for l in head if l.startswith("element vertex")).split()[2])
+    nf = int(next(l for l in head if l.startswith("element face")).split()[2])
+    verts = [l.split() for l in lines[end + 1:end + 1 + nv]]
+    faces = [list(map(int, l.split())) for l in lines[end + 1 + nv:]]
+    # Both sides of both triangles, on four shared vertices in user coordinates.
+    assert nf == 4 and faces == [[3, 0, 1, 2], [3, 0, 2, 3]] * 2
+    xyz = [tuple(float(v) for v in r[:3]) for r in verts]
+    assert xyz == [(0, 0, 0), (2, 0, 0.5), (2, 10, 1), (0, 10, 0.5)]
+    assert all(tuple(map(int, r[3:])) == rgb for r in verts)
+
+
+def test_plot_coordinates_follow_the_page_origin():
+    plog()
+    kolvex.pagorg("BOTT")
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    x, y = kolvex.abs3pt(0.2, 0.3, 0.4)
+    assert y == pytest.approx(2099 - project(camera((4, -5, 4)), (0.2, 0.3, 0.4))[1], abs=1e-3)
+    assert kolvex.y3dabs(0.2, 0.3, 0.4) == pytest.approx(y)
+    kolvex.endgrf()
+    kolvex.kolfin()
+
+
+def test_eye_straight_below_sees_the_lower_triangle_in_front():
+    rgb_png("below.png")
+    kolvex.view3d(0, 0, -7, "ABS")
+    kolvex.nograf()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.zbfini()
+    red, blue = 0x01000000 | 255, 0x01000000 | (255 << 16)
+    kolvex.zbftri([-0.8, 0.8, 0.0], [-0.6, -0.6, 0.8], [0.5] * 3, [blue] * 3)   # far from the eye
+    kolvex.zbftri([-0.8, 0.8, 0.0], [-0.6, -0.6, 0.8], [-0.5] * 3, [red] * 3)   # near, drawn last
+    kolvex.zbftri([-0.8, 0.8, 0.0], [-0.6, -0.6, 0.8], [0.6] * 3, [blue] * 3)   # far, drawn last
+    cx, cy = kolvex.abs3pt(0, 0, -0.5)
+    kolvex.zbffin()
+    kolvex.endgrf()
+    kolvex.kolfin()
+    im = rgb_pixels("below.png")
+    sc = im.shape[1] / 2970
+    assert tuple(im[int(cy * sc), int(cx * sc)]) == (255, 0, 0)
+
+
+def test_center_moves_the_3d_system_once():
+    def box_points(name, centred):
+        plog(name)
+        if centred:
+            kolvex.center()
+        kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+        kolvex.grid3d(2, 2, "ALL")      # the faces' own systems are not centred again
+        kolvex.box3d()
+        kolvex.endgrf()
+        kolvex.kolfin()
+        return np.array(read_plog(name)[-1])
+
+    plain, centred = box_points("plain.met", False), box_points("centred.met", True)
+    shift = centred - plain
+    assert np.abs(shift - shift[0]).max() < 1.01 and np.abs(shift[0]).max() > 5

@@ -64,6 +64,9 @@ lengths in brackets after its name:
                           reads none) and nothing is converted
     unsigned char *p      (any pointer without lengths) only in a declaration
                           after 'special:'
+    double (*f)(double, int)
+                          a callback (format letter O), likewise only after
+                          'special:': the wrapper turns a callable into it
 
 Lengths are expressions over parameter names, integer literals, + - * / and
 calls of functions (name(...)) that the wrappers can see; they are computed
@@ -146,6 +149,14 @@ class Param:
         text = text.strip()
         self.where = where
         self.expr = None
+        # A callback: a plain function pointer, which only a hand-written
+        # wrapper can supply (it turns a Python callable into one).
+        fp = re.match(r"^(?P<ret>\w+)\s*\(\s*\*\s*(?P<name>\w+)\s*\)\s*\((?P<args>[^()]*)\)$", text)
+        if fp:
+            self.type, self.name, self.text = text, fp.group("name"), text
+            self.dims, self.count, self.optional, self.range = [], None, False, None
+            self.letter, self.result, self.role = "O", None, "callback"
+            return
         if "=" in text:
             text, self.expr = [s.strip() for s in text.split("=", 1)]
         m = re.match(r"^(?:(?P<kw>out|inout|work)\s+)?(?P<type>.*?)(?P<name>\w+)\s*"
@@ -245,6 +256,8 @@ class Param:
         raise bad
 
     def c_text(self):
+        if self.role == "callback":
+            return self.text
         t = self.type
         return f"{t}{self.name}" if t.endswith("*") else f"{t} {self.name}"
 
@@ -256,6 +269,8 @@ class Param:
         }.get(self.role, f"v_{self.name}")
 
     def stub_type(self):
+        if self.role == "callback":
+            return "Callable[..., float]"
         if self.letter == "s#":
             return "str | bytes"
         if self.letter != "O":
@@ -364,7 +379,7 @@ class Method:
     # The format and result letters must agree with the declaration.
     def check(self):
         for p in self.params:
-            if p.role == "raw":
+            if p.role in ("raw", "callback"):
                 raise self.error(f"{p.name}: a pointer needs its lengths in brackets, or a special: wrapper")
         fmt = self.computed_format()
         if fmt != self.format:

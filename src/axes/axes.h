@@ -34,6 +34,11 @@ int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len, in
 // of the first label and the step.
 int qqaxdig(double orl, double step) noexcept;
 
+// The centring that center asked for, once per page: moves the page
+// origin so that the system at px, py of size xl, yl with the X and Y
+// scalings v (a, e, or, step) sits in the middle of the page with its
+// labels, names and titles.  Nothing when no center call is pending.
+void qqcenter(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) noexcept;
 // The clip rectangle and circle of an axis system whose lower left corner
 // is x, y and size w, h, widened by the grace margin, handed to the layer
 // as the region that qqclip narrows to.

@@ -28,19 +28,19 @@ std::atomic<int> tick_toggle{0};
 // page; such an axis is drawn without them instead of looping for hours.
 constexpr double kMaxMarks = 100000;
 
-int colour_on(glbblk *b, int clr) {
+bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.logfrm[c.axis] == 1; }
+
+}  // namespace
+
+int qqaxclron(glbblk *b, int clr) noexcept {
     int cur = b->dev.curclr;
     if (clr != -1 && clr != cur) qqsetc(b, clr);
     return cur;
 }
 
-void colour_off(glbblk *b, int clr, int saved) {
+void qqaxclroff(glbblk *b, int clr, int saved) noexcept {
     if (clr != -1 && clr != saved) qqsetc(b, saved);
 }
-
-bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.logfrm[c.axis] == 1; }
-
-}  // namespace
 
 void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept {
     const AxesState &ax = b->ax;
@@ -141,6 +141,35 @@ double label_value(const AxesState &ax, const AxisCall &c, int i) {
     return v;
 }
 
+}  // namespace
+
+int qqlabplan(const glbblk *b, const AxisCall &c, int *first, int *last, int *inc) noexcept {
+    LabelPlan p;
+    if (!plan_labels(b->ax, c, &p)) return 0;
+    *first = p.first;
+    *last = p.last;
+    *inc = p.inc;
+    return 1;
+}
+
+double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept { return label_value(b->ax, c, i); }
+
+int qqlabmix(glbblk *b, const AxisCall &c, AxMixSave *mix) noexcept {
+    const AxesState &ax = b->ax;
+    int lab = ax.lab[c.axis];
+    if (is_power(ax, c)) {
+        qqaxmix(b, 0, mix);
+        return 1;
+    }
+    if (lab == 2 || lab == 16 || ax.labcls[c.axis] == 2) {
+        qqaxmix(b, lab == 16, mix);
+        return 1;
+    }
+    return 0;
+}
+
+namespace {
+
 int draw_labels(glbblk *b, const AxisCall &c, double base) {
     AxesState &ax = b->ax;
     int axis = c.axis;
@@ -153,21 +182,16 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     double B = qqaxbase(b);
     int jus = ax.labjus[axis];
     AxMixSave mix;
-    bool mixed = false;
-    if (power) {
-        qqaxmix(b, 0, &mix);
-        mixed = true;
-        if (jus == 0) jus = 1;
-    } else if (lab == 2 || lab == 16 || ax.labcls[axis] == 2) {
-        qqaxmix(b, lab == 16, &mix);
-        mixed = true;
-    }
+    bool mixed = qqlabmix(b, c, &mix) != 0;
+    if (power && jus == 0) jus = 1;
     if (lab == 12 && jus == 0) jus = ax.rgtlab ? 2 : 1;
     int savdig = ax.ndig[axis];
     if (ax.autdig[axis] && !ax.autscl[axis]) ax.ndig[axis] = qqaxdig(c.orl, c.step);
     double f = (c.len - 1) / (c.e - c.a);
     bool neg = c.side == 1;
-    bool vert = ax.labori[axis] == 1;
+    // 1 vertical, reading upward; 2 (3-D axes only) vertical, reading downward.
+    bool vert = ax.labori[axis] >= 1;
+    bool down = ax.labori[axis] == 2;
     char t[QQ_LABLEN + 1];
     // Labels whose width sets the extent: measure them all first.
     int E;
@@ -213,6 +237,18 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
             if (ax.labpos[axis] == 2) {
                 if (x < c.x0) x = c.x0;
                 if (x + w > c.x0 + c.len) x = c.x0 + c.len - w;
+            }
+        } else if (xgeo && down) {
+            // Turned the other way: the text's top faces the right.
+            rot = 270;
+            x = std::trunc(d + c.x0 + 0.5 + o);
+            if (neg)
+                y = (jus == 2 || jus == 4) ? base - w : base - E;
+            else
+                y = (jus == 2 || jus == 3) ? base + E - w : base;
+            if (ax.labpos[axis] == 2) {
+                if (x - h < c.x0) x = c.x0 + h;
+                if (x > c.x0 + c.len) x = c.x0 + c.len;
             }
         } else if (xgeo) {
             rot = 90;
@@ -280,7 +316,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
     int jus = ax.namjus[axis];
     double joff = jus == 0 ? std::trunc((c.len - nw) / 2) : jus == 2 ? c.len - nw : 0;
     int clr = ax.axclr[axis][3];
-    int saved = colour_on(b, clr);
+    int saved = qqaxclron(b, clr);
     if (qqaxgeo(c) == 0) {
         double y = sg > 0 ? c.y0 + dist + E + nh - ax.hname : c.y0 + dist - ax.hname - nu - E;
         qqaxtxt(b, nm, c.x0 + joff, y, 0);
@@ -291,7 +327,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
     } else {
         qqaxtxt(b, nm, c.x0 + dist + nu + E, c.y0 - joff, 90);
     }
-    colour_off(b, clr, saved);
+    qqaxclroff(b, clr, saved);
     qqaxsth(b, savh);
 }
 
@@ -312,18 +348,18 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
     bool labels_on = c.level >= 3 && ax.lab[axis] != 0;
     if (c.level >= 1 && !ax.noline[axis]) {
         int clr = ax.axclr[axis][0];
-        int saved = colour_on(b, clr);
+        int saved = qqaxclron(b, clr);
         if (qqaxgeo(c) == 0)
             qqline(b, c.x0, c.y0, c.x0 + c.len - 1, c.y0);
         else
             qqline(b, c.x0, c.y0, c.x0, c.y0 - c.len + 1);
-        colour_off(b, clr, saved);
+        qqaxclroff(b, clr, saved);
     }
     if (ticks_on) {
         int clr = ax.axclr[axis][1];
-        int saved = colour_on(b, clr);
+        int saved = qqaxclron(b, clr);
         qqticks(b, c, ntic, dir * ax.ticmaj, dir * ax.ticmin, tp == 2);
-        colour_off(b, clr, saved);
+        qqaxclroff(b, clr, saved);
     }
     int E = 0;
     if (labels_on) {
@@ -331,9 +367,9 @@ int qqaxis(glbblk *b, const AxisCall &c) noexcept {
         double base = across + sg * ax.labdis[axis];
         if (ticks_on) base += tp == 0 ? sg * ax.ticmaj : tp == 2 ? sg * (ax.ticmaj / 2) : 0;
         int clr = ax.axclr[axis][2];
-        int saved = colour_on(b, clr);
+        int saved = qqaxclron(b, clr);
         E = draw_labels(b, c, base);
-        colour_off(b, clr, saved);
+        qqaxclroff(b, clr, saved);
     }
     if (c.level >= 4) {
         if (c.crossed) {

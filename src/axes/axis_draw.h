@@ -23,6 +23,21 @@ inline int qqaxgeo(const AxisCall &c) { return c.geo ? c.geo - 1 : c.axis; }
 // Draws the axis; returns the extent of its labels across the axis.
 int qqaxis(glbblk *b, const AxisCall &c) noexcept;
 
+// The labels that the axis shows, after labpos and axends: the values
+// qqlabval(i) for i from first to last by inc.  Returns 0 when none.
+int qqlabplan(const glbblk *b, const AxisCall &c, int *first, int *last, int *inc) noexcept;
+// Label value i: orl + i * step, with a rounding residue near 0 made 0.
+double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept;
+
+// Switches on the text modes that the labels of the axis need (raised
+// exponents); returns 1 when it did, and qqaxmixend(b, mix) undoes it.
+int qqlabmix(glbblk *b, const AxisCall &c, struct AxMixSave *mix) noexcept;
+
+// An element colour of an axis (-1: the current colour) for the time of
+// drawing: qqaxclron returns the colour to give back to qqaxclroff.
+int qqaxclron(glbblk *b, int clr) noexcept;
+void qqaxclroff(glbblk *b, int clr, int saved) noexcept;
+
 // Ticks alone, with lengths given (signed: positive toward the label side),
 // n intervals per label; used by the axes and by grid lines.
 void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept;

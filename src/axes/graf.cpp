@@ -119,6 +119,11 @@ void do_center(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) 
 
 }  // namespace
 
+void qqcenter(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) noexcept {
+    const AxesState &ax = b->ax;
+    if (ax.center && (!ax.centdone || ax.centpage != b->sess.pageno)) do_center(b, v, px, py, xl, yl);
+}
+
 void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept {
     const DeviceState &d = b->dev;
     int g = b->ax.grace;
@@ -208,7 +213,9 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
     ax.chkx[1] = r.xmax;
     ax.chky[0] = r.ymin;
     ax.chky[1] = r.ymax;
-    if (ax.center && (!ax.centdone || ax.centpage != b->sess.pageno)) do_center(b, v, px, py, xl, yl);
+    // A system drawn on a plane in space is part of the 3-D system, which
+    // was centred as a whole.
+    if (!b->dev.pl3on) qqcenter(b, v, px, py, xl, yl);
     qqaxrect(b, px, py, xl, yl);
     ax.legx = px + xl - 1;
     ax.legy = py - yl + 1;

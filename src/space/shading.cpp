@@ -31,6 +31,7 @@ void defaults(glbblk *b) {
     std::free(s.zbuf);
     std::free(s.dpol);
     std::free(s.dpts);
+    qqplyfree(b);
     s = SpaceState{};
     s.len[0] = s.len[1] = s.len[2] = 2;
     s.vang = 0.24497869610786438;
@@ -91,11 +92,14 @@ void space_release(glbblk *b) {
     s.zbuf = nullptr;
     s.dpol = nullptr;
     s.dpts = nullptr;
+    qqplyfree(b);
 }
 
 void space_end(glbblk *b) {
     qqdbfclose(b);
     qqzbfclose(b);
+    // A record that plyfin never wrote dies with the session.
+    qqplyfree(b);
 }
 
 void sides(glbblk *b, int *lo, int *hi) {
@@ -123,15 +127,51 @@ bool light_index(glbblk *b, int k) {
 // ---------------------------------------------------------------------------
 // The cell pass.
 
+bool finite3(const double *p) {
+    return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+}
+
 struct Grid {
     const double *x, *y, *z, *c;  // c: colour values, or z
     int n, m;
+    int full;  // 1: x and y hold a value per grid point, as z does
+    // Curved mesh lines: k - 2 points inside each mesh line between two
+    // neighbouring grid points, user coordinates x, y, z in a row.  ep for
+    // the line from (i, j) to (i + 1, j) at ((i * m + j) * (k - 2)) * 3,
+    // eq for the line from (i, j) to (i, j + 1) at ((i * (m - 1) + j) *
+    // (k - 2)) * 3.  Null for straight mesh lines.
+    const double *ep, *eq;
+    int k;
 };
 
 void absp(glbblk *b, const Grid &g, int i, int j, double p[3]) {
-    p[0] = qqusr2abs(b, 0, g.x[i]);
-    p[1] = qqusr2abs(b, 1, g.y[j]);
-    p[2] = qqusr2abs(b, 2, g.z[(size_t)i * g.m + j]);
+    size_t at = (size_t)i * g.m + j;
+    p[0] = qqusr2abs(b, 0, g.full ? g.x[at] : g.x[i]);
+    p[1] = qqusr2abs(b, 1, g.full ? g.y[at] : g.y[j]);
+    p[2] = qqusr2abs(b, 2, g.z[at]);
+}
+
+// One curved mesh line from corner a to corner e through the k - 2 user
+// points at mid, with the 3-D pen (depth tested on a z-buffer).
+void curved_line(glbblk *b, const double *a, const double *e, const double *mid, int k) {
+    qqmov3(b, a[0], a[1], a[2]);
+    for (int t = 0; t < k - 2; ++t) {
+        const double *u = mid + 3 * t;
+        double p[3] = {qqusr2abs(b, 0, u[0]), qqusr2abs(b, 1, u[1]), qqusr2abs(b, 2, u[2])};
+        if (finite3(p)) qqdrw3(b, p[0], p[1], p[2]);
+    }
+    qqdrw3(b, e[0], e[1], e[2]);
+}
+
+// The four mesh lines of cell (i, j) as curves; P holds its corners.
+void curved_cell(glbblk *b, const Grid &g, int i, int j, const double P[4][3]) {
+    int k = g.k;
+    size_t w = (size_t)(k - 2) * 3;
+    curved_line(b, P[0], P[1], g.ep + ((size_t)i * g.m + j) * w, k);
+    curved_line(b, P[1], P[2], g.eq + ((size_t)(i + 1) * (g.m - 1) + j) * w, k);
+    curved_line(b, P[3], P[2], g.ep + ((size_t)i * g.m + j + 1) * w, k);
+    curved_line(b, P[0], P[3], g.eq + ((size_t)i * (g.m - 1) + j) * w, k);
+    qqflsh(b);
 }
 
 void normal(const double *p1, const double *p2, const double *p3, int back, double n[3]) {
@@ -164,10 +204,6 @@ int facing(const glbblk *b, const double *p1, const double *p2, const double *p3
     return v[0] * n[0] + v[1] * n[1] + v[2] * n[2] > 0 ? 1 : 2;
 }
 
-bool finite3(const double *p) {
-    return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
-}
-
 void rgb_of(glbblk *b, int clr, double c[3]) {
     int r, g, bl;
     qqclrrgb(b, clr, &r, &g, &bl);
@@ -188,6 +224,50 @@ bool cell_normal(glbblk *b, const Grid &g, int ci, int cj, int back, double n[3]
     return true;
 }
 
+// The flat fill colour of a pass: the current colour; the background for
+// a mesh alone; with surclr and no lights, the colour of that side.
+int flat_colour(glbblk *b, int back, double rgb[3]) {
+    const SpaceState &s = b->sp;
+    int clr = b->dev.curclr;
+    if (s.mesh == 2) {
+        clr = b->clr.bckclr;
+        // Lit pixels on a white page pass the swap of black and white.
+        if (s.lights && b->sess.bgmode == 2 && qqzpix(b) && (clr == 0 || clr == 255)) clr = 255 - clr;
+    }
+    if (s.surclrset && !s.lights && s.surclr[back] != -1) clr = s.surclr[back];
+    rgb_of(b, clr, rgb);
+    return clr;
+}
+
+// Mesh "LINE" or "POIN": the polygon's edges or corners in the mesh colour.
+void mesh_marks(glbblk *b, const double (*P)[3], int n) {
+    SpaceState &s = b->sp;
+    if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
+    for (int k = 0; k < n; ++k) {
+        const double *a = P[k], *e = s.mesh == 3 ? P[(k + 1) % n] : P[k];
+        qqmov3(b, a[0], a[1], a[2]);
+        qqdrw3(b, e[0], e[1], e[2]);
+    }
+    qqflsh(b);
+}
+
+// The one colour number of a polygon for output without pixels: the z
+// colour of its mean value without lights, the flat colour where that
+// serves, else the nearest colour of the mean of its corners' colours.
+int polygon_colour(glbblk *b, int flatclr, double mean, const double *r, const double *g,
+                   const double *bl, int n) {
+    const SpaceState &s = b->sp;
+    if (!s.lights && s.mesh != 2 && s.zsca == 0) return qqzclr(b, mean);
+    if (s.mesh == 2 || (!s.lights && s.zsca == 1)) return flatclr;
+    double mr = 0, mg = 0, mb = 0;
+    for (int k = 0; k < n; ++k) {
+        mr += r[k] / n;
+        mg += g[k] / n;
+        mb += bl[k] / n;
+    }
+    return qqnearest(b, (int)(mr * 255 + 0.5), (int)(mg * 255 + 0.5), (int)(mb * 255 + 0.5));
+}
+
 void cell_pass(glbblk *b, const Grid &g, int back) {
     SpaceState &s = b->sp;
     int savclr = b->dev.curclr;
@@ -196,10 +276,11 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
     bool smooth = s.shade == 1;
     bool pix = qqzpix(b) != 0;
     double flat[3];
-    int flatclr = savclr;
-    if (s.mesh == 2) flatclr = b->clr.bckclr;
-    if (s.surclrset && !lights && s.surclr[back] != -1) flatclr = s.surclr[back];
-    rgb_of(b, flatclr, flat);
+    int flatclr = flat_colour(b, back, flat);
+    // Curved mesh lines replace the straight ones where they can be drawn
+    // at once: lines alone, or edges on pixels (a depth buffer would paint
+    // its polygons over them later).
+    bool curved = g.ep && (s.mesh == 3 || ((s.mesh == 1 || s.mesh == 2) && pix));
     for (int i = 0; i + 1 < g.n; ++i)
         for (int j = 0; j + 1 < g.m; ++j) {
             int ci[4] = {i, i + 1, i + 1, i}, cj[4] = {j, j, j + 1, j + 1};
@@ -211,17 +292,13 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
             }
             if (!ok) continue;  // a hole in the surface
             if (s.cull != 0 && facing(b, P[0], P[1], P[2], back) == s.cull) continue;
-            if (s.mesh == 3 || s.mesh == 4) {
+            if (s.mesh == 3 && curved) {
                 if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
-                for (int k = 0; k < 4; ++k) {
-                    const double *a = P[k], *e = P[(k + 1) % 4];
-                    qqmov3(b, a[0], a[1], a[2]);
-                    if (s.mesh == 3)
-                        qqdrw3(b, e[0], e[1], e[2]);
-                    else
-                        qqdrw3(b, a[0], a[1], a[2]);
-                }
-                qqflsh(b);
+                curved_cell(b, g, i, j, P);
+                continue;
+            }
+            if (s.mesh == 3 || s.mesh == 4) {
+                mesh_marks(b, P, 4);
                 continue;
             }
             double r[4], gg[4], bl[4];
@@ -289,28 +366,25 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
                         bl[k] = acc[2] / 4;
                     }
             }
-            int clr;
-            if (!pix) {
-                double mr = (r[0] + r[1] + r[2] + r[3]) / 4,
-                       mg = (gg[0] + gg[1] + gg[2] + gg[3]) / 4,
-                       mb = (bl[0] + bl[1] + bl[2] + bl[3]) / 4;
-                if (!lights && s.mesh != 2 && s.zsca == 0)
-                    clr = qqzclr(b, (val[0] + val[1] + val[2] + val[3]) / 4);
-                else if (s.mesh == 2 || s.zsca == 1)
-                    clr = flatclr;
-                else
-                    clr = qqnearest(b, (int)(mr * 255 + 0.5), (int)(mg * 255 + 0.5),
-                                    (int)(mb * 255 + 0.5));
-            } else {
-                clr = savclr;
-            }
+            int clr = pix ? savclr
+                          : polygon_colour(b, flatclr, (val[0] + val[1] + val[2] + val[3]) / 4, r, gg, bl, 4);
             double X[4], Y[4], Z[4];
             for (int k = 0; k < 4; ++k) {
                 X[k] = P[k][0];
                 Y[k] = P[k][1];
                 Z[k] = P[k][2];
             }
+            if (!curved) {
+                qqtri3(b, X, Y, Z, 4, r, gg, bl, clr);
+                continue;
+            }
+            int mesh = s.mesh;
+            s.mesh = 0;
             qqtri3(b, X, Y, Z, 4, r, gg, bl, clr);
+            s.mesh = mesh;
+            if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
+            curved_cell(b, g, i, j, P);
+            if (b->dev.curclr != savclr) qqsetc(b, savclr);
         }
     if (b->dev.curclr != savclr) qqsetc(b, savclr);
 }
@@ -433,7 +507,9 @@ void qqlight(const glbblk *b, const double p[3], const double N[3], int side, co
             C[q] += (m.amb[q] * L.amb[q] + D + S) / a;
         }
     }
-    for (int q = 0; q < 3; ++q) out[q] = C[q] > 1.0 ? 1.0 : C[q] < 0 ? 0 : C[q];
+    // A light or material given as NaN or infinity must not reach the
+    // pixels as an undefined colour.
+    for (int q = 0; q < 3; ++q) out[q] = C[q] > 1.0 ? 1.0 : C[q] >= 0 ? C[q] : 0;
 }
 
 // ---------------------------------------------------------------------------
@@ -443,7 +519,7 @@ void surshd(const double *xray, int n, const double *yray, int m, const double *
     glbblk *b = KX_ENTRY("surshd");
     if (!b) return;
     if (n >= 2 && m >= 2 && b->sp.open) colour_scale(b, zmat, (size_t)n * m, false);
-    Grid g{xray, yray, zmat, zmat, n, m};
+    Grid g{xray, yray, zmat, zmat, n, m, 0, nullptr, nullptr, 0};
     surface(b, g, (long long)n * m);
 }
 
@@ -452,7 +528,7 @@ void surshc(const double *xray, int n, const double *yray, int m, const double *
     glbblk *b = KX_ENTRY("surshc");
     if (!b) return;
     if (n >= 2 && m >= 2 && b->sp.open) colour_scale(b, cmat, (size_t)n * m, true);
-    Grid g{xray, yray, zmat, cmat, n, m};
+    Grid g{xray, yray, zmat, cmat, n, m, 0, nullptr, nullptr, 0};
     surface(b, g, (long long)n * m);
 }
 
@@ -478,9 +554,14 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
     if (s.shade == 1 && !s.zopen) {
         if (qqzbfopen(b)) return;
         zown = true;
-    } else if (s.shade == 0 && !s.zopen && !b->cnv.imgact && s.mesh < 3 && !s.dopen) {
-        if (qqdbfopen(b, 2LL * ntri)) return;
-        down = true;
+    }
+    int savpat = b->sty.patnum;
+    if (s.shade == 0 && !s.zopen && !b->cnv.imgact && s.mesh < 3) {
+        if (!s.dopen) {
+            if (qqdbfopen(b, 2LL * ntri)) return;
+            down = true;
+        }
+        qqshdpat(b, 16);
     }
     int savclr = b->dev.curclr;
     bool pix = qqzpix(b) != 0;
@@ -488,6 +569,8 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
         if ((side == 1 && s.survis == 1) || (side == 0 && s.survis == 2)) continue;
         if (side == 1) swap_sides(s);
         s.curmesh = s.mshclr[side] == -1 ? savclr : s.mshclr[side];
+        double flat[3];
+        int flatclr = flat_colour(b, side, flat);
         for (int t = 0; t < ntri; ++t) {
             int id[3] = {i1[t] - 1, i2[t] - 1, i3[t] - 1};
             if (id[0] < 0 || id[1] < 0 || id[2] < 0 || id[0] >= n || id[1] >= n || id[2] >= n)
@@ -502,22 +585,35 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
             }
             if (!ok) continue;
             if (s.cull != 0 && facing(b, P[0], P[1], P[2], side) == s.cull) continue;
+            if (s.mesh == 3 || s.mesh == 4) {
+                mesh_marks(b, P, 3);
+                continue;
+            }
             double nrm[3];
             normal(P[0], P[1], P[2], side, nrm);
-            double mean = (zray[id[0]] + zray[id[1]] + zray[id[2]]) / 3;
+            double mean = (zray[id[0]] + zray[id[1]] + zray[id[2]]) / 3, acc[3] = {0, 0, 0};
             for (int k = 0; k < 3; ++k) {
-                double zv = s.shade == 1 ? zray[id[k]] : mean, c[3];
-                qqzrgb(b, zv, &c[0], &c[1], &c[2]);
-                if (s.lights) qqlight(b, P[k], nrm, side, s.zsca == 0 ? c : nullptr, c);
+                double c[3] = {flat[0], flat[1], flat[2]};
+                if (s.mesh != 2 && (s.lights || s.zsca == 0)) {
+                    double zc[3];
+                    qqzrgb(b, s.shade == 1 ? zray[id[k]] : mean, &zc[0], &zc[1], &zc[2]);
+                    if (s.lights)
+                        qqlight(b, P[k], nrm, side, s.zsca == 0 ? zc : nullptr, c);
+                    else
+                        std::memcpy(c, zc, sizeof c);
+                }
                 r[k] = c[0];
                 g[k] = c[1];
                 bl[k] = c[2];
+                for (int q = 0; q < 3; ++q) acc[q] += c[q] / 3;
             }
-            int clr = pix        ? savclr
-                      : s.lights ? qqnearest(b, (int)((r[0] + r[1] + r[2]) / 3 * 255 + 0.5),
-                                             (int)((g[0] + g[1] + g[2]) / 3 * 255 + 0.5),
-                                             (int)((bl[0] + bl[1] + bl[2]) / 3 * 255 + 0.5))
-                                 : qqzclr(b, mean);
+            if (s.lights && s.shade == 0)
+                for (int k = 0; k < 3; ++k) {
+                    r[k] = acc[0];
+                    g[k] = acc[1];
+                    bl[k] = acc[2];
+                }
+            int clr = pix ? savclr : polygon_colour(b, flatclr, mean, r, g, bl, 3);
             qqtri3(b, X, Y, Z, 3, r, g, bl, clr);
         }
         if (side == 1) swap_sides(s);
@@ -525,58 +621,104 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
     if (down) qqdbfclose(b);
     if (zown) qqzbfclose(b);
     if (b->dev.curclr != savclr) qqsetc(b, savclr);
+    if (b->sty.patnum != savpat) qqshdpat(b, savpat);
 }
 
-// The parametric surface waits for the callback bridge of the binding: a
-// core entry that takes the function pointer is ready; the Python method
-// answers with warning 35 outside graf3d and otherwise draws nothing yet.
-void qqsurfcp(glbblk *b, double (*fn)(double, double, int, void *), void *ctx, double pmin,
-              double pmax, double pstp, double qmin, double qmax, double qstp) noexcept {
+namespace {
+
+// The parameter values of one direction of surfcp: lo, lo + step, ...,
+// with hi as the last one (the last step may be shorter), so that a closed
+// surface closes.  Returns the count, or 0 for a range that gives no grid.
+int param_count(double lo, double hi, double step) {
+    double span = (hi - lo) / step;
+    if (!std::isfinite(span) || !(span > 0) || !std::isfinite(lo) || !std::isfinite(hi)) return 0;
+    double k = std::ceil(span - 1e-6);
+    if (k < 1) k = 1;
+    return k + 1 > 1e7 ? -1 : (int)k + 1;
+}
+
+double param_at(double lo, double hi, double step, int i, int n) {
+    return i == n - 1 ? hi : lo + i * step;
+}
+
+// At most this many grid points (three doubles each) and as many points of
+// curved mesh lines: a parametric surface finer than that shows nothing
+// more on any page.
+constexpr double kMaxParamPoints = 4e6;
+
+}  // namespace
+
+// The function is evaluated at every grid point (and at the points of
+// curved mesh lines) before anything is drawn, so that a function that
+// itself calls the library finds no half-drawn surface; the axis system is
+// looked at again afterwards.
+void surfcp(double (*zfun)(double, double, int), double pmin, double pmax, double pstp, double qmin,
+            double qmax, double qstp) noexcept {
+    glbblk *b = KX_ENTRY("surfcp");
+    if (!b) return;
     if (!b->sp.open) {
         qqwar0(b, 35);
         return;
     }
-    if (!fn || !(pstp > 0) || !(qstp > 0) || !(pmax >= pmin) || !(qmax >= qmin)) {
+    int n = param_count(pmin, pmax, pstp), m = param_count(qmin, qmax, qstp);
+    if (n < 2 || m < 2 || (double)n * m > kMaxParamPoints) {
+        qqwarnd(b, 2, n < 2 || (double)n * m > kMaxParamPoints ? pstp : qstp);
+        return;
+    }
+    if (!zfun) {
         qqwar0(b, 2);
         return;
     }
-    double np = std::floor((pmax - pmin) / pstp + 1e-9) + 1,
-           nq = std::floor((qmax - qmin) / qstp + 1e-9) + 1;
-    if (np < 2 || nq < 2 || np * nq > 4e7) {
-        qqwarn(b, 2, (int)std::min(np, 1e9));
-        return;
-    }
-    int n = (int)np, m = (int)nq;
     size_t cnt = (size_t)n * m;
-    double *buf = (double *)std::malloc(sizeof(double) * cnt * 3);
+    int k = b->sp.mshcrv;
+    bool curves = k >= 4 && b->sp.mesh >= 1 && b->sp.mesh <= 3;
+    size_t per = curves ? (size_t)(k - 2) * 3 : 0;
+    size_t nep = (size_t)(n - 1) * m * per, neq = (size_t)n * (m - 1) * per;
+    if (curves && (double)(nep + neq) / 3 > kMaxParamPoints) {
+        curves = false;  // too fine to be told apart: straight lines
+        nep = neq = 0;
+    }
+    double *buf = (double *)std::malloc(sizeof(double) * (cnt * 3 + nep + neq));
     if (!buf) {
         qqwar0(b, 53);
         return;
     }
-    // x, y and z of every grid point (p, q), in user coordinates.
+    double *x = buf, *y = buf + cnt, *z = buf + 2 * cnt, *ep = buf + 3 * cnt, *eq = ep + nep;
+    auto point = [&](double p, double q, double *out) {
+        for (int c = 0; c < 3; ++c) out[c] = zfun(p, q, c + 1);
+    };
     for (int i = 0; i < n; ++i)
         for (int j = 0; j < m; ++j) {
-            double p = pmin + i * pstp, q = qmin + j * qstp;
-            for (int k = 0; k < 3; ++k) buf[k * cnt + (size_t)i * m + j] = fn(p, q, k + 1, ctx);
+            double v[3];
+            point(param_at(pmin, pmax, pstp, i, n), param_at(qmin, qmax, qstp, j, m), v);
+            size_t at = (size_t)i * m + j;
+            x[at] = v[0];
+            y[at] = v[1];
+            z[at] = v[2];
         }
-    // Triangles of the grid, two per cell.
-    size_t nt = 2 * (size_t)(n - 1) * (m - 1);
-    int *tri = (int *)std::malloc(sizeof(int) * nt * 3);
-    if (!tri) {
-        std::free(buf);
-        qqwar0(b, 53);
-        return;
+    if (curves)
+        for (int i = 0; i < n; ++i)
+            for (int j = 0; j < m; ++j) {
+                double p0 = param_at(pmin, pmax, pstp, i, n), q0 = param_at(qmin, qmax, qstp, j, m);
+                for (int t = 1; t < k - 1; ++t) {
+                    double f = (double)t / (k - 1);
+                    if (i + 1 < n) {
+                        double p1 = param_at(pmin, pmax, pstp, i + 1, n);
+                        point(p0 + f * (p1 - p0), q0, ep + ((size_t)i * m + j) * per + 3 * (t - 1));
+                    }
+                    if (j + 1 < m) {
+                        double q1 = param_at(qmin, qmax, qstp, j + 1, m);
+                        point(p0, q0 + f * (q1 - q0), eq + ((size_t)i * (m - 1) + j) * per + 3 * (t - 1));
+                    }
+                }
+            }
+    // The function may have ended the axis system or the session.
+    glbblk *again = KX_ENTRY("surfcp");
+    if (again == b && b->sp.open) {
+        colour_scale(b, z, cnt, false);
+        Grid g{x, y, z, z, n, m, 1, curves ? ep : nullptr, curves ? eq : nullptr, k};
+        surface(b, g, (long long)cnt);
     }
-    size_t t = 0;
-    for (int i = 0; i + 1 < n; ++i)
-        for (int j = 0; j + 1 < m; ++j) {
-            int c0 = i * m + j + 1, c1 = (i + 1) * m + j + 1, c2 = (i + 1) * m + j + 2,
-                c3 = i * m + j + 2;
-            tri[t] = c0, tri[nt + t] = c1, tri[2 * nt + t] = c2, ++t;
-            tri[t] = c0, tri[nt + t] = c2, tri[2 * nt + t] = c3, ++t;
-        }
-    surtri(buf, buf + cnt, buf + 2 * cnt, (int)cnt, tri, tri + nt, tri + 2 * nt, (int)nt);
-    std::free(tri);
     std::free(buf);
 }
 

@@ -38,7 +38,14 @@ void qqlight(const glbblk *b, const double p[3], const double nrm[3], int side, 
              double out[3]) noexcept;
 // Cuts a segment to the box of the axis system; 0 when nothing is left.
 int qqclipbox(const glbblk *b, double p0[3], double p1[3]) noexcept;
-// The parametric surface: fn(p, q, iopt, ctx) gives x, y or z of the point
-// for iopt 1, 2, 3 (the binding's callback bridge calls this).
-void qqsurfcp(glbblk *b, double (*fn)(double, double, int, void *), void *ctx, double pmin,
-              double pmax, double pstp, double qmin, double qmax, double qstp) noexcept;
+// The three axes drawn in space, for the label modes HORI, PARA, OTHE.
+void qqspaxes(glbblk *b) noexcept;
+// PLY export: a polygon of n corners in user coordinates with colours
+// 0 to 1 joins the record; qqplypoly records a polygon of the triangle
+// path (absolute coordinates, its colours or its colour number); qqplyfree
+// drops the record and ends recording.
+void qqplyadd(glbblk *b, const double *x, const double *y, const double *z, const double *r,
+              const double *g, const double *bl, int n) noexcept;
+void qqplypoly(glbblk *b, const double *x, const double *y, const double *z, int n, const double *r,
+               const double *g, const double *bl, int clr) noexcept;
+void qqplyfree(glbblk *b) noexcept;

@@ -4,6 +4,7 @@
 #pragma once
 
 struct glbblk;
+struct PlyStore;
 
 struct Light3 {
     int on;
@@ -82,7 +83,7 @@ struct SpaceState {
     int mshclr[2];  // front, back; -1 current colour
     int mshcrv;
     int side;       // 0 TOP, 1 BOTT, 2 BOTH
-    int survis;     // 0 TOP, 1 BOTT, 2 BOTH, 3 AUTO
+    int survis;     // 0 AUTO, 1 TOP, 2 BOTT, 3 BOTH
     int surclr[2];  // surface colours of surclr, -1 none
     int surclrset;
     // Lights.
@@ -93,4 +94,7 @@ struct SpaceState {
     // Where the cell pass draws its mesh lines (the current mesh colour).
     int curmesh;
     int edgecode;  // edge code of the polygon being sent
+    // PLY export: 1 while plyini records; the store, made at the first polygon.
+    int plymode;
+    PlyStore *ply;
 };

@@ -12,6 +12,7 @@
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
+#include "core/session.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -45,6 +46,13 @@ void build_matrix(glbblk *b) {
         double X[4] = {cu, -su, 0, su * ey - cu * ex};
         double Y[4] = {su, cu, 0, -(su * ex) - cu * ey};
         double Z[4] = {0, 0, -1, ez};
+        if (c < 0) {
+            // Looking up from below: depth grows upward, and the picture is
+            // the one seen from below, not a mirror image.
+            for (double &v : Y) v = -v;
+            Z[2] = 1;
+            Z[3] = -ez;
+        }
         std::memcpy(m[0], X, sizeof X);
         std::memcpy(m[1], Y, sizeof Y);
         std::memcpy(m[2], Z, sizeof Z);
@@ -87,6 +95,11 @@ void resolve_view(glbblk *b) {
         s.fx = s.foc[0];
         s.fy = s.foc[1];
         s.fz = s.foc[2];
+    }
+    if (!(std::isfinite(s.fx) && std::isfinite(s.fy) && std::isfinite(s.fz))) {
+        // A focus that is no point: the eye looks at the centre instead.
+        qqwar0(b, 33);
+        s.fx = s.fy = s.fz = 0;
     }
     if (s.eyemode == 2) {
         for (int i = 0; i < 3; ++i) s.eye[i] = plain_abs(s, i, s.eye[i]);
@@ -231,6 +244,10 @@ void draw_axes(glbblk *b) {
         int savends = ax.axends[k];
         if (s.flab) ax.axends[k] = nofirst ? 1 : 0;
         int savmy = ax.nmylab[k];
+        // Vertical labels of the two horizontal axes: one of them reads from
+        // the other side, so that both read from outside the box.
+        int savori = ax.labori[k];
+        if (savori != 0 && k < 2 && (k == 0) == (s.ex * s.ey >= 0)) ax.labori[k] = 2;
         plane_open(b, c1, c2, c3);
         AxisCall c{};
         c.axis = k;
@@ -263,6 +280,7 @@ void draw_axes(glbblk *b) {
         qqaxis(b, c);
         plane_close(b);
         ax.nmylab[k] = savmy;
+        ax.labori[k] = savori;
         ax.axends[k] = savends;
     }
     ax.hname = savn;
@@ -509,7 +527,12 @@ void vfoc3d(double x, double y, double z, const char *copt) noexcept {
 
 void vup3d(double angle) noexcept {
     glbblk *b = KX_ENTRY("vup3d");
-    if (b) b->sp.vup = angle * kPi / 180;
+    if (!b) return;
+    if (!std::isfinite(angle)) {
+        qqwarnd(b, 2, angle);
+        return;
+    }
+    b->sp.vup = angle * kPi / 180;
 }
 
 void vang3d(double angle) noexcept {
@@ -525,11 +548,11 @@ void vang3d(double angle) noexcept {
 void vclp3d(double xnear, double xfar) noexcept {
     glbblk *b = KX_ENTRY("vclp3d");
     if (!b) return;
-    if (!(xnear > 0)) {
+    if (!(xnear > 0) || !std::isfinite(xnear)) {
         qqwarnd(b, 2, xnear);
         return;
     }
-    if (xfar <= 0) xfar = -1;
+    if (!(xfar > 0) || std::isinf(xfar)) xfar = -1;  // no far distance
     if (xfar > 0 && xnear > xfar) {
         qqwarnd(b, 2, xnear);
         return;
@@ -597,6 +620,9 @@ void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye
     b->core.level = 3;
     set_record(b);
     int nxl = ax.nlen[0], nyl = ax.nlen[1];
+    // The centring measures the X and Y axes as a 2-D system would have them.
+    double cv[2][4] = {{s.a[0], s.e[0], s.orl[0], s.stp[0]}, {s.a[1], s.e[1], s.orl[1], s.stp[1]}};
+    qqcenter(b, cv, ax.nxa, ax.nya, nxl, nyl);
     s.s = std::min(nxl, nyl) / 2.0;
     s.cx = ax.nxa + nxl / 2.0;
     s.cy = ax.nya - nyl / 2.0;
@@ -609,7 +635,10 @@ void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye
     ax.savclr = b->dev.curclr;
     ax.savlev = 1;
     if (ax.nogrf) return;
-    draw_axes(b);
+    if (s.labmode == 0)
+        draw_axes(b);
+    else
+        qqspaxes(b);
     set_record(b);
 }
 
@@ -758,17 +787,23 @@ void conn3d(double x, double y, double z) noexcept {
 // ---------------------------------------------------------------------------
 // Public conversions.
 
+// The plot coordinates that these routines return follow the page origin
+// of pagorg, as every Y of the interface does; drawing inside the library
+// uses the unflipped projection.
 void abs3pt(double x, double y, double z, double *xp, double *yp) noexcept {
     glbblk *b = KX_ENTRY("abs3pt");
     *xp = *yp = 0;
-    if (b) qqabs2plot(b, x, y, z, xp, yp, nullptr);
+    if (!b) return;
+    qqabs2plot(b, x, y, z, xp, yp, nullptr);
+    *yp = qqyflp(b, *yp);
 }
 
 void rel3pt(double x, double y, double z, double *xp, double *yp) noexcept {
     glbblk *b = KX_ENTRY("rel3pt");
     *xp = *yp = 0;
-    if (b)
-        qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), xp, yp, nullptr);
+    if (!b) return;
+    qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), xp, yp, nullptr);
+    *yp = qqyflp(b, *yp);
 }
 
 void pos3pt(double x, double y, double z, double *xp, double *yp, double *zp) noexcept {
@@ -793,7 +828,7 @@ double y3dabs(double x, double y, double z) noexcept {
     glbblk *b = KX_ENTRY("y3dabs");
     if (!b) return 0;
     qqabs2plot(b, x, y, z, &xp, &yp, nullptr);
-    return yp;
+    return qqyflp(b, yp);
 }
 
 double x3drel(double x, double y, double z) noexcept {
@@ -809,7 +844,7 @@ double y3drel(double x, double y, double z) noexcept {
     glbblk *b = KX_ENTRY("y3drel");
     if (!b) return 0;
     qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), &xp, &yp, nullptr);
-    return yp;
+    return qqyflp(b, yp);
 }
 
 double x3dpos(double x, double, double) noexcept {

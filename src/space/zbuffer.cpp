@@ -255,12 +255,13 @@ void qqdbfclose(glbblk *b) noexcept {
     SpaceState &s = b->sp;
     if (!s.dopen) return;
     s.dopen = 0;
-    // Painter's order: far to near; equal depths keep their order of arrival.
+    // Sorted near to far, equal depths in their order of arrival, and painted
+    // from the far end: among equal depths the first one ends on top.
     std::stable_sort(s.dpol, s.dpol + s.dn,
-                     [](const DepthPoly &p, const DepthPoly &q) { return p.depth > q.depth; });
+                     [](const DepthPoly &p, const DepthPoly &q) { return p.depth < q.depth; });
     qqflsh(b);
     int saved = b->dev.curclr;
-    for (int i = 0; i < s.dn; ++i) {
+    for (int i = s.dn - 1; i >= 0; --i) {
         const DepthPoly &q = s.dpol[i];
         double x[16], y[16];
         int n = std::min(q.n, 12);
@@ -319,6 +320,8 @@ void qqtri3(glbblk *b, const double *x, const double *y, const double *z, int n,
         if (!std::isfinite(x[i]) || !std::isfinite(y[i]) || !std::isfinite(z[i])) return;
         if (s.clip == 0 && outside(s, v[i].p)) out = true;
     }
+    // The PLY record takes the polygon as given; drawing goes on.
+    if (s.plymode) qqplypoly(b, x, y, z, n, r, g, bl, clr);
     if (out) n = clip_poly(s, v, n, tmp);
     if (n < 3) return;
     double xp[24], yp[24], dp[24];

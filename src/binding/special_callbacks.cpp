@@ -1,0 +1,76 @@
+// Methods that take a Python callable: the module keeps the callable in a
+// slot and hands the library a plain function (a trampoline) that calls it.
+//
+// The surface functions run while the library draws, in the calling thread;
+// their wrappers keep the interpreter lock for the whole call, so the
+// trampolines call Python directly.
+#include "marshal.h"
+
+#include "kolvex.h"
+
+namespace {
+
+PyObject *pysrffn = nullptr;  // the function of surfcp (one reference held)
+// The function of the surfcp call that runs now: a callable that calls
+// surfcp itself replaces the slot, but not the function of the outer call.
+PyObject *srf_active = nullptr;
+
+// The exception of the callable during the current surface call: the first
+// one is kept, the callable is not called again, and the method raises it
+// once the library has returned.  Null outside such a call.
+KxErrStash *srf_error = nullptr;
+
+// A result counts when it is a float; anything else, or an exception,
+// gives 0.0 at that point.
+double float_result(PyObject *result) {
+    if (!result) {
+        if (srf_error && !srf_error->failed()) srf_error->take();
+        PyErr_Clear();
+        return 0.0;
+    }
+    double v = PyFloat_Check(result) ? PyFloat_AsDouble(result) : 0.0;
+    Py_DECREF(result);
+    return v;
+}
+
+double surfcp_trampoline(double p, double q, int iopt) {
+    if (!srf_active || (srf_error && srf_error->failed())) return 0.0;
+    PyObject *args = Py_BuildValue("(ffi)", (float)p, (float)q, iopt);
+    if (!args) return float_result(nullptr);
+    PyObject *result = PyObject_CallObject(srf_active, args);
+    Py_DECREF(args);
+    return float_result(result);
+}
+
+// Stores a new callable in a single slot, after the check.
+bool store_callable(PyObject **slot, PyObject *fn) {
+    if (!PyCallable_Check(fn)) {
+        PyErr_SetString(PyExc_TypeError, "parameter must be callable");
+        return false;
+    }
+    Py_INCREF(fn);
+    Py_XSETREF(*slot, fn);
+    return true;
+}
+
+}  // namespace
+
+PyObject *kxs_surfcp(PyObject *, PyObject *args) {
+    PyObject *fn = nullptr;
+    double pmin, pmax, pstp, qmin, qmax, qstp;
+    if (!PyArg_ParseTuple(args, "Odddddd:surfcp", &fn, &pmin, &pmax, &pstp, &qmin, &qmax, &qstp))
+        return kxpy_argfail();
+    if (!store_callable(&pysrffn, fn)) return nullptr;
+    KxErrStash err;
+    KxErrStash *outer = srf_error;
+    PyObject *outer_fn = srf_active;
+    srf_error = &err;
+    srf_active = fn;
+    Py_INCREF(fn);  // held for the call, whatever happens to the slot
+    surfcp(surfcp_trampoline, pmin, pmax, pstp, qmin, qmax, qstp);
+    srf_active = outer_fn;
+    srf_error = outer;
+    Py_DECREF(fn);
+    if (err.restore()) return nullptr;
+    Py_RETURN_NONE;
+}
