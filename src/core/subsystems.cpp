@@ -18,6 +18,7 @@ extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_curves;
 extern const Subsystem kxsub_shields;
 extern const Subsystem kxsub_contours;
+extern const Subsystem kxsub_colourplots;
 extern const Subsystem kxsub_postscript;
 extern const Subsystem kxsub_zscale;
 extern const Subsystem kxsub_space;
@@ -45,6 +46,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_curves,
     &kxsub_shields,
     &kxsub_contours,
+    &kxsub_colourplots,
     &kxsub_zscale,
     &kxsub_space,
 };
