@@ -22,6 +22,9 @@ namespace {
 // Sub-points per matrix cell beyond which a call is refused: more cannot
 // show on any page and would only make the call run for hours.
 const double kMaxSubPoints = 4e8;
+// Cells beyond which a page format gets the matrix as one picture: a file
+// of rectangles would grow with the matrix, a picture only with the area.
+const double kPictureCells = 20000;
 
 // The bilinear value inside cell (i, j); terms of weight 0 are left out so
 // that a NaN in a neighbour that does not count stays out.
@@ -153,10 +156,15 @@ void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
         }
         qqflsh(b);
         b->core.ynoflp = fl;
-    } else if (!only && mode == 2) {
+    }
+    qqcanvas *pic = nullptr;
+    int ox = ax.rec.nxa, oy = ax.rec.nya - ax.rec.nyl + 1;
+    if (!only && !symb && !cp.nobgd && (double)(n - 1) * ixpts * (double)(m - 1) * iypts > kPictureCells)
+        pic = qqcellpicture(b);
+    if (!symb && !only && mode == 2) {
         // Exact cells: each sub-cell is the rectangle from its point to the
         // next, so the last row and column only colour by interpolation.
-        QQCellRuns runs(b);
+        QQCellRuns runs(b, pic, ox, oy);
         for (int i = 0; i < n - 1; ++i)
             for (int a = 0; a < ixpts; ++a) {
                 double x = xa + i * dx + a * sx, u = (double)a / ixpts;
@@ -170,8 +178,8 @@ void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
                     }
             }
         runs.flush();
-    } else if (!only) {
-        QQPointPaint pp(b);
+    } else if (!symb && !only) {
+        QQPointPaint pp(b, pic, ox, oy);
         for (int i = 0; i < n - 1; ++i)
             for (int a = 0; a < ixpts; ++a) {
                 double x = xa + i * dx + a * sx, u = (double)a / ixpts;
@@ -189,6 +197,7 @@ void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
         pp.point(xe, ye, zmat[(size_t)(n - 1) * m + (m - 1)]);
         pp.runs.flush();
     }
+    if (pic) qqcellpictureend(b);
     if (b->dev.curclr != saved) qqsetc(b, saved);
     if (cp.mesh >= 1 && cp.mesh <= 3) {
         mesh_colour(b, saved);

@@ -10,6 +10,8 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "plots/zscale.h"
+#include "raster/canvas.h"
+#include "raster/primitives.h"
 
 bool qqcolsys(glbblk *b) noexcept {
     if (b->ax.rec.type == 3) {
@@ -39,7 +41,10 @@ void QQCellRuns::add(int ax, int ay, int bx, int by, int colour) noexcept {
 void QQCellRuns::flush() noexcept {
     if (!open) return;
     open = false;
-    qqfrect(b, x1, y1, x2, y2, clr);
+    if (cv)
+        qqcrect(cv, x1 - ox, y1 - oy, x2 - ox, y2 - oy, clr);
+    else
+        qqfrect(b, x1, y1, x2, y2, clr);
 }
 
 int qqcellclr(glbblk *b, double z) noexcept {
@@ -52,7 +57,7 @@ int qqcellclr(glbblk *b, double z) noexcept {
     return c;
 }
 
-QQPointPaint::QQPointPaint(glbblk *blk) : b(blk), runs(blk) {
+QQPointPaint::QQPointPaint(glbblk *blk, qqcanvas *canvas, int dx, int dy) : b(blk), runs(blk, canvas, dx, dy) {
     wx = b->ax.nxres > 0 ? b->ax.nxres : 1;
     wy = b->ax.nyres > 0 ? b->ax.nyres : 1;
     int dev = b->core.devcod;
@@ -85,6 +90,37 @@ void QQPointPaint::point(double x, double y, double z) noexcept {
     }
     int x1 = qqround(xp - wx / 2.0), y1 = qqround(yp - wy / 2.0);
     runs.add(x1, y1, x1 + wx - 1, y1 + wy - 1, c);
+}
+
+qqcanvas *qqcellpicture(glbblk *b) noexcept {
+    const DriverOps *drv = b->dev.drv;
+    CanvasState &cs = b->cnv;
+    if (!drv || !drv->image || cs.imgact || cs.cv.pix || b->dev.pl3on || b->dev.trfon) return nullptr;
+    const ScaleRecord &r = b->ax.rec;
+    if (qqcnvnew(&cs.cv, r.nxl, r.nyl, 0, b->sess.bgmode == 2) != 0) {
+        qqcnvfree(&cs.cv);
+        return nullptr;
+    }
+    qqctable(&cs.cv, b->clr.colmap, b->clr.vltkind);
+    qqflsh(b);
+    return &cs.cv;
+}
+
+void qqcellpictureend(glbblk *b) noexcept {
+    CanvasState &cs = b->cnv;
+    if (!cs.cv.pix) return;
+    qqcflush(&cs.cv);
+    const ScaleRecord &r = b->ax.rec;
+    int flg = cs.imgbflg, box[4] = {cs.imgbx[0], cs.imgbx[1], cs.imgbx[2], cs.imgbx[3]};
+    cs.imgbflg = 1;
+    cs.imgbx[0] = r.nxa;
+    cs.imgbx[1] = r.nya - r.nyl + 1;
+    cs.imgbx[2] = r.nxl;
+    cs.imgbx[3] = r.nyl;
+    cs.embed(b);
+    cs.imgbflg = flg;
+    for (int k = 0; k < 4; ++k) cs.imgbx[k] = box[k];
+    qqcnvfree(&cs.cv);
 }
 
 void qqclrtri(glbblk *b, const double *x, const double *y, const double *c) noexcept {
