@@ -9,6 +9,7 @@
 
 #include "axes/axes.h"
 #include "axes/axis_draw.h"
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -140,7 +141,9 @@ void qqbar3(glbblk *b) noexcept {
     int lo = b->clr.minidx, hi = b->clr.maxidx;
     int n = hi - lo + 1;
     int saved = b->dev.curclr;
-    bool seamless = b->core.devcod >= 501 && b->core.devcod <= 600;
+    // PostScript and PDF renderers show a seam at the ends of the bar
+    // unless the colours reach a unit beyond them.
+    bool seamless = qqdevkind(b) == QQ_KIND_PAGE;
     double band = colored / n;
     for (int i = 1; i <= n && band >= 0; ++i) {
         double p0 = start + (i - 1) * band, p1 = start + i * band;

@@ -509,7 +509,7 @@ void qqautres(glbblk *b, int nx, int ny, int wx, int wy) noexcept {
         long long s = ((long long)w - 1 + n - 2) / (n - 1);
         if (s < 1) s = 1;
         if (s > 1000000) s = 1000000;
-        return (int)s + (b->core.devcod > 100 ? 1 : 0);
+        return (int)s + (qqdevkind(b) != QQ_KIND_SCREEN ? 1 : 0);
     };
     b->ax.nxres = size(nx, wx);
     b->ax.nyres = size(ny, wy);

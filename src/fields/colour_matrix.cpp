@@ -8,6 +8,7 @@
 #include <cstddef>
 
 #include "axes/axes.h"
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/text.h"
 #include "core/warnings.h"
@@ -231,8 +232,8 @@ void paint_polygons(glbblk *b, const Polygons &pg) {
     const ColourPlotState &cp = b->cpl;
     bool only = cp.mesh == 2;
     bool smooth = cp.shade == 1 && !only;
-    int dev = b->core.devcod;
-    if (smooth && ((dev >= 101 && dev <= 500) || dev >= 701)) {
+    int kind = qqdevkind(b);
+    if (smooth && kind != QQ_KIND_SCREEN && kind != QQ_KIND_PAGE && kind != QQ_KIND_RASTER) {
         // The colour-number shading needs pixels; a vector file gets the
         // flat colours instead, after the warning.
         qqwar0(b, 40);

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "axes/axes.h"
+#include "core/family.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -60,8 +61,8 @@ int qqcellclr(glbblk *b, double z) noexcept {
 QQPointPaint::QQPointPaint(glbblk *blk, qqcanvas *canvas, int dx, int dy) : b(blk), runs(blk, canvas, dx, dy) {
     wx = b->ax.nxres > 0 ? b->ax.nxres : 1;
     wy = b->ax.nyres > 0 ? b->ax.nyres : 1;
-    int dev = b->core.devcod;
-    pixel = b->cpl.crvmode == 2 && (dev < 201 || (dev >= 601 && dev <= 700));
+    int kind = qqdevkind(b);
+    pixel = b->cpl.crvmode == 2 && (kind == QQ_KIND_SCREEN || kind == QQ_KIND_RASTER);
 }
 
 void QQPointPaint::point(double x, double y, double z) noexcept {
