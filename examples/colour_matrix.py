@@ -9,8 +9,8 @@ of two point sources on a 1000 by 1000 grid, drawn by crvmat in the
 perceptually uniform table VIRI, with a hole of NaN values that nancrv
 leaves unpainted.  Top right: a field on a disk, triangulated ring by ring
 and shaded smoothly by crvtri through the colour table.  Bottom right: 400
-scattered samples of a hill, spread over a 60 by 40 grid by getmat, with the
-samples as symbols coloured by value (curve3).
+scattered samples of a hill, spread over a 60 by 40 grid by getmat, the
+samples marked as crosses.
 """
 import math
 import sys
@@ -78,8 +78,8 @@ def draw(device="PNG", filename="colour_matrix.png"):
 
     # The heat map.
     n = 1000
-    k.axspos(250, 1850)
-    k.ax3len(1300, 1300, 1300)
+    k.axspos(230, 1850)
+    k.ax3len(1250, 1250, 1250)
     k.autres(n, n)
     k.name("x", "X")
     k.name("y", "Y")
@@ -92,10 +92,9 @@ def draw(device="PNG", filename="colour_matrix.png"):
     k.endgrf()
 
     # The triangulated field, shaded smoothly through the colour table.
-    k.setvlt("RAIN")
     k.titlin("Triangulated field (crvtri)", 2)
-    k.axspos(1950, 850)
-    k.ax3len(700, 700, 700)
+    k.axspos(2010, 880)
+    k.ax3len(600, 600, 600)
     k.widbar(50)
     k.shdmod("SMOO", "SURFACE")
     x, y, z, i1, i2, i3 = disk()
@@ -109,19 +108,19 @@ def draw(device="PNG", filename="colour_matrix.png"):
     rng = np.random.default_rng(3)
     sx, sy = rng.uniform(-1, 1, 400), rng.uniform(-1, 1, 400)
     sz = np.exp(-3 * ((sx - 0.2) ** 2 + (sy + 0.1) ** 2))
-    k.titlin("Scattered points (getmat, curve3)", 2)
-    k.axspos(1950, 1850)
+    k.titlin("Scattered points (getmat)", 2)
+    k.axspos(2010, 1870)
     k.autres(60, 40)
     k.graf3(-1.0, 1.0, -1.0, 0.5, -1.0, 1.0, -1.0, 0.5, 0.0, 1.0, 0.0, 0.25)
     zmat = np.zeros((60, 40))
     k.mdfmat(4, 4, 2.0)
     k.getmat(sx, sy, sz, 400, zmat, 60, 40, 0.0)
     k.crvmat(zmat, 60, 40, 1, 1)
-    k.shdmod("SYMB", "CURVE")
-    k.marker(21)
-    k.hsymbl(16)
-    k.curve3(sx, sy, sz, 400)
-    k.shdmod("RECT", "CURVE")
+    k.color("FORE")
+    k.incmrk(-1)
+    k.marker(4)
+    k.hsymbl(14)
+    k.curve(sx, sy, 400)
     k.title()
     k.endgrf()
     k.kolfin()

@@ -306,3 +306,8 @@ def test_bad_input_warns_and_goes_on(capfd):
     assert " <<<< Warning 2: Incorrect parameter in crvmat!   ( 100000)" in w
     assert " <<<< Warning 2: Incorrect parameter in crvqdr!   ( 3)" in w
     assert w[-1] == " <<<< Warning 35: Confusion of graf3d and graf3 in crvmat!"
+
+
+def test_example_on_png_and_svg_alike():
+    from conftest import example_png_and_svg_alike
+    example_png_and_svg_alike("colour_matrix.py")
