@@ -35,7 +35,8 @@ int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len, in
 int qqaxdig(double orl, double step) noexcept;
 
 // The clip rectangle and circle of an axis system whose lower left corner
-// is x, y and size w, h, widened by the grace margin (device layer fields).
+// is x, y and size w, h, widened by the grace margin, handed to the layer
+// as the region that qqclip narrows to.
 void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept;
 // Registers a routine that endgrf runs (at most four, each once); call it
 // from a subsystem's share of the session defaults.

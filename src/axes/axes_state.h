@@ -106,6 +106,10 @@ struct AxesState {
     int crsx, crsy;         // page position of the origin of a crossed system
     int savclr;             // colour saved by graf, restored by endgrf
     int savlev;             // 1 while graf's attributes are saved
+    // The limits that user coordinates are checked against (qqchkd),
+    // set by the axis systems and cleared by endgrf.
+    int chkaxis;            // 0 no limits, 1 axis scaling, 2 grafr, 3 polar
+    double chkx[2], chky[2], chkz[2];  // lower and upper limits
     // What higher layers end at endgrf (curve counters, legends); each
     // registers itself in its share of the session defaults.
     void (*endhook[4])(glbblk *b);

@@ -130,18 +130,17 @@ void do_center(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) 
 }  // namespace
 
 void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept {
-    DeviceState &d = b->dev;
+    const DeviceState &d = b->dev;
     int g = b->ax.grace;
-    d.grace = g;
     int l = d.nxsh + x - g, t = d.nysh + y - h + 1 - g;
     int r = d.nxsh + x + w - 1 + g, bt = d.nysh + y + g;
-    d.axrect[0] = l < 0 ? 0 : l;
-    d.axrect[1] = t < 0 ? 0 : t;
-    d.axrect[2] = r > b->core.nxp ? b->core.nxp : r;
-    d.axrect[3] = bt > b->core.nyp ? b->core.nyp : bt;
-    d.axcirc[0] = (float)(d.nxsh + x + w / 2);
-    d.axcirc[1] = (float)(d.nysh + y - h / 2);
-    d.axcirc[2] = (float)((w < h ? w : h) / 2 + g);
+    int rect[4] = {l < 0 ? 0 : l, t < 0 ? 0 : t, r > b->core.nxp ? b->core.nxp : r,
+                   bt > b->core.nyp ? b->core.nyp : bt};
+    // The circle is kept in single precision, as the clipper has always
+    // compared with it.
+    double circ[3] = {(float)(d.nxsh + x + w / 2), (float)(d.nysh + y - h / 2),
+                      (float)((w < h ? w : h) / 2 + g)};
+    qqaxclip(b, rect, circ, 0);
 }
 
 void qqaxfill(glbblk *b, int x1, int y1, int x2, int y2, int clr) noexcept { fill_box(b, x1, y1, x2, y2, clr); }
@@ -230,12 +229,11 @@ int qqgraf(glbblk *b, double xa, double xe, double xor_, double xstp, double ya,
         ax.crsx = qqround(qqxpos(b, 0.0));
         ax.crsy = qqround(qqypos(b, 0.0));
     }
-    DiagState &dg = b->diag;
-    dg.chkaxis = 1;
-    dg.chkx[0] = r.xmin;
-    dg.chkx[1] = r.xmax;
-    dg.chky[0] = r.ymin;
-    dg.chky[1] = r.ymax;
+    ax.chkaxis = 1;
+    ax.chkx[0] = r.xmin;
+    ax.chkx[1] = r.xmax;
+    ax.chky[0] = r.ymin;
+    ax.chky[1] = r.ymax;
     if (ax.center && (!ax.centdone || ax.centpage != b->sess.pageno)) do_center(b, v, px, py, xl, yl);
     qqaxrect(b, px, py, xl, yl);
     ax.legx = px + xl - 1;
@@ -288,7 +286,7 @@ void endgrf() noexcept {
     for (auto h : ax.endhook)
         if (h) h(b);
     b->core.level = 1;
-    b->diag.chkaxis = 0;
+    ax.chkaxis = 0;
     ax.bar3 = 0;
     if (ax.savlev) {
         if (d.curclr != ax.savclr) qqsetc(b, ax.savclr);

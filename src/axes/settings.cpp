@@ -60,10 +60,23 @@ int user_position(glbblk *b, double x, double y, double *px, double *py) {
     return 1;
 }
 
+// The limits of the coordinate check: the diagnostics ask for them.
+int check_limits(const glbblk *b, double lim[6]) {
+    const AxesState &a = b->ax;
+    lim[0] = a.chkx[0];
+    lim[1] = a.chkx[1];
+    lim[2] = a.chky[0];
+    lim[3] = a.chky[1];
+    lim[4] = a.chkz[0];
+    lim[5] = a.chkz[1];
+    return a.chkaxis;
+}
+
 void axes_init(glbblk *b) {
     // The scaling record and the saved state die with the session too.
     qqaxdefaults(b, &b->ax);
     b->txt.userpos = user_position;
+    b->diag.chklimits = check_limits;
 }
 
 // Each reset row copies its fields from a fresh set of defaults.
@@ -390,7 +403,6 @@ void grace(int ngrace) noexcept {
     glbblk *b = KX_ENTRY("grace");
     if (!b) return;
     b->ax.grace = ngrace;
-    b->dev.grace = ngrace;
 }
 
 void center() noexcept {

@@ -3,6 +3,8 @@
 
 #include <cstdio>
 
+struct glbblk;
+
 struct DiagState {
     int nwarn;              // warnings of the session
     int outu;               // output unit: 0 silent, 1 on, 6 console, 17 error file
@@ -19,7 +21,10 @@ struct DiagState {
     int nnan;               // points with a NaN coordinate in the session
     int nout;               // points outside the axis limits in the session
     int nanon;              // nancrv: NaN coordinates are gaps
-    // What qqchkd compares user values with; the axis systems set it.
-    int chkaxis;            // 0 no limits, 1 axis scaling, 2 grafr, 3 polar
-    double chkx[2], chky[2], chkz[2];  // lower and upper limits
+    // What qqchkd compares user values with, asked of the axis systems
+    // (which own them) once a call: fills lim with the lower and upper
+    // limits of X, Y and Z and returns 0 without limits, 1 for an axis
+    // scaling, 2 for a grafr system, 3 for a polar one.  Set by the axes
+    // in their share of the session defaults; null checks nothing.
+    int (*chklimits)(const glbblk *b, double lim[6]);
 };

@@ -28,7 +28,6 @@ void diag_init(glbblk *b) {
     d.chkon = 1;
     d.proton = 1;
     d.nanon = 0;
-    d.chkaxis = 0;
 }
 
 void diag_release(glbblk *b) { qqerrc(b); }

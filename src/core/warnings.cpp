@@ -225,6 +225,12 @@ bool outside(double v, const double lim[2]) {
     return v < lo || v > hi;
 }
 
+// The axis limits of the moment, by the hook of the axis systems.
+int limits(const glbblk *b, double lim[6]) {
+    const DiagState &d = b->diag;
+    return d.chklimits ? d.chklimits(b, lim) : 0;
+}
+
 void report_out(glbblk *b, const double *v, int dims) {
     char text[96];
     int len = 0;
@@ -247,10 +253,13 @@ void qqchkd(glbblk *b, const double *x, const double *y, int n) noexcept {
     if (d.nanon == 1)
         for (int i = 0; i < n; ++i)
             if (std::isnan(x[i]) || std::isnan(y[i])) d.nnan++;
-    if (d.chkon != 1 || d.outu == 0 || d.chkaxis == 0 || d.chkaxis == 3) return;
+    if (d.chkon != 1 || d.outu == 0) return;
+    double lim[6];
+    int kind = limits(b, lim);
+    if (kind == 0 || kind == 3) return;
     for (int i = 0; i < n; ++i) {
         if (std::isnan(x[i]) || std::isnan(y[i])) continue;
-        bool out = d.chkaxis == 2 ? x[i] < 0 : (outside(x[i], d.chkx) || outside(y[i], d.chky));
+        bool out = kind == 2 ? x[i] < 0 : (outside(x[i], lim) || outside(y[i], lim + 2));
         if (out) {
             d.nout++;
             double v[2] = {x[i], y[i]};
@@ -264,10 +273,13 @@ void qqchk3(glbblk *b, const double *x, const double *y, const double *z, int n)
     if (d.nanon == 1)
         for (int i = 0; i < n; ++i)
             if (std::isnan(x[i]) || std::isnan(y[i]) || std::isnan(z[i])) d.nnan++;
-    if (d.chkon != 1 || d.outu == 0 || d.chkaxis == 0 || d.chkaxis == 3) return;
+    if (d.chkon != 1 || d.outu == 0) return;
+    double lim[6];
+    int kind = limits(b, lim);
+    if (kind == 0 || kind == 3) return;
     for (int i = 0; i < n; ++i) {
         if (std::isnan(x[i]) || std::isnan(y[i]) || std::isnan(z[i])) continue;
-        if (outside(x[i], d.chkx) || outside(y[i], d.chky) || outside(z[i], d.chkz)) {
+        if (outside(x[i], lim) || outside(y[i], lim + 2) || outside(z[i], lim + 4)) {
             d.nout++;
             double v[3] = {x[i], y[i], z[i]};
             report_out(b, v, 3);

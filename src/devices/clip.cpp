@@ -31,10 +31,9 @@ int outcode(const DeviceState &d, double x, double y) {
 void seg_rect(glbblk *b, double x0, double y0, double x1, double y1) {
     const DeviceState &d = b->dev;
     int c0 = outcode(d, x0, y0), c1 = outcode(d, x1, y1);
-    // A map projection of the cylindrical kind: a segment from one side of
-    // the map to the other is a jump across the map, not a line.
-    if (d.mapprj >= 20 && d.mapprj <= 29 && (((c0 & 1) && (c1 & 2)) || ((c0 & 2) && (c1 & 1))))
-        return;
+    // On a map of the cylindrical kind a segment from one side of the map
+    // to the other is a jump across the map, not a line.
+    if (d.clpjump && (((c0 & 1) && (c1 & 2)) || ((c0 & 2) && (c1 & 1)))) return;
     bool moved = false;
     for (int round = 0; round < 8 && (c0 | c1); ++round) {
         if (c0 & c1) return;
@@ -97,7 +96,7 @@ void seg_circle(glbblk *b, double x0, double y0, double x1, double y1) {
             qqout(b, mx, my, x1, y1, true);
         return;
     }
-    if (d.mapprj >= 30 && d.mapprj <= 39 && d.mapcirc && !d.mapshade) return;
+    if (d.clpnochord) return;
     double dx = x1 - x0, dy = y1 - y0;
     if (std::fabs(dx) + std::fabs(dy) < 0.1) return;
     // Both ends outside: the chord of the line through the circle, when it
@@ -183,19 +182,36 @@ void qqclip(glbblk *b, int back) noexcept {
     d.savclp[2] = d.clpx2;
     d.savclp[3] = d.clpy2;
     if (d.clpmd == 1) return;
-    if (d.clpmd == 2 || d.axpolar || (d.mapprj >= 30 && d.mapprj <= 39 && d.mapcirc && d.clpmd == 0)) {
+    if (d.clpmd == 2 || d.axround == 1 || (d.axround == 2 && d.clpmd == 0)) {
         d.clpcir = 1;
-        d.ccx = d.axcirc[0];
-        d.ccy = d.axcirc[1];
-        d.ccr = d.axcirc[2];
+        d.ccx = d.axccx;
+        d.ccy = d.axccy;
+        d.ccr = d.axccr;
         return;
     }
     d.clpcir = 0;
-    if (d.axrect[0] > d.clpx1) d.clpx1 = d.axrect[0];
-    if (d.axrect[1] > d.clpy1) d.clpy1 = d.axrect[1];
-    if (d.axrect[2] < d.clpx2) d.clpx2 = d.axrect[2];
-    if (d.axrect[3] < d.clpy2) d.clpy2 = d.axrect[3];
+    if (d.axclp[0] > d.clpx1) d.clpx1 = d.axclp[0];
+    if (d.axclp[1] > d.clpy1) d.clpy1 = d.axclp[1];
+    if (d.axclp[2] < d.clpx2) d.clpx2 = d.axclp[2];
+    if (d.axclp[3] < d.clpy2) d.clpy2 = d.axclp[3];
     qqclipdev(b, 1);
+}
+
+void qqaxclip(glbblk *b, const int rect[4], const double circ[3], int round) noexcept {
+    DeviceState &d = b->dev;
+    for (int i = 0; i < 4; ++i) d.axclp[i] = rect[i];
+    d.axccx = circ[0];
+    d.axccy = circ[1];
+    d.axccr = circ[2];
+    d.axround = (unsigned char)(round == 1 || round == 2 ? round : 0);
+}
+
+void qqmapclip(glbblk *b, int jump, int nochord, int softfill) noexcept {
+    DeviceState &d = b->dev;
+    qqflsh(b);  // what is pending was clipped under the old rules
+    d.clpjump = jump ? 1 : 0;
+    d.clpnochord = nochord ? 1 : 0;
+    d.softfill = softfill ? 1 : 0;
 }
 
 void clpwin(int nx, int ny, int nw, int nh) noexcept {
@@ -276,7 +292,7 @@ void getclp(int *nx, int *ny, int *nw, int *nh) noexcept {
     const DeviceState &d = b->dev;
     *nx = d.clpx1;
     *ny = qqyflpi(b, d.clpy1);
-    // A window widened by a huge grace margin still reports a size that fits.
+    // A window widened by a huge margin still reports a size that fits.
     long long w = (long long)d.clpx2 - d.clpx1 + 1, h = (long long)d.clpy2 - d.clpy1 + 1;
     *nw = (int)std::min<long long>(w, 2147483647LL);
     *nh = (int)std::min<long long>(h, 2147483647LL);

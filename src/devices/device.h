@@ -109,6 +109,19 @@ int qqin(glbblk *b, double x, double y) noexcept;
 void qqclippage(glbblk *b) noexcept;
 // Sends the clip window to a driver that clips itself.
 void qqclipdev(glbblk *b, int narrowing) noexcept;
+// The region qqclip(0) narrows to: a rectangle (left, top, right, bottom,
+// inclusive, absolute plot coordinates) and a circle (centre x, y and
+// radius).  round 0 clips to the rectangle, 1 to the circle whatever
+// clpmod says (a polar system), 2 to the circle under clpmod AUTO (a map
+// in a round frame).  The axis systems call it; the layer keeps no other
+// trace of them.
+void qqaxclip(glbblk *b, const int rect[4], const double circ[3], int round) noexcept;
+// What a map projection asks of the clipper: jump 1 drops a segment whose
+// ends lie left and right of the window (it crosses the map's seam);
+// nochord 1 draws nothing of a segment with both ends outside the clip
+// circle; softfill 1 keeps filled areas off the driver's polygon fill,
+// which knows nothing of a curved frame.  All 0 without a map.
+void qqmapclip(glbblk *b, int jump, int nochord, int softfill) noexcept;
 // Filled rectangle, corners in plot coordinates before the origin shift,
 // in a colour value: the driver's rectangle with hwmode SHAD on, else solid
 // lines.

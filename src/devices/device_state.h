@@ -22,13 +22,14 @@ struct DeviceState {
     unsigned char clpmd;       // clpmod: 0 AUTO, 1 NONE, 2 CIRC, 3 RECT
     int clpcir;                // 1 while the clip region is a circle
     double ccx, ccy, ccr;      // the clip circle
-    int axrect[4];             // the axis system's rectangle, set by graf
-    double axcirc[3];          // the axis system's clip circle
-    int axpolar;               // 1 in a polar axis system
-    int grace;                 // margin of the axis rectangle (grace)
-    int mapprj;                // map projection code, 0 without a map
-    int mapcirc;               // 1 when the map has a circular frame
-    int mapshade;              // 1 while map shading is at work
+    // The region qqclip(0) narrows to, handed over by the axis systems
+    // (qqaxclip), and what a map asks of the clipper (qqmapclip).
+    int axclp[4];              // its rectangle: left, top, right, bottom, inclusive
+    double axccx, axccy, axccr;  // its circle
+    unsigned char axround;     // 0 rectangle, 1 circle always, 2 circle under clpmod AUTO
+    unsigned char clpjump;     // a segment across the window in X is a jump: dropped
+    unsigned char clpnochord;  // a segment with both ends outside the circle: nothing
+    unsigned char softfill;    // fills take the software path, never the driver's
     int lnwid;                 // line width; negative when the device draws it
     int lnjn;                  // lnjoin: 0 SHAR, 1 ROUN, 2 TRUN
     int lncp;                  // lncap: 0 CUT, 1 ROUN, 2 LONG
@@ -55,7 +56,7 @@ struct DeviceState {
     unsigned char fclrnone;    // filclr NONE: included colours are ignored
     // Hooks of later stages: a position mapped into the 3-D plane, and a
     // segment test of hidden lines or shields.  Null when not in use.
-    void (*plane)(glbblk *b, double *x, double *y);
+    void (*planemap)(glbblk *b, double *x, double *y);
     int (*segtest)(glbblk *b, double x0, double y0, double x1, double y1);
     // Strokes a hardware character that the driver refused (the text
     // subsystem sets it at kolini); null draws nothing.

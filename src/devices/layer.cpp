@@ -51,9 +51,8 @@ void devices_init(glbblk *b) {
     d.clpflg = 0;
     d.clpmd = 0;
     d.clpcir = 0;
-    d.grace = -1;
-    d.axpolar = 0;
-    d.mapprj = d.mapcirc = d.mapshade = 0;
+    d.axround = 0;
+    d.clpjump = d.clpnochord = d.softfill = 0;
     d.lnjn = 2;
     d.lncp = 2;
     d.lnml = 2.0;
@@ -69,7 +68,7 @@ void devices_init(glbblk *b) {
     d.pl3on = 0;
     d.trfon = 0;
     d.lnsmooth = 0;
-    d.plane = nullptr;
+    d.planemap = nullptr;
     d.segtest = nullptr;
     // The session starts with a thin line and the whole page as clip
     // window; the colour table's share then sets the foreground colour.

@@ -16,7 +16,7 @@ namespace {
 
 void transform(glbblk *b, double &x, double &y) {
     DeviceState &d = b->dev;
-    if (d.pl3on == 1 && d.plane) d.plane(b, &x, &y);
+    if (d.pl3on == 1 && d.planemap) d.planemap(b, &x, &y);
     if (d.trfon == 1) {
         double tx = d.trf[0] * x + d.trf[1] * y + d.trf[2];
         double ty = d.trf[3] * x + d.trf[4] * y + d.trf[5];

@@ -56,13 +56,13 @@ struct MatrixSave {
     double chkx[2], chky[2];
     int log[2];
     explicit MatrixSave(glbblk *blk) : b(blk) {
-        const DiagState &d = b->diag;
+        const AxesState &d = b->ax;
         chkx[0] = d.chkx[0], chkx[1] = d.chkx[1], chky[0] = d.chky[0], chky[1] = d.chky[1];
         log[0] = b->ax.rec.log[0];
         log[1] = b->ax.rec.log[1];
     }
     ~MatrixSave() {
-        DiagState &d = b->diag;
+        AxesState &d = b->ax;
         d.chkx[0] = chkx[0], d.chkx[1] = chkx[1], d.chky[0] = chky[0], d.chky[1] = chky[1];
         b->ax.rec.log[0] = log[0];
         b->ax.rec.log[1] = log[1];
@@ -72,7 +72,7 @@ struct MatrixSave {
 // A spread axis: test limits are the axis values, without logarithm.
 void spread(glbblk *b, int axis) {
     ScaleRecord &r = b->ax.rec;
-    double *lim = axis == 0 ? b->diag.chkx : b->diag.chky;
+    double *lim = axis == 0 ? b->ax.chkx : b->ax.chky;
     lim[0] = r.a[axis] < r.e[axis] ? r.a[axis] : r.e[axis];
     lim[1] = r.a[axis] < r.e[axis] ? r.e[axis] : r.a[axis];
     r.log[axis] = 0;

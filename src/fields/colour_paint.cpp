@@ -67,16 +67,17 @@ QQPointPaint::QQPointPaint(glbblk *blk, qqcanvas *canvas, int dx, int dy) : b(bl
 
 void QQPointPaint::point(double x, double y, double z) noexcept {
     DiagState &d = b->diag;
+    const AxesState &ax = b->ax;
     if (std::isnan(x) || std::isnan(y)) {
         if (d.nanon == 1) d.nnan++;
         return;
     }
-    if (d.chkaxis == 1) {
+    if (ax.chkaxis == 1) {
         auto out = [](double v, const double *lim) {
             double lo = std::min(lim[0], lim[1]), hi = std::max(lim[0], lim[1]);
             return v < lo || v > hi;
         };
-        if (out(x, d.chkx) || out(y, d.chky)) {
+        if (out(x, ax.chkx) || out(y, ax.chky)) {
             qqchkd(b, &x, &y, 1);
             return;
         }

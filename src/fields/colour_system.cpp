@@ -35,9 +35,8 @@ void graf3(double xa, double xe, double xor_, double xstp, double ya, double ye,
         ax.bar3 = 0;
         return;
     }
-    DiagState &d = b->diag;
-    d.chkz[0] = b->zsc.lo;
-    d.chkz[1] = b->zsc.hi;
+    ax.chkz[0] = b->zsc.lo;
+    ax.chkz[1] = b->zsc.hi;
     if (!ax.nobar && !ax.nogrf) qqbar3(b);
     b->core.level = 3;
 }

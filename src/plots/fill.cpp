@@ -134,7 +134,7 @@ void qqpfill(glbblk *b, double *x, double *y, int n) noexcept {
     qqflsh(b);
     const DeviceState &d = b->dev;
     if (d.hwshd && s.patnum == QQ_SOLID_PATTERN) {
-        bool software = d.segtest != nullptr || d.pl3on != 0 || d.mapprj >= 30;
+        bool software = d.segtest != nullptr || d.pl3on != 0 || d.softfill;
         if (!software && qqdevpoly(b, x, y, n)) return;
     }
     if (s.patnum == QQ_SOLID_PATTERN) {

@@ -150,7 +150,7 @@ void plane_open(glbblk *b, const double c1[3], const double c2[3], const double 
     s.pnxl = b->ax.nlen[0];
     s.pnyl = b->ax.nlen[1];
     s.plane = 1;
-    b->dev.plane = plane_map;
+    b->dev.planemap = plane_map;
     b->dev.pl3on = 1;
 }
 

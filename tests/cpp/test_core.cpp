@@ -255,13 +255,14 @@ TEST(coordinate_check_counts_and_reports) {
     glbblk *b = quiet_block();
     kolini();
     DiagState &d = b->diag;
-    d.chkaxis = 1;
-    d.chkx[0] = 0;
-    d.chkx[1] = 10;
-    d.chky[0] = 5;  // limits may run either way
-    d.chky[1] = -5;
-    d.chkz[0] = 0;
-    d.chkz[1] = 1;
+    AxesState &a = b->ax;  // the axis systems own the limits
+    a.chkaxis = 1;
+    a.chkx[0] = 0;
+    a.chkx[1] = 10;
+    a.chky[0] = 5;  // limits may run either way
+    a.chky[1] = -5;
+    a.chkz[0] = 0;
+    a.chkz[1] = 1;
     std::FILE *log = std::tmpfile();
     d.errfp = log;
     d.outu = 6;
@@ -299,10 +300,10 @@ TEST(coordinate_check_counts_and_reports) {
     // A polar system is not checked; grafr only for x below 0.
     nochek();
     d.chkon = 1;
-    d.chkaxis = 3;
+    a.chkaxis = 3;
     qqchkd(b, x, y, 5);
     CHECK_EQ(d.nout, 7);
-    d.chkaxis = 2;
+    a.chkaxis = 2;
     d.outu = 0;
     qqchkd(b, x, y, 5);
     CHECK_EQ(d.nout, 7);  // output off: no check
@@ -317,7 +318,7 @@ TEST(coordinate_check_counts_and_reports) {
     char banner[700];
     qqbanner(b, 1, banner, sizeof banner);
     CHECK(std::strstr(banner, ("\n <<  NaN     : 5" + std::string(47, ' ') + "  <<\n").c_str()));
-    d.chkaxis = 0;
+    a.chkaxis = 0;
     d.outu = 0;
     kolfin();
 }

@@ -214,6 +214,50 @@ TEST(circle_clipping_inside_crossing_and_outside) {
     end(b);
 }
 
+// The axes and maps hand the layer its clip region; the layer alone decides
+// by it.
+TEST(axis_region_and_map_rules_handed_to_the_layer) {
+    testkit::RecordingDriver rec;
+    glbblk *b = session(rec);
+    const int rect[4] = {100, 100, 900, 900};
+    const double circ[3] = {500, 500, 100};
+    qqaxclip(b, rect, circ, 0);
+    qqclip(b, 0);
+    CHECK_EQ(b->dev.clpx1, 100);
+    CHECK_EQ(b->dev.clpcir, 0);
+    qqmapclip(b, 1, 0, 0);  // a map with a seam: a jump across it is dropped
+    segment(b, 50, 500, 950, 500);
+    qqflsh(b);
+    CHECK_EQ(strokes(rec).size(), 0u);
+    qqmapclip(b, 0, 0, 0);
+    segment(b, 50, 500, 950, 500);
+    qqflsh(b);
+    CHECK_EQ(strokes(rec).size(), 1u);
+    qqclip(b, 1);
+    // A round map frame: the circle under clpmod AUTO, the rectangle under
+    // RECT; a polar system: the circle under RECT too.
+    qqaxclip(b, rect, circ, 2);
+    qqclip(b, 0);
+    CHECK_EQ(b->dev.clpcir, 1);
+    qqmapclip(b, 0, 1, 0);  // and no chord of a line that passes the frame
+    rec.ops.clear();
+    segment(b, 300, 500, 700, 500);
+    qqflsh(b);
+    CHECK_EQ(strokes(rec).size(), 0u);
+    qqclip(b, 1);
+    clpmod("RECT");
+    qqclip(b, 0);
+    CHECK_EQ(b->dev.clpcir, 0);
+    qqclip(b, 1);
+    qqaxclip(b, rect, circ, 1);
+    qqclip(b, 0);
+    CHECK_EQ(b->dev.clpcir, 1);
+    CHECK_EQ(b->dev.ccr, 100.0);
+    qqclip(b, 1);
+    qqmapclip(b, 0, 0, 0);
+    end(b);
+}
+
 TEST(dash_pattern_walks_across_segments_and_lines) {
     testkit::RecordingDriver rec;
     glbblk *b = session(rec);
