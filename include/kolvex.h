@@ -433,6 +433,8 @@ KOLVEX_API void crvtri(const double *xray, const double *yray, const double *zra
 KOLVEX_API void curve3(const double *xray, const double *yray, const double *zray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void frmbar(int nfrm) KOLVEX_NOEXCEPT;
 KOLVEX_API void getmat(const double *xray, const double *yray, const double *zray, int n, double *zmat, int nx, int ny, double zval, int *imat, double *wmat) KOLVEX_NOEXCEPT;
+KOLVEX_API void getvk(int *nytit, int *nxbar, int *nybar) KOLVEX_NOEXCEPT;
+KOLVEX_API int getwid(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void graf3(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor, double ystp, double za, double ze, double zor, double zstp) KOLVEX_NOEXCEPT;
 KOLVEX_API void hsym3d(double xh) KOLVEX_NOEXCEPT;
 KOLVEX_API void jusbar(const char *copt) KOLVEX_NOEXCEPT;

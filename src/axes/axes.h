@@ -60,6 +60,8 @@ void qqaxsides(glbblk *b, int ext[4]) noexcept;
 // center uses while a graf3 system is being opened.
 void qqbar3(glbblk *b) noexcept;
 void qqbarsides(glbblk *b, int ext[4]) noexcept;
+// The axis lengths of axslen, with its tests; false after a warning.
+bool qqaxslen(glbblk *b, int nxl, int nyl) noexcept;
 // The point size of colour rectangles for a grid of nx by ny points over
 // lengths wx, wy (plot units); stores it in nxres, nyres.
 void qqautres(glbblk *b, int nx, int ny, int wx, int wy) noexcept;

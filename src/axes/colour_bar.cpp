@@ -111,8 +111,11 @@ void qqbar3(glbblk *b) noexcept {
     const ScaleRecord &r = ax.rec;
     int nxa = r.nxa, nya = r.nya, nxl = r.nxl, nyl = r.nyl;
     int len = ax.nlen[2], w = ax.widbar, s = ax.spcbar, vx = ax.vkxbar, vy = ax.vkybar;
-    int L[4];
-    qqaxsides(b, L);
+    // L(k) of the sides 0 bottom, 1 right, 2 top, 3 left, from the
+    // extents below, left, above, right.
+    int ext[4];
+    qqaxsides(b, ext);
+    const int L[4] = {ext[0], ext[3], ext[2], ext[1]};
     int bx, by;
     if (vertical(ax)) {
         bx = ax.posbar == FIXE   ? nxa + vx + s + nxl
@@ -176,15 +179,5 @@ void ax3len(int nxl, int nyl, int nzl) noexcept {
     if (!b) return;
     int longer = b->core.nxp > b->core.nyp ? b->core.nxp : b->core.nyp;
     if (qqchki(b, nzl, 2, longer)) return;
-    if (nxl < 2) {
-        qqwarn(b, 2, nxl);
-        return;
-    }
-    if (nyl < 2) {
-        qqwarn(b, 2, nyl);
-        return;
-    }
-    b->ax.nlen[0] = nxl;
-    b->ax.nlen[1] = nyl;
-    b->ax.nlen[2] = nzl;
+    if (qqaxslen(b, nxl, nyl)) b->ax.nlen[2] = nzl;
 }

@@ -410,17 +410,21 @@ void neglog(double eps) noexcept {
 
 void axslen(int nxl, int nyl) noexcept {
     glbblk *b = KX_ENTRY("axslen");
-    if (!b) return;
+    if (b) qqaxslen(b, nxl, nyl);
+}
+
+bool qqaxslen(glbblk *b, int nxl, int nyl) noexcept {
     if (nxl < 2) {
         qqwarn(b, 2, nxl);
-        return;
+        return false;
     }
     if (nyl < 2) {
         qqwarn(b, 2, nyl);
-        return;
+        return false;
     }
     b->ax.nlen[0] = nxl;
     b->ax.nlen[1] = nyl;
+    return true;
 }
 
 void axspos(int nxa, int nya) noexcept {

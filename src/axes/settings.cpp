@@ -533,3 +533,17 @@ void labclr(int nclr, const char *copt) noexcept {
     int k = qqkey(b, "BAR +PIE +CON ", 3, copt);
     if (k > 0) b->ax.labclr[k - 1] = nclr;
 }
+
+void getvk(int *nytit, int *nxbar, int *nybar) noexcept {
+    *nytit = *nxbar = *nybar = 0;
+    glbblk *b = KX_ENTRY("getvk");
+    if (!b) return;
+    *nytit = b->ax.vkytit;
+    *nxbar = b->ax.vkxbar;
+    *nybar = b->ax.vkybar;
+}
+
+int getwid() noexcept {
+    glbblk *b = KX_ENTRY("getwid");
+    return b ? b->ax.widbar : 0;
+}
