@@ -4,6 +4,7 @@
 // Each saves what it changes (colour, clipping, test limits, logarithm
 // flags) and gives it back on every way out.  Nothing is allocated: cells
 // stream into QQCellRuns, which merges runs of one colour.
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -22,7 +23,7 @@ namespace {
 
 // Sub-points per matrix cell beyond which a call is refused: more cannot
 // show on any page and would only make the call run for hours.
-const double kMaxSubPoints = 4e8;
+const double kMaxSubPoints = 1e8;
 // Cells beyond which a page format gets the matrix as one picture: a file
 // of rectangles would grow with the matrix, a picture only with the area.
 const double kPictureCells = 20000;
@@ -132,8 +133,10 @@ void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
         if (mode == 3 || mode == 4) spread(b, 0);
         if (mode == 3 || mode == 5) spread(b, 1);
     }
-    if (mode == 1 || mode > 2)
-        qqautres(b, (ax.autrx - 1) * ixpts + 1, (ax.autry - 1) * iypts + 1, ax.rec.nxl, ax.rec.nyl);
+    if (mode == 1 || mode > 2) {
+        long long gx = (long long)(ax.autrx - 1) * ixpts + 1, gy = (long long)(ax.autry - 1) * iypts + 1;
+        qqautres(b, (int)std::min(gx, 1000000000LL), (int)std::min(gy, 1000000000LL), ax.rec.nxl, ax.rec.nyl);
+    }
     double xa, xe, ya, ye;
     axis_limits(b, 0, &xa, &xe);
     axis_limits(b, 1, &ya, &ye);
