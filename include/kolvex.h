@@ -256,6 +256,7 @@ KOLVEX_API int nxpixl(int ix, int iy) KOLVEX_NOEXCEPT;
 KOLVEX_API int nxposn(double x) KOLVEX_NOEXCEPT;
 KOLVEX_API int nypixl(int ix, int iy) KOLVEX_NOEXCEPT;
 KOLVEX_API int nyposn(double y) KOLVEX_NOEXCEPT;
+KOLVEX_API int nzposn(double z) KOLVEX_NOEXCEPT;
 KOLVEX_API void origin(int nx, int ny) KOLVEX_NOEXCEPT;
 KOLVEX_API void scale(const char *cscl, const char *cax) KOLVEX_NOEXCEPT;
 KOLVEX_API void setscl(const double *ray, int n, const char *copt) KOLVEX_NOEXCEPT;
@@ -322,6 +323,8 @@ KOLVEX_API void bezier(const double *xray, const double *yray, int n, double *x,
 KOLVEX_API void chnatt(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void chncrv(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void curve(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void curvx3(const double *xray, double y, const double *zray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void curvy3(double x, const double *yray, const double *zray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void errbar(const double *x, const double *y, const double *err1, const double *err2, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void gapcrv(double xgap) KOLVEX_NOEXCEPT;
 KOLVEX_API void gapsiz(double xgap, const char *cax) KOLVEX_NOEXCEPT;
@@ -429,6 +432,35 @@ KOLVEX_API void conmod(double xfac, double xquot) KOLVEX_NOEXCEPT;
 KOLVEX_API void conpts(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev, double *xpts, double *ypts, int maxpts, int *nptray, int maxlin, int *nlins) KOLVEX_NOEXCEPT;
 KOLVEX_API void contur2(const double *xmat, const double *ymat, const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
 KOLVEX_API void contur(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev) KOLVEX_NOEXCEPT;
+
+/* Colour matrix plots */
+KOLVEX_API void autres(int ixdim, int iydim) KOLVEX_NOEXCEPT;
+KOLVEX_API void autres3d(int ix, int iy, int iz) KOLVEX_NOEXCEPT;
+KOLVEX_API void ax3len(int nxl, int nyl, int nzl) KOLVEX_NOEXCEPT;
+KOLVEX_API void colran(int nca, int nce) KOLVEX_NOEXCEPT;
+KOLVEX_API void colray(const double *zray, int *icray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) KOLVEX_NOEXCEPT;
+KOLVEX_API void crvqdr(const double *xray, const double *yray, const double *zray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void crvtri(const double *xray, const double *yray, const double *zray, int n, const int *i1ray, const int *i2ray, const int *i3ray, int ntri) KOLVEX_NOEXCEPT;
+KOLVEX_API void curve3(const double *xray, const double *yray, const double *zray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void frmbar(int nfrm) KOLVEX_NOEXCEPT;
+KOLVEX_API void getmat(const double *xray, const double *yray, const double *zray, int n, double *zmat, int nx, int ny, double zval, int *imat, double *wmat) KOLVEX_NOEXCEPT;
+KOLVEX_API void getvk(int *nytit, int *nxbar, int *nybar) KOLVEX_NOEXCEPT;
+KOLVEX_API int getwid(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void graf3(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor, double ystp, double za, double ze, double zor, double zstp) KOLVEX_NOEXCEPT;
+KOLVEX_API void hsym3d(double xh) KOLVEX_NOEXCEPT;
+KOLVEX_API void jusbar(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void mdfmat(int ix, int iy, double weight) KOLVEX_NOEXCEPT;
+KOLVEX_API void nobar(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void nobgd(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void posbar(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void setres(int npb, int npy) KOLVEX_NOEXCEPT;
+KOLVEX_API void setres3d(double xl, double yl, double zl) KOLVEX_NOEXCEPT;
+KOLVEX_API void spcbar(int nspc) KOLVEX_NOEXCEPT;
+KOLVEX_API void vkxbar(int nshift) KOLVEX_NOEXCEPT;
+KOLVEX_API void vkybar(int nshift) KOLVEX_NOEXCEPT;
+KOLVEX_API void widbar(int nwid) KOLVEX_NOEXCEPT;
+KOLVEX_API void thkc3d(double xthk) KOLVEX_NOEXCEPT;
 
 /* 3-D axis system and projection */
 KOLVEX_API void abs3pt(double x, double y, double z, double *xp, double *yp) KOLVEX_NOEXCEPT;

@@ -47,13 +47,30 @@ void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept;
 // from a subsystem's share of the session defaults.
 void qqaxhook(glbblk *b, void (*fn)(glbblk *)) noexcept;
 
-// Public routines kept by the axes whose table lines come with the colour
-// plots: colour rectangles and colour-bar distances.
-void setres(int nx, int ny) noexcept;
-void autres(int ixdim, int iydim) noexcept;
-void vkxbar(int nshift) noexcept;
-void vkybar(int nshift) noexcept;
-void widbar(int nwid) noexcept;
+// The body of graf for the axis systems built on it (graf3): returns 1
+// when the scaling was refused and the level stays 1.
+int qqgraf(glbblk *b, double xa, double xe, double xor_, double xstp, double ya, double ye, double yor,
+           double ystp) noexcept;
+// A filled rectangle of plot coordinates in a colour, and a frame of
+// thickness t round one (outward, inward when negative; clr -1 current).
+void qqaxfill(glbblk *b, int x1, int y1, int x2, int y2, int clr) noexcept;
+void qqaxframe(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) noexcept;
+// The room of ticks, labels and names on the four sides of the system in
+// force: below, left, above, right.
+void qqaxsides(glbblk *b, int ext[4]) noexcept;
+
+// The colour bar of graf3 (axes/colour_bar.cpp).  qqbar3 places and draws
+// it for the system in force; za, ze, zor, zstp are the z scaling (axis
+// values).  qqbarsides adds the room of the bar to the side extents that
+// center uses while a graf3 system is being opened.
+void qqbar3(glbblk *b) noexcept;
+void qqbarsides(glbblk *b, int ext[4]) noexcept;
+// The axis lengths of axslen, with its tests; false after a warning.
+bool qqaxslen(glbblk *b, int nxl, int nyl) noexcept;
+// The point size of colour rectangles for a grid of nx by ny points over
+// lengths wx, wy (plot units); stores it in nxres, nyres.
+void qqautres(glbblk *b, int nx, int ny, int wx, int wy) noexcept;
+
 
 // Helpers of the axis settings: the axes named in an option string (bit 0
 // X, 1 Y, 2 Z), and the label type of an axis with what it implies.

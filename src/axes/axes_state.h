@@ -84,6 +84,14 @@ struct AxesState {
     int titpos;             // 0 ABOV, 1 BELO
     int vkytit;             // title shift
     int vkxbar, vkybar, widbar;  // colour-bar distances and width
+    int spcbar;             // distance of the bar of graf3 from the axis system
+    int frmbar;             // frame thickness of that bar, 0 none
+    int posbar;             // 0 FIXE, 1 LEFT, 2 RIGH, 3 BOTT, 4 TOP
+    int jusbar;             // 0 STAR, 1 CENT, 2 END
+    int nobar;              // 1 after nobar: graf3 draws no bar
+    // The colour system of graf3, from graf3 to endgrf.
+    int bar3;               // 1 while a graf3 system stands
+    int bar3top;            // the room its bar takes above the system (title offset)
     int expzlb;             // 0 NONE, 1 FIRS, 2 BOTH
     int labclr[3];          // label colours of bars, pies, contours
     int xlab[3];            // label kinds of bars, pies, contours

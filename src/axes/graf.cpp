@@ -59,8 +59,9 @@ void fill_box(glbblk *b, int x1, int y1, int x2, int y2, int clr) {
 }
 
 // The extents of the four sides of the system for center: below, left,
-// above, right.
-void side_extents(glbblk *b, const double v[2][4], int ext[4]) {
+// above, right.  Without titles they are the room of ticks, labels and
+// names alone.
+void side_extents(glbblk *b, const double v[2][4], int ext[4], bool titles = true) {
     const AxesState &ax = b->ax;
     int h = qqaxth(b);
     for (int s = 0; s < 4; ++s) {
@@ -87,6 +88,8 @@ void side_extents(glbblk *b, const double v[2][4], int ext[4]) {
         if (lev >= 4 && ax.name[axis][0]) e += ax.namdis[axis] + ax.hname;
         ext[s] = e;
     }
+    if (!titles) return;
+    qqbarsides(b, ext);
     double t = ax.htit > 0 ? ax.htit : h;
     double ls = qqaxlinesp(b);
     if (ax.titpos == 0) {
@@ -138,9 +141,25 @@ void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept {
     qqaxclip(b, rect, circ, 0);
 }
 
+void qqaxfill(glbblk *b, int x1, int y1, int x2, int y2, int clr) noexcept { fill_box(b, x1, y1, x2, y2, clr); }
+
+void qqaxframe(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) noexcept {
+    draw_frame(b, x1, y1, x2, y2, t, clr);
+}
+
+void qqaxsides(glbblk *b, int ext[4]) noexcept {
+    const ScaleRecord &r = b->ax.rec;
+    double v[2][4] = {{r.a[0], r.e[0], r.orl[0], r.stp[0]}, {r.a[1], r.e[1], r.orl[1], r.stp[1]}};
+    side_extents(b, v, ext, false);
+}
+
 void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor, double ystp) noexcept {
     glbblk *b = KX_ENTRY("graf");
-    if (!b) return;
+    if (b) qqgraf(b, xa, xe, xor_, xstp, ya, ye, yor, ystp);
+}
+
+int qqgraf(glbblk *b, double xa, double xe, double xor_, double xstp, double ya, double ye, double yor,
+           double ystp) noexcept {
     AxesState &ax = b->ax;
     b->core.level = 2;
     ax.rec.type = 0;
@@ -150,13 +169,13 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
     int px = ax.nxa, py = ax.nya;
     if (qqtstscl(b, xa, xe, xor_, xstp, xl, px, 4) || qqtstscl(b, ya, ye, yor, ystp, yl, py, 5)) {
         b->core.level = 1;
-        return;
+        return 1;
     }
     bool crossed = ax.axtyp == 1;
     if (crossed && (ax.scl[0] || ax.scl[1])) {
         qqwar1(b, 150, "Crossed axis systems must have linear scaling");
         b->core.level = 1;
-        return;
+        return 1;
     }
     ScaleRecord &r = ax.rec;
     double v[2][4] = {{xa, xe, xor_, xstp}, {ya, ye, yor, ystp}};
@@ -173,7 +192,7 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
         if (!inx || !iny) {
             qqwar1(b, 151, "No origin found for crossed axis system");
             b->core.level = 1;
-            return;
+            return 1;
         }
         if (ax.orgflg) {
             px = (int)std::trunc(ax.nxorg + (xl - 1) * xa / (xe - xa));
@@ -223,7 +242,7 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
     ax.ncy = py - yl / 2;
     ax.savclr = b->dev.curclr;
     ax.savlev = 1;
-    if (ax.nogrf) return;
+    if (ax.nogrf) return 0;
     if (ax.bgclr != -1) fill_box(b, px, py - yl + 1, px + xl - 1, py, ax.bgclr);
     AxisCall c{};
     if (crossed) {
@@ -231,7 +250,7 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
         qqaxis(b, c);
         c = {1, ya, ye, yor, ystp, yl, ax.crsx, py, 1, r.log[1], ax.grfsid[1], 1};
         qqaxis(b, c);
-        return;
+        return 0;
     }
     c = {0, xa, xe, xor_, xstp, xl, px, py, 0, r.log[0], ax.grfsid[0], 0};
     qqaxis(b, c);
@@ -244,6 +263,7 @@ void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, 
         qqaxis(b, c);
     }
     draw_frame(b, px, py - yl + 1, px + xl - 1, py, ax.frmthk, ax.frmcol);
+    return 0;
 }
 
 void qqaxhook(glbblk *b, void (*fn)(glbblk *)) noexcept {
@@ -267,6 +287,7 @@ void endgrf() noexcept {
         if (h) h(b);
     b->core.level = 1;
     ax.chkaxis = 0;
+    ax.bar3 = 0;
     if (ax.savlev) {
         if (d.curclr != ax.savclr) qqsetc(b, ax.savclr);
         ax.savlev = 0;
@@ -335,7 +356,8 @@ void title() noexcept {
     int h = qqaxth(b);
     double ls = qqaxlinesp(b);
     int px = ax.rec.nxa, py = ax.rec.nya, xl = ax.rec.nxl, yl = ax.rec.nyl;
-    int o = 0;
+    // A colour bar above the system pushes the titles up by its room.
+    int o = ax.bar3 && ax.posbar == 4 ? ax.bar3top : 0;
     for (int i = 0; i < 4; ++i) {
         const char *t = ax.title[i];
         if (!t[0]) continue;

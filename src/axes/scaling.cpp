@@ -410,17 +410,21 @@ void neglog(double eps) noexcept {
 
 void axslen(int nxl, int nyl) noexcept {
     glbblk *b = KX_ENTRY("axslen");
-    if (!b) return;
+    if (b) qqaxslen(b, nxl, nyl);
+}
+
+bool qqaxslen(glbblk *b, int nxl, int nyl) noexcept {
     if (nxl < 2) {
         qqwarn(b, 2, nxl);
-        return;
+        return false;
     }
     if (nyl < 2) {
         qqwarn(b, 2, nyl);
-        return;
+        return false;
     }
     b->ax.nlen[0] = nxl;
     b->ax.nlen[1] = nyl;
+    return true;
 }
 
 void axspos(int nxa, int nya) noexcept {
@@ -456,16 +460,16 @@ void origin(int nx, int ny) noexcept {
 void setres(int nx, int ny) noexcept {
     glbblk *b = KX_ENTRY("setres");
     if (!b) return;
-    if (nx < 0) {
+    // A negative size is refused alone: the other size and the mode are
+    // set all the same.
+    if (nx < 0)
         qqwarn(b, 1, nx);
-        return;
-    }
-    if (ny < 0) {
+    else
+        b->ax.nxres = nx < 1 ? 1 : nx;
+    if (ny < 0)
         qqwarn(b, 1, ny);
-        return;
-    }
-    b->ax.nxres = nx < 1 ? 1 : nx;
-    b->ax.nyres = ny < 1 ? 1 : ny;
+    else
+        b->ax.nyres = ny < 1 ? 1 : ny;
     b->ax.resmod = 0;
 }
 
@@ -498,15 +502,21 @@ void autres(int ixdim, int iydim) noexcept {
     ax.resmod = mode;
     ax.autrx = nx;
     ax.autry = ny;
-    if (b->core.level > 1 && mode != 2) {
-        bool screen = b->core.fam && b->core.fam->kind == QQ_KIND_SCREEN;
-        int rx = (ax.rec.nxl - 1 + nx - 2) / (nx - 1);
-        int ry = (ax.rec.nyl - 1 + ny - 2) / (ny - 1);
-        if (rx < 1) rx = 1;
-        if (ry < 1) ry = 1;
-        ax.nxres = rx + (screen ? 0 : 1);
-        ax.nyres = ry + (screen ? 0 : 1);
-    }
+    if (b->core.level > 1 && mode != 2) qqautres(b, nx, ny, ax.rec.nxl, ax.rec.nyl);
+}
+
+void qqautres(glbblk *b, int nx, int ny, int wx, int wy) noexcept {
+    // Rounded up, and one more on every device but the screen, so that
+    // neighbouring rectangles overlap instead of leaving seams.
+    auto size = [b](int n, int w) {
+        if (n < 2) n = 2;
+        long long s = ((long long)w - 1 + n - 2) / (n - 1);
+        if (s < 1) s = 1;
+        if (s > 1000000) s = 1000000;
+        return (int)s + (qqdevkind(b) != QQ_KIND_SCREEN ? 1 : 0);
+    };
+    b->ax.nxres = size(nx, wx);
+    b->ax.nyres = size(ny, wy);
 }
 
 void axsbgd(int iclr) noexcept {
@@ -653,9 +663,8 @@ void getran(int *nca, int *nce) noexcept {
     *nca = *nce = 0;
     glbblk *b = KX_ENTRY("getran");
     if (!b) return;
-    // The colour range of the colour plots; their own state sets it.
-    *nca = 1;
-    *nce = 254;
+    *nca = b->clr.minidx;
+    *nce = b->clr.maxidx;
 }
 
 namespace {

@@ -19,7 +19,9 @@ void qqaxdefaults(glbblk *b, AxesState *o) noexcept {
     const SessionState &s = b->sess;
     auto px = [b](double v) { return qqpxu(b, v); };
     for (int i = 0; i < 3; ++i) {
-        o->nlen[i] = i < 2 ? s.axdefl[i] : s.axdefl[0];
+        // The third length is that of the colour bar of graf3: as long as
+        // the Y axis unless ax3len says otherwise.
+        o->nlen[i] = i < 2 ? s.axdefl[i] : s.axdefl[1];
         o->ndig[i] = 1;
         o->ntic[i] = 2;
         o->ticpos[i] = 0;
@@ -33,7 +35,7 @@ void qqaxdefaults(glbblk *b, AxesState *o) noexcept {
     }
     o->nxa = s.axdefp[0];
     o->nya = s.axdefp[1];
-    o->nxres = o->nyres = 1;
+    o->nxres = o->nyres = qqpxu(b, 1) > 1 ? qqpxu(b, 1) : 1;
     o->bgclr = -1;
     o->grfsid[0] = o->grfsid[1] = 4;
     o->grfsid[2] = o->grfsid[3] = 2;
@@ -44,6 +46,7 @@ void qqaxdefaults(glbblk *b, AxesState *o) noexcept {
     o->frmcol = -1;
     o->grace = -1;
     o->widbar = px(85);
+    o->spcbar = px(85);
     o->condis = px(500);
     for (int i = 0; i < 5; ++i) o->xdig[i] = 1;
 }
@@ -126,6 +129,8 @@ KX_RESET(r_vkxb, CP(vkxbar))
 KX_RESET(r_vkyb, CP(vkybar))
 KX_RESET(r_vkyt, CP(vkytit))
 KX_RESET(r_widb, CP(widbar))
+KX_RESET(r_noba, CP(nobar))
+KX_RESET(r_ax3l, CP(nlen))
 KX_RESET(r_autr, CP(resmod))
 KX_RESET(r_expz, CP(expzlb))
 KX_RESET(r_axis, CP(axtyp); CP(grtyp); CP(ax2))
@@ -141,7 +146,8 @@ const ResetEntry kResets[] = {
     {"NOLI", r_noli}, {"RGTL", r_rgtl}, {"RVYN", r_rvyn}, {"SCAL", r_scal}, {"SETG", r_setg},
     {"SETR", r_setr}, {"SETS", r_sets}, {"TICK", r_tick}, {"TICL", r_ticl}, {"TICP", r_ticp},
     {"TITL", r_titl}, {"VKXB", r_vkxb}, {"VKYB", r_vkyb}, {"VKYT", r_vkyt}, {"WIDB", r_widb},
-    {"AUTR", r_autr}, {"EXPZ", r_expz}, {"AXIS", r_axis}, {"ORIG", r_orig}, {nullptr, nullptr},
+    {"AUTR", r_autr}, {"EXPZ", r_expz}, {"AXIS", r_axis}, {"ORIG", r_orig}, {"NOBA", r_noba},
+    {"AX3L", r_ax3l}, {nullptr, nullptr},
 };
 
 // Stores a keyword's position (from 0) in the named axes.
@@ -482,7 +488,36 @@ void vkybar(int nshift) noexcept {
 
 void widbar(int nwid) noexcept {
     glbblk *b = KX_ENTRY("widbar");
-    if (b) b->ax.widbar = nwid;
+    if (b && !qqchki(b, nwid, 0, 10000)) b->ax.widbar = nwid;
+}
+
+void spcbar(int nspc) noexcept {
+    glbblk *b = KX_ENTRY("spcbar");
+    if (b) b->ax.spcbar = nspc;
+}
+
+void frmbar(int nfrm) noexcept {
+    glbblk *b = KX_ENTRY("frmbar");
+    if (b) b->ax.frmbar = nfrm;
+}
+
+void posbar(const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("posbar");
+    if (!b) return;
+    int k = qqkey(b, "FIXE+LEFT+RIGH+BOTT+TOP ", 5, copt);
+    if (k > 0) b->ax.posbar = k - 1;
+}
+
+void jusbar(const char *copt) noexcept {
+    glbblk *b = KX_ENTRY("jusbar");
+    if (!b) return;
+    int k = qqkey(b, "STAR+CENT+END ", 3, copt);
+    if (k > 0) b->ax.jusbar = k - 1;
+}
+
+void nobar() noexcept {
+    glbblk *b = KX_ENTRY("nobar");
+    if (b) b->ax.nobar = 1;
 }
 
 void expzlb(const char *cstr) noexcept {
@@ -497,4 +532,18 @@ void labclr(int nclr, const char *copt) noexcept {
     if (!b) return;
     int k = qqkey(b, "BAR +PIE +CON ", 3, copt);
     if (k > 0) b->ax.labclr[k - 1] = nclr;
+}
+
+void getvk(int *nytit, int *nxbar, int *nybar) noexcept {
+    *nytit = *nxbar = *nybar = 0;
+    glbblk *b = KX_ENTRY("getvk");
+    if (!b) return;
+    *nytit = b->ax.vkytit;
+    *nxbar = b->ax.vkxbar;
+    *nybar = b->ax.vkybar;
+}
+
+int getwid() noexcept {
+    glbblk *b = KX_ENTRY("getwid");
+    return b ? b->ax.widbar : 0;
 }

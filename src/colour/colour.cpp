@@ -2,6 +2,8 @@
 // and the routines that set and read colours.
 #include "colour/colour.h"
 
+#include "colour/perceptual.h"
+
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -20,9 +22,17 @@
 
 namespace {
 
-enum Kind { SMAL, RAIN, SPEC, GREY, RRAI, RSPE, RGRE, VGA, TEMP };
+// Kinds 9 to 12 are our perceptually uniform ramps, beyond the classic
+// nine: they behave as RAIN does (black below, white above the range).
+enum Kind { SMAL, RAIN, SPEC, GREY, RRAI, RSPE, RGRE, VGA, TEMP, VIRI, MAGM, INFE, PLAS, NKINDS };
 
-const char kKinds[] = "SMAL+RAIN+SPEC+GREY+RRAI+RSPE+RGRE+VGA +TEMP";
+const char kKinds[] = "SMAL+RAIN+SPEC+GREY+RRAI+RSPE+RGRE+VGA +TEMP+VIRI+MAGM+INFE+PLAS";
+
+// The kinds that keep black at entry 0, white at 255 and a ramp between:
+// the rainbow-like tables.
+bool ramp_kind(int kind) {
+    return kind == RAIN || kind == SPEC || kind == GREY || kind == TEMP || kind >= VIRI;
+}
 
 // Stops of the rainbow table; the entries between them are interpolated.
 struct Stop {
@@ -176,7 +186,7 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
     // 1-3: the named colours, adapted to the sheet of the device.
     std::memcpy(c.named, grey ? kNamedGrey : kNamedColour, sizeof c.named);
     if (kind == SMAL || kind == GREY || kind == RGRE) c.named[BLAC] = c.named[WHIT];
-    if ((kind == RAIN || kind == SPEC || kind == GREY || kind == TEMP) && (dev & QQ_CLR_WHIT_BLACK))
+    if (ramp_kind(kind) && (dev & QQ_CLR_WHIT_BLACK))
         c.named[WHIT] = kBlack;
     if ((reversed || kind == SMAL) && white_sheet) {
         c.named[WHIT] = c.named[BLAC] = kBlack;
@@ -218,6 +228,26 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
                 map[i] = (r << 16) | (g << 8) | bl;
             }
             break;
+        default: {
+            // Entries 1 to 254 sample the 256 colours of the ramp evenly,
+            // so both ends of the ramp are in the colour range.
+            const int *ramp = qqperceptual(kind - VIRI);
+            map[0] = 0x000000;
+            map[255] = 0xFFFFFF;
+            for (int i = 1; i <= 254 && ramp; ++i) {
+                double t = (i - 1) * 255.0 / 253.0;
+                int k = (int)t;
+                double f = t - k;
+                const int lo = ramp[k], hi = ramp[k < 255 ? k + 1 : 255];
+                int rgb = 0;
+                for (int shift = 16; shift >= 0; shift -= 8) {
+                    int p0 = (lo >> shift) & 255, p1 = (hi >> shift) & 255;
+                    rgb |= (int)std::floor(p0 + (p1 - p0) * f + 0.5) << shift;
+                }
+                map[i] = rgb;
+            }
+            break;
+        }
         }
         if (reversed)
             for (int i = 0; i < 128; ++i) swap(map[i], map[255 - i]);
@@ -227,8 +257,7 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
     c.bckclr = 0;
     c.blkidx = 0;
     c.whtidx = 255;
-    if ((dev & QQ_CLR_BACK_LAST) &&
-        (kind == RAIN || kind == SPEC || kind == GREY || kind == TEMP)) {
+    if ((dev & QQ_CLR_BACK_LAST) && ramp_kind(kind)) {
         c.bckclr = 255;
         c.forclr = 0;
     } else if (kind == SMAL) {
@@ -370,17 +399,18 @@ void setind(int i, double xr, double xg, double xb) noexcept {
 void setvlt(const char *ctab) noexcept {
     glbblk *b = KX_ENTRY("setvlt");
     if (!b) return;
-    int k = qqkey(b, kKinds, 9, ctab);
+    int k = qqkey(b, kKinds, NKINDS, ctab);
     if (k > 0) qqsetvlt(b, k - 1);
 }
 
 const char *getvlt() noexcept {
-    static const char *const names[9] = {"SMALL", "RAIN", "SPEC", "GREY", "RRAIN",
-                                         "RSPEC", "RGREY", "VGA",  "TEMP"};
+    static const char *const names[NKINDS] = {"SMALL", "RAIN",  "SPEC", "GREY",    "RRAIN",
+                                              "RSPEC", "RGREY", "VGA",  "TEMP",    "VIRIDIS",
+                                              "MAGMA", "INFERNO", "PLASMA"};
     glbblk *b = KX_ENTRY("getvlt");
     if (!b) return "";
     int k = b->clr.vltkind;
-    return k >= 0 && k < 9 ? names[k] : "";
+    return k >= 0 && k < NKINDS ? names[k] : "";
 }
 
 void myvlt(const double *xr, const double *xg, const double *xb, int n) noexcept {
@@ -532,4 +562,14 @@ void lincyc(int index, int ityp) noexcept {
     glbblk *b = KX_ENTRY("lincyc");
     if (!b || qqchki(b, index, 1, 30) || qqchki(b, ityp, 0, 7)) return;
     b->dev.lincycl[index - 1] = ityp;
+}
+
+void colran(int nca, int nce) noexcept {
+    glbblk *b = KX_ENTRY("colran");
+    if (!b) return;
+    if (qqchki(b, nca, 0, 255) || qqchki(b, nce, 0, 255)) return;
+    // A range that runs downward is taken as its ascending twin: the bands
+    // of a scale always count from the lower index.
+    b->clr.minidx = nca < nce ? nca : nce;
+    b->clr.maxidx = nca < nce ? nce : nca;
 }

@@ -26,6 +26,7 @@
 #include "plots/shield_state.h"
 #include "plots/bar_state.h"
 #include "fields/contour_state.h"
+#include "fields/colour_state.h"
 #include "plots/zscale_state.h"
 #include "space/space_state.h"
 
@@ -49,6 +50,7 @@ struct glbblk {
     BarState bar;         // bar graph settings and counters
     LegendState leg;      // legend lines, layout and curve records
     ContourState con;     // contour labelling and the contour pen
+    ColourPlotState cpl;  // colour matrix plots: painting mode, getmat spreading
     ZScaleState zsc;      // the z colour scale
     SpaceState sp;        // 3-D axis system, z-buffer, lights, surfaces
 };

@@ -733,8 +733,9 @@ void pdf_image(glbblk *b) {
     const CanvasState &cs = b->cnv;
     double x0 = 0, y0 = b->core.nyp, w = b->core.nxp + 1.0, h = b->core.nyp + 1.0;
     if (cs.imgbflg) {
-        x0 = cs.imgbx[0];
-        y0 = (double)cs.imgbx[1] + cs.imgbx[3];
+        // Plot coordinates, shifted by the origin as every position is.
+        x0 = cs.imgbx[0] + b->dev.nxsh;
+        y0 = (double)cs.imgbx[1] + cs.imgbx[3] + b->dev.nysh;
         w = cs.imgbx[2];
         h = cs.imgbx[3];
     }

@@ -14,6 +14,11 @@
 #include "devices/device.h"
 #include "devices/vector.h"
 #include "colour/colour.h"
+#include "core/warnings.h"
+#include "raster/canvas.h"
+#include "raster/writers.h"
+
+#include <cstdlib>
 
 namespace {
 
@@ -291,6 +296,75 @@ int svg_char(glbblk *b, const QQHwChar *c) {
     return 1;
 }
 
+// The picture of the canvas as a PNG inside the document, on the box of
+// imgbox (or the whole page), stretched to it without smoothing.
+void svg_image(glbblk *b) {
+    qqcanvas *cv = qqcanvasof(b);
+    if (!cv || cv->cw < 1 || cv->ch < 1) return;
+    long n = qqpngmem(b, nullptr, 0);
+    if (n <= 0) return;
+    unsigned char *png = static_cast<unsigned char *>(std::malloc((size_t)n));
+    if (!png) {
+        qqwar0(b, 53);
+        return;
+    }
+    if (qqpngmem(b, png, (size_t)n) != n) {
+        std::free(png);
+        return;
+    }
+    end_path(b);
+    group(b, NO_GROUP);
+    const CanvasState &cs = b->cnv;
+    double x0 = 0, y0 = 0, w = b->core.nxp + 1.0, h = b->core.nyp + 1.0;
+    if (cs.imgbflg) {
+        x0 = cs.imgbx[0] + b->dev.nxsh;
+        y0 = cs.imgbx[1] + b->dev.nysh;
+        w = cs.imgbx[2];
+        h = cs.imgbx[3];
+    }
+    double s = b->sess.devscl;
+    if (b->sess.pagrot == 1) {
+        // The turned page: the picture's top left corner lands at the
+        // lower left and its rows run upward.
+        qqvput(b, "<image transform=\"translate(");
+        qqvnum(b, s * y0, 2);
+        qqvchr(b, ' ');
+        qqvnum(b, s * (b->core.nxp - x0), 2);
+        qqvput(b, ") rotate(-90)\" x=\"0\" y=\"0");
+    } else {
+        qqvput(b, "<image x=\"");
+        qqvnum(b, s * x0, 2);
+        qqvput(b, "\" y=\"");
+        qqvnum(b, s * y0, 2);
+    }
+    qqvput(b, "\" width=\"");
+    qqvnum(b, s * w, 2);
+    qqvput(b, "\" height=\"");
+    qqvnum(b, s * h, 2);
+    qqvput(b, "\"\n preserveAspectRatio=\"none\" image-rendering=\"optimizeSpeed\"\n");
+    qqvput(b, " xlink:href=\"data:image/png;base64,\n");
+    static const char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    char line[80];
+    int k = 0;
+    for (long i = 0; i < n; i += 3) {
+        unsigned v = (unsigned)png[i] << 16;
+        if (i + 1 < n) v |= (unsigned)png[i + 1] << 8;
+        if (i + 2 < n) v |= png[i + 2];
+        line[k++] = kDigits[(v >> 18) & 63];
+        line[k++] = kDigits[(v >> 12) & 63];
+        line[k++] = i + 1 < n ? kDigits[(v >> 6) & 63] : '=';
+        line[k++] = i + 2 < n ? kDigits[v & 63] : '=';
+        if (k == 76 || i + 3 >= n) {
+            line[k++] = '\n';
+            line[k] = '\0';
+            qqvput(b, line);
+            k = 0;
+        }
+    }
+    qqvput(b, "\"/>\n");
+    std::free(png);
+}
+
 // A new height or font opens a new text group with the next character.
 void svg_textstyle(glbblk *b) {
     end_path(b);
@@ -316,6 +390,7 @@ const DriverOps kOps = {
     .fill_polygon = svg_fill,
     .fill_rect = svg_rect,
     .close = svg_close,
+    .image = svg_image,
     .character = svg_char,
     .textstyle = svg_textstyle,
 };

@@ -826,6 +826,7 @@ void mshclr(int nclr) noexcept {
     int lo, hi;
     sides(b, &lo, &hi);
     for (int s = lo; s <= hi; ++s) b->sp.mshclr[s] = nclr;
+    b->cpl.mshclr = b->sp.mshclr[0];
 }
 
 void mshcrv(int n) noexcept {
@@ -837,22 +838,33 @@ void surmsh(const char *copt) noexcept {
     glbblk *b = KX_ENTRY("surmsh");
     if (!b) return;
     int k = qqkey(b, "OFF +ON  +ONLY+LINE+POIN", 5, copt);
-    if (k > 0) b->sp.mesh = k - 1;
+    if (k > 0) b->sp.mesh = b->cpl.mesh = k - 1;
 }
 
 void shdmod(const char *copt, const char *ctype) noexcept {
     glbblk *b = KX_ENTRY("shdmod");
     if (!b) return;
-    int t = qqkey(b, "SURF+CULL+ZSCA", 3, ctype);
+    enum { SURF = 1, CONT, CURV, CELL, COLO, CULL, SYMB, ZSCA };
+    int t = qqkey(b, "SURF+CONT+CURV+CELL+COLO+CULL+SYMB+ZSCA", 8, ctype);
     if (t < 1) return;
     SpaceState &s = b->sp;
-    if (t == 1) {
+    if (t == SURF) {
         int k = qqkey(b, "FLAT+SMOO", 2, copt);
-        if (k > 0) s.shade = k - 1;
-    } else if (t == 2) {
+        if (k > 0) s.shade = b->cpl.shade = k - 1;
+    } else if (t == CURV) {
+        // The painting of colour points, or the tubes of 3-D curves.
+        int k = qqkey(b, "RECT+SYMB+PIXE+2D  +3D  ", 5, copt);
+        if (k >= 1 && k <= 3) b->cpl.crvmode = k - 1;
+        if (k >= 4) b->cpl.tube3d = (unsigned char)(k - 4);
+    } else if (t == SYMB) {
+        int k = qqkey(b, "2D  +3D  ", 2, copt);
+        if (k > 0) b->cpl.sym3d = (unsigned char)(k - 1);
+    } else if (t == CONT || t == CELL || t == COLO) {
+        // Settings of contour shading, which keeps its own methods.
+    } else if (t == CULL) {
         int k = qqkey(b, "OFF +ON  +FRON", 3, copt);
         if (k > 0) s.cull = k - 1;
-    } else {
+    } else if (t == ZSCA) {
         int k = qqkey(b, "ON  +OFF ", 2, copt);
         if (k > 0) s.zsca = k - 1;
     }

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "core/glbblk.h"
+#include "raster/canvas.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/registry.h"
@@ -149,6 +150,13 @@ TEST(every_offered_operation_is_reached_from_above_the_layer) {
         newpag();
         imgini();
         imgfin();
+        // A picture that a colour plot paints and hands to the layer, on
+        // the formats without an image mode of their own.
+        if (f->kind != QQ_KIND_PAGE && f->kind != QQ_KIND_RASTER && !b->cnv.cv.pix &&
+            qqcnvnew(&b->cnv.cv, 4, 3, 0, 0) == 0) {
+            b->cnv.embed(b);
+            qqcnvfree(&b->cnv.cv);
+        }
         kolfin();
         std::string want = offered(real);
         // The layer's entry of filled polygons comes with the area fill.
