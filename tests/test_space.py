@@ -410,3 +410,51 @@ def test_center_moves_the_3d_system_once():
     plain, centred = box_points("plain.met", False), box_points("centred.met", True)
     shift = centred - plain
     assert np.abs(shift - shift[0]).max() < 1.01 and np.abs(shift[0]).max() > 5
+
+
+@pytest.mark.parametrize("mode", ["STAN", "HORI", "PARA", "OTHE"])
+def test_log_axis_gets_minor_ticks_in_every_label_mode(mode):
+    plog(f"log_{mode}.met")
+    kolvex.labl3d(mode)
+    kolvex.axsscl("LOG", "Z")
+    kolvex.ticks(0, "XY")
+    kolvex.ticks(2, "Z")
+    kolvex.noline("XYZ")
+    kolvex.labels("NONE", "XYZ")
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, 0, 3, 0, 1)
+    kolvex.endgrf()
+    kolvex.kolfin()
+    # 4 decade ticks and 2..9 in each of the 3 decades, each one stroke.
+    assert len(read_plog(f"log_{mode}.met")) == 4 + 3 * 8
+
+
+def test_absolute_light_given_in_the_axis_system_stays_with_the_data():
+    g = [0.5 * i for i in range(21)]
+    z = [[math.sin(x) * math.cos(y) for y in g] for x in g]
+
+    def page(name, scalings, light, inside=False):
+        rgb_png(name)
+        kolvex.nograf()
+        kolvex.light("ON")
+        kolvex.shdmod("SMOO", "SURF")
+        for k, sc in enumerate(scalings):
+            if k == 0 and not inside:
+                kolvex.litpos(*light)
+            kolvex.graf3d(*sc)
+            if k == 0 and inside:
+                kolvex.litpos(*light)
+            if k == len(scalings) - 1:
+                kolvex.surshd(g, 21, g, 21, z)
+            kolvex.endgrf()
+        kolvex.kolfin()
+        return rgb_pixels(name)
+
+    a = (0, 10, 0, 2, 0, 10, 0, 2, -1, 1, -1, 0.5)
+    b = (0, 20, 0, 5, 0, 20, 0, 5, -1, 1, -1, 0.5)
+    light = (1, 0.5, -3, 2, "ABS")
+    # Inside the system the position counts as absolute, as before it.
+    assert np.array_equal(page("l0.png", [a], light), page("l1.png", [a], light, inside=True))
+    # It is kept as the user point of the first scaling: (7.5, -10, 2).
+    user = page("l2.png", [b], (1, 7.5, -10, 2, "USER"))
+    assert (np.abs(user - 255).sum(axis=2) > 30).sum() > 10000
+    assert np.array_equal(user, page("l3.png", [a, b], light, inside=True))

@@ -28,7 +28,9 @@ std::atomic<int> tick_toggle{0};
 // page; such an axis is drawn without them instead of looping for hours.
 constexpr double kMaxMarks = 100000;
 
-bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.logfrm[c.axis] == 1; }
+bool is_power(const AxesState &ax, const AxisCall &c) {
+    return c.logax && ax.logfrm[c.axis] == 1;
+}
 
 }  // namespace
 
@@ -43,23 +45,14 @@ void qqaxclroff(glbblk *b, int clr, int saved) noexcept {
 }
 
 void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept {
-    const AxesState &ax = b->ax;
     if (n < 1) return;
     double s = c.step;
-    bool logminor = false;
-    if (c.logax && n >= 2 && std::fabs(c.orl - std::nearbyint(c.orl)) < 1e-4) {
-        bool ok = ax.logtic == 0 ? std::fabs(std::fabs(s) - 1.0) < 1e-4
-                                 : std::fabs(s - std::nearbyint(s)) < 1e-4 && std::nearbyint(s) != 0;
-        if (ok) {
-            logminor = true;
-            s = s < 0 ? -1.0 : 1.0;
-            n = 1;
-        }
-    }
+    bool logminor = qqlogminor(b, c, &n, &s);
     double f = (c.len - 1) / (c.e - c.a);
     double ds = s / n;
     double lo = (c.orl - c.a) / ds + 1e-4, hi = (c.e - c.orl) / ds + 1e-4;
-    if (!std::isfinite(lo) || !std::isfinite(hi) || std::fabs(lo) + std::fabs(hi) > kMaxMarks) return;
+    if (!std::isfinite(lo) || !std::isfinite(hi) || std::fabs(lo) + std::fabs(hi) > kMaxMarks)
+        return;
     long i0 = -(long)std::trunc(lo), i1 = (long)std::trunc(hi);
     bool isx = qqaxgeo(c) == 0;
     auto tick = [&](double pos, int len) {
@@ -84,18 +77,22 @@ void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centre
         double pos = isx ? c.x0 + d : c.y0 - d;
         tick(pos, i % n == 0 ? lmaj : lmin);
     }
-    if (logminor) {
-        double lo2 = c.a < c.e ? c.a : c.e, hi2 = c.a < c.e ? c.e : c.a;
-        double d0 = std::floor(lo2) - 1, d1 = std::ceil(hi2) + 1;
-        if (d1 - d0 > kMaxMarks) return;
-        for (double dec = d0; dec <= d1; dec += 1)
-            for (int j = 2; j <= 9; ++j) {
-                double lv = dec + std::log10((double)j);
-                if (lv < lo2 || lv > hi2) continue;
-                double d = (double)qqnint((lv - c.a) * f);
-                tick(isx ? c.x0 + d : c.y0 - d, lmin);
-            }
-    }
+    if (logminor)
+        qqlogminorticks(c, [&](double lv) {
+            double d = (double)qqnint((lv - c.a) * f);
+            tick(isx ? c.x0 + d : c.y0 - d, lmin);
+        });
+}
+
+bool qqlogminor(const glbblk *b, const AxisCall &c, int *n, double *step) noexcept {
+    double s = *step;
+    if (!c.logax || *n < 2 || std::fabs(c.orl - std::nearbyint(c.orl)) >= 1e-4) return false;
+    bool ok = b->ax.logtic == 0 ? std::fabs(std::fabs(s) - 1.0) < 1e-4
+                                : std::fabs(s - std::nearbyint(s)) < 1e-4 && std::nearbyint(s) != 0;
+    if (!ok) return false;
+    *step = s < 0 ? -1.0 : 1.0;
+    *n = 1;
+    return true;
 }
 
 namespace {
@@ -116,16 +113,27 @@ bool plan_labels(const AxesState &ax, const AxisCall &c, LabelPlan *p) {
     if (last < 0) return false;
     int first = 0, inc = 1;
     switch (ax.axends[c.axis]) {
-    case 1: first = 1; break;
-    case 2: --last; break;
-    case 3:
-        first = 1;
-        --last;
-        break;
-    case 4: inc = last > 0 ? last : 1; break;
-    case 5: last = 0; break;
-    case 6: first = last; break;
-    default: break;
+        case 1:
+            first = 1;
+            break;
+        case 2:
+            --last;
+            break;
+        case 3:
+            first = 1;
+            --last;
+            break;
+        case 4:
+            inc = last > 0 ? last : 1;
+            break;
+        case 5:
+            last = 0;
+            break;
+        case 6:
+            first = last;
+            break;
+        default:
+            break;
     }
     p->first = first;
     p->last = last;
@@ -136,7 +144,8 @@ bool plan_labels(const AxesState &ax, const AxisCall &c, LabelPlan *p) {
 double label_value(const AxesState &ax, const AxisCall &c, int i) {
     double v = c.orl + i * c.step;
     int lab = ax.lab[c.axis];
-    if ((lab == 2 || lab == 13 || lab == 16) && std::fabs(v) < 1e-7 && std::fabs(v) < std::fabs(c.step) / 2)
+    if ((lab == 2 || lab == 13 || lab == 16) && std::fabs(v) < 1e-7 &&
+        std::fabs(v) < std::fabs(c.step) / 2)
         v = 0;
     return v;
 }
@@ -152,7 +161,9 @@ int qqlabplan(const glbblk *b, const AxisCall &c, int *first, int *last, int *in
     return 1;
 }
 
-double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept { return label_value(b->ax, c, i); }
+double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept {
+    return label_value(b->ax, c, i);
+}
 
 int qqlabmix(glbblk *b, const AxisCall &c, AxMixSave *mix) noexcept {
     const AxesState &ax = b->ax;

@@ -1,6 +1,8 @@
 // Drawing of one axis: line, ticks, labels and name, in that order.
 #pragma once
 
+#include <cmath>
+
 struct glbblk;
 
 struct AxisCall {
@@ -18,7 +20,9 @@ struct AxisCall {
 };
 
 // Whether the axis is placed as an X (0) or a Y axis (1).
-inline int qqaxgeo(const AxisCall &c) { return c.geo ? c.geo - 1 : c.axis; }
+inline int qqaxgeo(const AxisCall &c) {
+    return c.geo ? c.geo - 1 : c.axis;
+}
 
 // Draws the axis; returns the extent of its labels across the axis.
 int qqaxis(glbblk *b, const AxisCall &c) noexcept;
@@ -41,6 +45,26 @@ void qqaxclroff(glbblk *b, int clr, int saved) noexcept;
 // Ticks alone, with lengths given (signed: positive toward the label side),
 // n intervals per label; used by the axes and by grid lines.
 void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept;
+
+// Whether a logarithmic axis with n tick intervals per label gets minor
+// ticks at 2 to 9 times each decade (logtic).  When it does, *step becomes
+// one decade with the sign of the label step and *n becomes 1.
+bool qqlogminor(const glbblk *b, const AxisCall &c, int *n, double *step) noexcept;
+
+// Calls tick(v) for the exponent v of every value 2 to 9 times a decade
+// that lies within the limits, from the decade before the axis start to
+// the one behind its end.
+template <class F>
+void qqlogminorticks(const AxisCall &c, F tick) {
+    double lo = c.a < c.e ? c.a : c.e, hi = c.a < c.e ? c.e : c.a;
+    double d0 = std::floor(lo) - 1, d1 = std::ceil(hi) + 1;
+    if (!(d1 - d0 <= 100000)) return;  // no page can show more
+    for (double dec = d0; dec <= d1; dec += 1)
+        for (int j = 2; j <= 9; ++j) {
+            double lv = dec + std::log10((double)j);
+            if (lv >= lo && lv <= hi) tick(lv);
+        }
+}
 
 // One line between two plot positions (the device layer's line entry).
 void qqline(glbblk *b, double x0, double y0, double x1, double y1) noexcept;

@@ -103,21 +103,24 @@ void draw_ticks(glbblk *b, const AxisPlan &a) {
     const AxisCall &c = a.c;
     int n = ax.ntic[c.axis];
     if (n < 1) return;
-    double ds = c.step / n;
+    double step = c.step;
+    bool logminor = qqlogminor(b, c, &n, &step);
+    double ds = step / n;
     double lo = (c.orl - c.a) / ds + 1e-4, hi = (c.e - c.orl) / ds + 1e-4;
     if (!std::isfinite(lo) || !std::isfinite(hi) || std::fabs(lo) + std::fabs(hi) > 10000) return;
     long i0 = -(long)std::trunc(lo), i1 = (long)std::trunc(hi);
     int tp = ax.ticpos[c.axis];
     int saved = qqaxclron(b, ax.axclr[c.axis][1]);
-    for (long i = i0; i <= i1; ++i) {
+    auto tick = [&](double v, int len) {
         double p[3], u[2], x, y;
-        value_point(a, c.orl + i * ds, p);
-        if (!page_dir(b, p, a.e.out, u)) continue;
+        value_point(a, v, p);
+        if (!page_dir(b, p, a.e.out, u)) return;
         qqabs2plot(b, p[0], p[1], p[2], &x, &y, nullptr);
-        int len = i % n == 0 ? ax.ticmaj : ax.ticmin;
         double t0 = tp == 2 ? -(len / 2) : 0, t1 = tp == 2 ? len - len / 2 : tp == 1 ? -len : len;
         qqline(b, x + u[0] * t0, y + u[1] * t0, x + u[0] * t1, y + u[1] * t1);
-    }
+    };
+    for (long i = i0; i <= i1; ++i) tick(c.orl + i * ds, i % n == 0 ? ax.ticmaj : ax.ticmin);
+    if (logminor) qqlogminorticks(c, [&](double v) { tick(v, ax.ticmin); });
     qqaxclroff(b, ax.axclr[c.axis][1], saved);
 }
 

@@ -54,6 +54,7 @@ void defaults(glbblk *b) {
         l.pos[1] = -5;
         l.pos[2] = 4;
         l.mode = 1;
+        for (int c = 0; c < 3; ++c) l.at[c] = l.pos[c];
         for (int c = 0; c < 3; ++c) {
             l.amb[c] = 0;
             l.dif[c] = 1;
@@ -232,7 +233,8 @@ int flat_colour(glbblk *b, int back, double rgb[3]) {
     if (s.mesh == 2) {
         clr = b->clr.bckclr;
         // Lit pixels on a white page pass the swap of black and white.
-        if (s.lights && b->sess.bgmode == 2 && qqzpix(b) && (clr == 0 || clr == 255)) clr = 255 - clr;
+        if (s.lights && b->sess.bgmode == 2 && qqzpix(b) && (clr == 0 || clr == 255))
+            clr = 255 - clr;
     }
     if (s.surclrset && !s.lights && s.surclr[back] != -1) clr = s.surclr[back];
     rgb_of(b, clr, rgb);
@@ -367,7 +369,8 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
                     }
             }
             int clr = pix ? savclr
-                          : polygon_colour(b, flatclr, (val[0] + val[1] + val[2] + val[3]) / 4, r, gg, bl, 4);
+                          : polygon_colour(b, flatclr, (val[0] + val[1] + val[2] + val[3]) / 4, r,
+                                           gg, bl, 4);
             double X[4], Y[4], Z[4];
             for (int k = 0; k < 4; ++k) {
                 X[k] = P[k][0];
@@ -464,9 +467,9 @@ extern const Subsystem kxsub_space = {"space",       defaults, space_init,
 
 void qqlitabs(glbblk *b, int k) noexcept {
     Light3 &l = b->sp.lit[k];
-    if (!b->sp.open && b->core.level < 3) return;
+    if (!b->sp.open) return;
     if (l.mode == 2) {
-        for (int i = 0; i < 3; ++i) l.pos[i] = qqusr2abs(b, i, l.pos[i]);
+        for (int i = 0; i < 3; ++i) l.pos[i] = qqplain2abs(b, i, l.pos[i]);
         l.mode = 1;
     } else if (l.mode == 3) {
         double a = l.pos[0] * kPi / 180, bb = l.pos[1] * kPi / 180, r = l.pos[2];
@@ -475,6 +478,7 @@ void qqlitabs(glbblk *b, int k) noexcept {
         l.pos[1] = r * std::cos(bb) * std::cos(a);
         l.mode = 1;
     }
+    for (int i = 0; i < 3; ++i) l.at[i] = l.pos[i];
 }
 
 void qqlight(const glbblk *b, const double p[3], const double N[3], int side, const double *dif,
@@ -491,7 +495,7 @@ void qqlight(const glbblk *b, const double p[3], const double N[3], int side, co
     for (int k = 0; k < 8; ++k) {
         const Light3 &L = s.lit[k];
         if (!L.on) continue;
-        double l[3] = {L.pos[0] - p[0], L.pos[1] - p[1], L.pos[2] - p[2]};
+        double l[3] = {L.at[0] - p[0], L.at[1] - p[1], L.at[2] - p[2]};
         double d = std::sqrt(l[0] * l[0] + l[1] * l[1] + l[2] * l[2]);
         if (d > 1e-35)
             for (double &v : l) v /= d;
@@ -708,7 +712,8 @@ void surfcp(double (*zfun)(double, double, int), double pmin, double pmax, doubl
                     }
                     if (j + 1 < m) {
                         double q1 = param_at(qmin, qmax, qstp, j + 1, m);
-                        point(p0, q0 + f * (q1 - q0), eq + ((size_t)i * (m - 1) + j) * per + 3 * (t - 1));
+                        point(p0, q0 + f * (q1 - q0),
+                              eq + ((size_t)i * (m - 1) + j) * per + 3 * (t - 1));
                     }
                 }
             }
@@ -749,7 +754,15 @@ void litpos(int id, double x, double y, double z, const char *copt) noexcept {
     l.pos[1] = y;
     l.pos[2] = z;
     l.mode = k;
-    if (b->sp.open) qqlitabs(b, id - 1);
+    if (!b->sp.open) return;
+    qqlitabs(b, id - 1);
+    // An absolute position given inside an axis system is kept as a user
+    // point, so that it keeps its place on the data when the next graf3d
+    // scales differently; here and now it stands where it was given.
+    if (k == 1) {
+        for (int i = 0; i < 3; ++i) l.pos[i] = qqabs2plain(b, i, l.pos[i]);
+        l.mode = 2;
+    }
 }
 
 void litopt(int id, double xval, const char *copt) noexcept {

@@ -8,6 +8,10 @@ struct glbblk;
 // User to absolute 3-D coordinates of one axis (0 X, 1 Y, 2 Z) and back.
 double qqusr2abs(const glbblk *b, int axis, double v) noexcept;
 double qqabs2usr(const glbblk *b, int axis, double v) noexcept;
+// The same with the plain limits (no logarithm), as USER points of the
+// eye, the focus and the lights are given.
+double qqplain2abs(const glbblk *b, int axis, double v) noexcept;
+double qqabs2plain(const glbblk *b, int axis, double v) noexcept;
 // Applies the matrix: X, Y, Z, W of an absolute point.
 void qqclip4(const glbblk *b, const double p[3], double out[4]) noexcept;
 // Absolute point to plot coordinates; the depth Z/W when depth is not null.
@@ -30,7 +34,8 @@ int qqzbfopen(glbblk *b) noexcept;
 void qqzbfclose(glbblk *b) noexcept;
 int qqdbfopen(glbblk *b, long long ntri) noexcept;
 void qqdbfclose(glbblk *b) noexcept;
-// Light positions of mode USER or ANGL to absolute (graf3d, litpos).
+// Resolves the position of light k for the open axis system: USER and
+// ANGL become absolute for good (graf3d, litpos).
 void qqlitabs(glbblk *b, int k) noexcept;
 // The light model at point p with unit normal nrm; side 0 front, 1 back;
 // the material diffuse colour may be replaced by dif (null: the material's).

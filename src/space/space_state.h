@@ -9,7 +9,8 @@ struct PlyStore;
 struct Light3 {
     int on;
     double pos[3];
-    int mode;  // 1 absolute, 2 user, 3 angles
+    int mode;      // 1 absolute, 2 user, 3 angles
+    double at[3];  // the absolute position in effect in the open axis system
     double amb[3], dif[3], spc[3];
     double att[3];  // constant, linear, quadratic
 };

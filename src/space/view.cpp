@@ -27,8 +27,6 @@ bool in_graf3d(const glbblk *b) {
     return b->sp.open != 0;
 }
 
-// The user to absolute mapping with the plain limits (no logarithm): the
-// focus and eye given as USER points.
 double plain_abs(const SpaceState &s, int i, double v) {
     double d = s.e[i] - s.a[i];
     if (d == 0) return 0;
@@ -380,6 +378,16 @@ double qqabs2usr(const glbblk *b, int i, double v) noexcept {
     const SpaceState &s = b->sp;
     double u = (v + s.len[i] / 2) * (s.e[i] - s.a[i]) / s.len[i] + s.a[i];
     return s.logax[i] ? std::pow(10.0, u) : u;
+}
+
+double qqplain2abs(const glbblk *b, int i, double v) noexcept {
+    return plain_abs(b->sp, i, v);
+}
+
+double qqabs2plain(const glbblk *b, int i, double v) noexcept {
+    const SpaceState &s = b->sp;
+    if (s.len[i] == 0) return s.a[i];
+    return (v + s.len[i] / 2) * (s.e[i] - s.a[i]) / s.len[i] + s.a[i];
 }
 
 void qqclip4(const glbblk *b, const double p[3], double out[4]) noexcept {
