@@ -28,9 +28,7 @@ std::atomic<int> tick_toggle{0};
 // page; such an axis is drawn without them instead of looping for hours.
 constexpr double kMaxMarks = 100000;
 
-bool is_power(const AxesState &ax, const AxisCall &c) {
-    return c.logax && ax.logfrm[c.axis] == 1;
-}
+bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.logfrm[c.axis] == 1; }
 
 }  // namespace
 
@@ -113,27 +111,16 @@ bool plan_labels(const AxesState &ax, const AxisCall &c, LabelPlan *p) {
     if (last < 0) return false;
     int first = 0, inc = 1;
     switch (ax.axends[c.axis]) {
-        case 1:
-            first = 1;
-            break;
-        case 2:
-            --last;
-            break;
-        case 3:
-            first = 1;
-            --last;
-            break;
-        case 4:
-            inc = last > 0 ? last : 1;
-            break;
-        case 5:
-            last = 0;
-            break;
-        case 6:
-            first = last;
-            break;
-        default:
-            break;
+    case 1: first = 1; break;
+    case 2: --last; break;
+    case 3:
+        first = 1;
+        --last;
+        break;
+    case 4: inc = last > 0 ? last : 1; break;
+    case 5: last = 0; break;
+    case 6: first = last; break;
+    default: break;
     }
     p->first = first;
     p->last = last;
@@ -144,8 +131,7 @@ bool plan_labels(const AxesState &ax, const AxisCall &c, LabelPlan *p) {
 double label_value(const AxesState &ax, const AxisCall &c, int i) {
     double v = c.orl + i * c.step;
     int lab = ax.lab[c.axis];
-    if ((lab == 2 || lab == 13 || lab == 16) && std::fabs(v) < 1e-7 &&
-        std::fabs(v) < std::fabs(c.step) / 2)
+    if ((lab == 2 || lab == 13 || lab == 16) && std::fabs(v) < 1e-7 && std::fabs(v) < std::fabs(c.step) / 2)
         v = 0;
     return v;
 }
@@ -161,9 +147,7 @@ int qqlabplan(const glbblk *b, const AxisCall &c, int *first, int *last, int *in
     return 1;
 }
 
-double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept {
-    return label_value(b->ax, c, i);
-}
+double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept { return label_value(b->ax, c, i); }
 
 int qqlabmix(glbblk *b, const AxisCall &c, AxMixSave *mix) noexcept {
     const AxesState &ax = b->ax;
