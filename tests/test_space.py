@@ -458,3 +458,22 @@ def test_absolute_light_given_in_the_axis_system_stays_with_the_data():
     user = page("l2.png", [b], (1, 7.5, -10, 2, "USER"))
     assert (np.abs(user - 255).sum(axis=2) > 30).sum() > 10000
     assert np.array_equal(user, page("l3.png", [a, b], light, inside=True))
+
+
+def test_3d_line_on_the_z_buffer_is_drawn_with_eye_clipping():
+    def page(name, mode):
+        rgb_png(name)
+        kolvex.nograf()
+        kolvex.clip3d(mode)
+        kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+        kolvex.zbfini()
+        kolvex.strt3d(-1, -1, 0)
+        kolvex.conn3d(1, 1, 0.5)
+        kolvex.zbffin()
+        kolvex.endgrf()
+        kolvex.kolfin()
+        return rgb_pixels(name)
+
+    world = page("w.png", "WORL")
+    assert (np.abs(world - 255).sum(axis=2) > 30).sum() > 100
+    assert np.array_equal(world, page("e.png", "EYE"))

@@ -406,6 +406,11 @@ void qqabs2plot(const glbblk *b, double x, double y, double z, double *xp, doubl
 void qqmov3(glbblk *b, double x, double y, double z) noexcept {
     SpaceState &s = b->sp;
     double p[3] = {x, y, z};
+    if (qqzpix(b)) {
+        // Depth tested lines clip each segment themselves, from absolute ends.
+        std::memcpy(s.pen, p, sizeof p);
+        return;
+    }
     if (s.clip == 1) {
         qqclip4(b, p, s.pen);
         s.penout = eye_bits(s.pen) != 0;
@@ -431,12 +436,7 @@ void qqdrw3(glbblk *b, double x, double y, double z) noexcept {
     if (qqzpix(b)) {
         // On pixels the line is depth tested; qqzlin3 clips it itself.
         double p0[3] = {s.pen[0], s.pen[1], s.pen[2]};
-        if (s.clip == 1) {
-            // The pen holds clip coordinates in eye mode: keep the point too.
-            std::memcpy(s.pen, p, sizeof p);
-            s.pen[3] = 0;
-        }
-        if (s.clip != 1) qqzlin3(b, p0, p);
+        qqzlin3(b, p0, p);
         std::memcpy(s.pen, p, sizeof p);
         return;
     }
@@ -660,8 +660,6 @@ void box3d() noexcept {
     SpaceState &s = b->sp;
     static const int path[] = {1, 2, 3, 4, 1, 5, 6, 7, 8, 5};
     double p[3];
-    int savclip = s.clip;
-    if (s.clip == 1) s.clip = 2;
     for (int i = 0; i < 10; ++i) {
         corner(s, path[i], p);
         if (i == 0)
@@ -676,7 +674,6 @@ void box3d() noexcept {
         corner(s, u[1], p);
         qqdrw3(b, p[0], p[1], p[2]);
     }
-    s.clip = savclip;
     qqflsh(b);
 }
 
@@ -740,7 +737,7 @@ void grid3d(int nx, int ny, const char *copt) noexcept {
         qqwarn(b, 2, ny);
         ny = 0;
     }
-    int k = qqkeyq("ALL +BACK+BOTT", 3, copt);
+    int k = qqkey(b, "ALL +BACK+BOTT", 3, copt);  // a refused word means ALL
     if (k < 1) k = 1;
     SpaceState &s = b->sp;
     AxesState &ax = b->ax;
