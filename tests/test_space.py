@@ -477,3 +477,23 @@ def test_3d_line_on_the_z_buffer_is_drawn_with_eye_clipping():
     world = page("w.png", "WORL")
     assert (np.abs(world - 255).sum(axis=2) > 30).sum() > 100
     assert np.array_equal(world, page("e.png", "EYE"))
+
+
+def test_back_side_is_meshed_in_its_own_colour():
+    rgb_png("back.png")
+    kolvex.nograf()
+    kolvex.setfce("TOP")
+    kolvex.mshclr(0x01000000 | 255)            # red above
+    kolvex.setfce("BOTT")
+    kolvex.mshclr(0x01000000 | (255 << 16))    # blue below
+    kolvex.surmsh("LINE")
+    kolvex.view3d(4, -5, -4, "ABS")            # from below: only the back side faces the eye
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    g = [-1 + 0.25 * i for i in range(9)]
+    kolvex.surshd(g, 9, g, 9, [[0.0] * 9 for _ in g])
+    kolvex.endgrf()
+    kolvex.kolfin()
+    im = rgb_pixels("back.png")
+    blue = (im[..., 2] > 200) & (im[..., 0] < 80)
+    red = (im[..., 0] > 200) & (im[..., 2] < 80)
+    assert blue.sum() > 200 and red.sum() == 0

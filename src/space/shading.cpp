@@ -226,8 +226,8 @@ bool cell_normal(glbblk *b, const Grid &g, int ci, int cj, int back, double n[3]
 }
 
 // The flat fill colour of a pass: the current colour; the background for
-// a mesh alone; with surclr and no lights, the colour of that side.
-int flat_colour(glbblk *b, int back, double rgb[3]) {
+// a mesh alone; with surclr and no lights, the colour of the side drawn.
+int flat_colour(glbblk *b, double rgb[3]) {
     const SpaceState &s = b->sp;
     int clr = b->dev.curclr;
     if (s.mesh == 2) {
@@ -236,7 +236,7 @@ int flat_colour(glbblk *b, int back, double rgb[3]) {
         if (s.lights && b->sess.bgmode == 2 && qqzpix(b) && (clr == 0 || clr == 255))
             clr = 255 - clr;
     }
-    if (s.surclrset && !s.lights && s.surclr[back] != -1) clr = s.surclr[back];
+    if (s.surclrset && !s.lights && s.surclr[0] != -1) clr = s.surclr[0];
     rgb_of(b, clr, rgb);
     return clr;
 }
@@ -273,12 +273,12 @@ int polygon_colour(glbblk *b, int flatclr, double mean, const double *r, const d
 void cell_pass(glbblk *b, const Grid &g, int back) {
     SpaceState &s = b->sp;
     int savclr = b->dev.curclr;
-    s.curmesh = s.mshclr[back] == -1 ? savclr : s.mshclr[back];
+    s.curmesh = s.mshclr[0] == -1 ? savclr : s.mshclr[0];
     bool lights = s.lights != 0;
     bool smooth = s.shade == 1;
     bool pix = qqzpix(b) != 0;
     double flat[3];
-    int flatclr = flat_colour(b, back, flat);
+    int flatclr = flat_colour(b, flat);
     // Curved mesh lines replace the straight ones where they can be drawn
     // at once: lines alone, or edges on pixels (a depth buffer would paint
     // its polygons over them later).
@@ -392,6 +392,8 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
     if (b->dev.curclr != savclr) qqsetc(b, savclr);
 }
 
+// The back pass runs with the sides exchanged: slot 0 of the mesh and
+// surface colours then holds the side being drawn.
 void swap_sides(SpaceState &s) {
     std::swap(s.mshclr[0], s.mshclr[1]);
     std::swap(s.surclr[0], s.surclr[1]);
@@ -572,9 +574,9 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
     for (int side = 1; side >= 0; --side) {
         if ((side == 1 && s.survis == 1) || (side == 0 && s.survis == 2)) continue;
         if (side == 1) swap_sides(s);
-        s.curmesh = s.mshclr[side] == -1 ? savclr : s.mshclr[side];
+        s.curmesh = s.mshclr[0] == -1 ? savclr : s.mshclr[0];
         double flat[3];
-        int flatclr = flat_colour(b, side, flat);
+        int flatclr = flat_colour(b, flat);
         for (int t = 0; t < ntri; ++t) {
             int id[3] = {i1[t] - 1, i2[t] - 1, i3[t] - 1};
             if (id[0] < 0 || id[1] < 0 || id[2] < 0 || id[0] >= n || id[1] >= n || id[2] >= n)
