@@ -329,3 +329,22 @@ def test_bookmark_runs_and_titles(capfd):
     assert item(3).startswith("<< /Title (a\\(b)\n")
     assert item(5).startswith("<< /Title (x\\))\n")
     assert item(6).startswith("<< /Title (end\\\\)\n")
+
+
+def test_image_box_stands_where_postscript_puts_it(tmp_path):
+    corners = []
+    kolvex.pdfmod("OFF", "COMP")  # the content stream as text
+    for dev, name, pattern in (("PDF", "box.pdf", rb"1 0 0 1 ([\d.]+) ([\d.]+) cm\n"),
+                               ("PSCL", "box.ps", rb"gsave ([\d.]+) ([\d.]+) \s*translate")):
+        kolvex.metafl(dev)
+        kolvex.setfil(str(tmp_path / name))
+        kolvex.setpag("DA4P")
+        kolvex.kolini()
+        kolvex.imgbox(300, 400, 200, 100)
+        kolvex.imgini()
+        kolvex.imgfin()
+        kolvex.kolfin()
+        m = re.search(pattern, open(tmp_path / name, "rb").read())
+        corners.append((float(m.group(1)), float(m.group(2))))
+    kolvex.pdfmod("ON", "COMP")
+    assert corners[0] == pytest.approx(corners[1], abs=0.01)
