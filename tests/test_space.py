@@ -497,3 +497,23 @@ def test_back_side_is_meshed_in_its_own_colour():
     blue = (im[..., 2] > 200) & (im[..., 0] < 80)
     red = (im[..., 0] > 200) & (im[..., 2] < 80)
     assert blue.sum() > 200 and red.sum() == 0
+
+
+def test_z_buffer_picture_of_ps_and_pdf_has_zbfscl_pixels_per_point():
+    import re
+    widths = []
+    for fmt in ("PS", "PDF"):
+        kolvex.metafl(fmt)
+        kolvex.setfil("zb." + fmt.lower())
+        kolvex.filmod("DELE")
+        kolvex.kolini()
+        kolvex.zbfscl(2)
+        kolvex.shdmod("SMOO", "SURF")
+        kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+        kolvex.surshd([-1, 1], 2, [-1, 1], 2, [[-1, 0], [0, 1]])
+        kolvex.endgrf()
+        kolvex.kolfin()
+        widths.append(int(re.search(rb"/Width (\d+)", open("zb." + fmt.lower(), "rb").read()).group(1)))
+    # Both pages fit the same paper: the same points, the same pixels
+    # (twice the points of the page as it stands on the paper).
+    assert widths[0] == widths[1] and 1400 < widths[0] < 1700

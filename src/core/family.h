@@ -74,9 +74,10 @@ struct DeviceFamily {
     // Distance factor of the lines of hatching density 0 where the family
     // needs its own (a coarse device resolution); 0 for the usual.
     float densehatch;
-    // Pixels per plot coordinate (before zbfscl) of a picture that a page
-    // format renders for itself, such as a z-buffered surface; 0 where the
-    // family draws into a canvas of its own or takes no pictures.
+    // Points per device unit, which make the pixels per plot coordinate
+    // (times devscl and zbfscl) of a picture that a page format renders
+    // for itself, such as a z-buffered surface; 0 where the family draws
+    // into a canvas of its own or takes no pictures.
     double picscale;
 };
 

@@ -179,7 +179,9 @@ int qqzbfopen(glbblk *b) noexcept {
             s.zsiz[0] = c.imgsw[0];
             s.zsiz[1] = c.imgsw[1];
             const DeviceFamily *fam = qqfamily(b->core.devcod);
-            double f = s.zscl * (fam && fam->picscale > 0 ? fam->picscale : 1.0);
+            // zbfscl pixels per point of the page whatever the device unit.
+            double ds = b->sess.devscl > 0 ? b->sess.devscl : 1.0;
+            double f = s.zscl * ds * (fam && fam->picscale > 0 ? fam->picscale : 1.0);
             c.imgsflg = 1;
             c.imgsw[0] = std::max(1, (int)std::lround(b->core.nxp * f));
             c.imgsw[1] = std::max(1, (int)std::lround(b->core.nyp * f));
