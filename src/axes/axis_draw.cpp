@@ -197,7 +197,13 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     int E;
     bool xgeo = qqaxgeo(c) == 0;
     bool wide_extent = xgeo == vert;
-    if (wide_extent) {
+    // Power-of-ten labels all count as wide as their "10": the exponent
+    // stands out over the label distance instead of pushing the whole
+    // column (and the axis name behind it) away from the axis.
+    double w10 = power ? qqaxtw(b, "10") : 0;
+    if (wide_extent && power) {
+        E = (int)w10;
+    } else if (wide_extent) {
         double wmax = 0;
         for (int i = p.first; i <= p.last; i += p.inc) {
             double v = label_value(ax, c, i);
@@ -216,19 +222,21 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
         return E;
     }
     double o = lab == 4 ? h - B * h / 2 : h / 2;
-    double w10 = power ? qqaxtw(b, "10") : 0;
     for (int i = p.first; i <= p.last; i += p.inc) {
         double v = label_value(ax, c, i);
         if (c.crossed && std::fabs(v) < 1e-35) continue;
         qqlabtxt(b, v, i + 1, c.logax, axis, t);
         if (!t[0]) continue;
         if (ax.labpos[axis] == 1) v += c.step / 2;
-        double w = qqaxtw(b, t);
+        double wt = qqaxtw(b, t);
+        // w places the label across the axis; wt, its true length, keeps a
+        // shifted label inside the axis ends.
+        double w = power ? w10 : wt;
         double d = (v - c.a) * f;
         double x, y;
         int rot = 0;
         if (xgeo && !vert) {
-            double wj = power && lab == 3 ? w10 : w;
+            double wj = power && lab == 3 ? w10 : wt;
             x = std::trunc(d + c.x0 + 0.5 - wj / 2);
             if (neg)
                 y = base - h;
@@ -236,7 +244,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
                 y = power ? std::trunc((B - 1) * h + base) : base;
             if (ax.labpos[axis] == 2) {
                 if (x < c.x0) x = c.x0;
-                if (x + w > c.x0 + c.len) x = c.x0 + c.len - w;
+                if (x + wt > c.x0 + c.len) x = c.x0 + c.len - wt;
             }
         } else if (xgeo && down) {
             // Turned the other way: the text's top faces the right.
@@ -272,7 +280,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
                 if (y < c.y0 - c.len) y = c.y0 - c.len;
             }
         } else {
-            double wj = power && lab == 4 ? w10 : w;
+            double wj = power && lab == 4 ? w10 : wt;
             rot = 90;
             y = std::trunc(c.y0 - 0.5 - d + wj / 2);
             if (neg) {
@@ -285,7 +293,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
                 y = std::trunc(c.y0 - 0.5 - d - wj / 2);
             }
             if (ax.labpos[axis] == 2) {
-                double top = rot == 270 ? y : y - w, bottom = rot == 270 ? y + w : y;
+                double top = rot == 270 ? y : y - wt, bottom = rot == 270 ? y + wt : y;
                 if (bottom > c.y0) y -= bottom - c.y0;
                 if (top < c.y0 - c.len) y += (c.y0 - c.len) - top;
             }
