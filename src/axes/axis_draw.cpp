@@ -197,13 +197,11 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     int E;
     bool xgeo = qqaxgeo(c) == 0;
     bool wide_extent = xgeo == vert;
-    // Power-of-ten labels all count as wide as their "10": the exponent
-    // stands out over the label distance instead of pushing the whole
-    // column (and the axis name behind it) away from the axis.
+    // Power-of-ten labels are placed as if each were as wide as its "10";
+    // the extent still reaches over the widest exponent, and with the
+    // labels justified from their far edge the "10"s form one column.
     double w10 = power ? qqaxtw(b, "10") : 0;
-    if (wide_extent && power) {
-        E = (int)w10;
-    } else if (wide_extent) {
+    if (wide_extent) {
         double wmax = 0;
         for (int i = p.first; i <= p.last; i += p.inc) {
             double v = label_value(ax, c, i);
