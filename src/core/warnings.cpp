@@ -246,8 +246,8 @@ void report_out(glbblk *b, const double *v, int dims) {
     qqwarm(b, -1, text);
 }
 
-// Points out of the scaling are always counted; the line about each one is
-// a warning to the user and keeps quiet with the warnings.
+// Points out of the scaling are counted whenever they are checked; the line
+// about each one is a warning to the user and keeps quiet with the warnings.
 void out_point(glbblk *b, const double *v, int dims) {
     b->diag.nout++;
     if (printing(b)) report_out(b, v, dims);
@@ -260,7 +260,7 @@ void qqchkd(glbblk *b, const double *x, const double *y, int n) noexcept {
     if (d.nanon == 1)
         for (int i = 0; i < n; ++i)
             if (std::isnan(x[i]) || std::isnan(y[i])) d.nnan++;
-    if (d.chkon != 1) return;
+    if (d.chkon != 1 || d.outu == 0) return;
     double lim[6];
     int kind = limits(b, lim);
     if (kind == 0 || kind == 3) return;
@@ -279,7 +279,7 @@ void qqchk3(glbblk *b, const double *x, const double *y, const double *z, int n)
     if (d.nanon == 1)
         for (int i = 0; i < n; ++i)
             if (std::isnan(x[i]) || std::isnan(y[i]) || std::isnan(z[i])) d.nnan++;
-    if (d.chkon != 1) return;
+    if (d.chkon != 1 || d.outu == 0) return;
     double lim[6];
     int kind = limits(b, lim);
     if (kind == 0 || kind == 3) return;
