@@ -720,7 +720,7 @@ void shlpie(int nx, int ny, int nr, double alpha, double beta) noexcept {
         return;
     }
     double y = qqyflp(b, ny);
-    if (std::fabs(beta - alpha) >= 360.0 - 1e-5) {
+    if (std::fabs(beta - alpha) >= 360.0 - b->core.eps) {
         double v[3] = {(double)nx, y, (double)nr};
         if (int t = frame_of(b)) frame_ellipse(b, v[0], v[1], nr, nr, 0.0, t);
         qqshladd(b, 3, v, 3);
