@@ -121,8 +121,12 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
 void mdfmat(int ix, int iy, double weight) noexcept {
     glbblk *b = KX_ENTRY("mdfmat");
     if (!b) return;
-    if (ix < 1 || iy < 1 || !(weight > 0)) {
-        qqwarn(b, 2, ix < 1 ? ix : iy < 1 ? iy : 0);
+    if (ix < 1 || iy < 1) {
+        qqwarn(b, 2, ix < 1 ? ix : iy);
+        return;
+    }
+    if (!(weight > 0)) {
+        qqwarnd(b, 2, weight);
         return;
     }
     b->cpl.mdfwin[0] = ix;
@@ -153,7 +157,7 @@ void setres3d(double xl, double yl, double zl) noexcept {
     const double v[3] = {xl, yl, zl};
     for (int i = 0; i < 3; ++i) {
         if (!(v[i] >= b->core.eps))
-            qqwarn(b, 2, 0);
+            qqwarnd(b, 2, v[i]);
         else
             b->cpl.cube[i] = v[i];
     }
