@@ -1,6 +1,7 @@
 // Axis scaling: the per-axis settings, setscl and the automatic choice of
 // limits, first label and step, the tests of a scaling, and the
 // conversions between user and plot coordinates.
+#include <climits>
 #include <cmath>
 #include <cstring>
 
@@ -493,7 +494,9 @@ void autres(int ixdim, int iydim) noexcept {
         ax.resmod = mode;
         return;
     }
-    int nx = ixdim < 0 ? -ixdim : ixdim, ny = iydim < 0 ? -iydim : iydim;
+    // Sizes by magnitude; the most negative int has none and is refused below.
+    auto mag = [](int v) { return v == INT_MIN ? 0 : (v < 0 ? -v : v); };
+    int nx = mag(ixdim), ny = mag(iydim);
     if (nx < 2 || nx > 10000) {
         qqwarn(b, 2, ixdim);
         return;
