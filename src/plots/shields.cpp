@@ -740,6 +740,8 @@ void shlpol(const int *nxray, const int *nyray, int n) noexcept {
     int m = 0;
     for (int i = 0; i < n; ++i) {
         double x = nxray[i], y = qqyflp(b, nyray[i]);
+        // On a 3-D plane the region must lie where the plane's lines land.
+        if (b->dev.pl3on == 1 && b->dev.planemap) b->dev.planemap(b, &x, &y);
         if (m > 0 && v[2 * m - 2] == x && v[2 * m - 1] == y) continue;
         v[2 * m] = x, v[2 * m + 1] = y;
         ++m;
