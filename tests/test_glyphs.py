@@ -10,18 +10,17 @@ import kolvex as k
 from test_text import start, svg_points
 
 FONTS = ["kolalf", "simplx", "complx", "duplx", "triplx", "gothic", "helve", "helves", "helvet", "serif"]
-# In ISO2: a byte drawn blank, then 0xA1, the capital A with ogonek.
-A_OGONEK = bytes([0xD7, 0xA1]).decode()
 
 
-@pytest.mark.parametrize("font", FONTS)
+# gothic accepts no national letter: its first section stops at 95.
+@pytest.mark.parametrize("font", [f for f in FONTS if f != "gothic"])
 def test_right_edge_of_a_composed_letter_lands_where_nlmess_says(font):
     start("SVG", "j", size=(2969, 2099))  # one pixel a plot coordinate
     getattr(k, font)()
     k.height(80)
-    k.chacod("ISO2")
+    k.chacod("UTF8")
     k.txtjus("RIGH")
-    k.messag("Wy" + A_OGONEK, 2000, 500)
+    k.messag("Wy\u00c9", 2000, 500)
     k.kolfin()
     right = svg_points("j.svg")[:, 0].max()
     if font == "kolalf":  # the cell is wider than the glyph

@@ -300,3 +300,51 @@ def test_exported_picture_is_the_png(page):  # noqa: F811
     a = np.asarray(Image.open(page / "export-1.png").convert("RGB")).astype(int)[:603, :853]
     assert a.shape == b.shape
     assert np.abs(a - b).mean() < 8
+
+
+def test_bookmark_runs_and_titles(capfd):
+    # Levels 0 1 2 1 2 3 0: the first chapter's run is items 2 to 6, and its
+    # /Last names the end of that run, as the root's names the last item.
+    kolvex.metafl("PDF")
+    kolvex.pdfmod("ON", "BUFF")
+    kolvex.pdfmod("OFF", "COMP")
+    kolvex.kolini()
+    for title, key in [("C1", "CHAP"), ("S1", "SECT"), (r"a\(b", "SUBS"), ("S2", "SECT"),
+                       ("x)", "SUBS"), ("end\\", "PARA"), ("C2", "CHAP")]:
+        kolvex.pdfmrk(title, key)
+    kolvex.kolfin()
+    data = kolvex.pdfbuf(kolvex.pdfbuf(0)[1])[0].decode("latin-1")
+    kolvex.pdfmod("ON", "COMP")
+    kolvex.pdfmod("OFF", "BUFF")
+    capfd.readouterr()
+    k = int(re.search(r"(\d+) 0 obj\n<< /Type /Outlines\n", data).group(1))
+
+    def item(i):
+        return re.search(r"\n%d 0 obj\n(.*?)endobj\n" % (k + i), data, re.S).group(1)
+
+    assert f"   /First {k + 1} 0 R\n   /Last {k + 7} 0 R\n   /Count 7\n" in data
+    assert f"   /Next {k + 7} 0 R\n   /First {k + 2} 0 R\n   /Last {k + 6} 0 R\n   /Count 5\n" in item(1)
+    assert f"   /Prev {k + 2} 0 R\n   /First {k + 5} 0 R\n   /Last {k + 6} 0 R\n   /Count 2\n" in item(4)
+    # As given while the string still ends where it should; escaped otherwise.
+    assert item(3).startswith("<< /Title (a\\(b)\n")
+    assert item(5).startswith("<< /Title (x\\))\n")
+    assert item(6).startswith("<< /Title (end\\\\)\n")
+
+
+def test_image_box_stands_where_postscript_puts_it(tmp_path):
+    corners = []
+    kolvex.pdfmod("OFF", "COMP")  # the content stream as text
+    for dev, name, pattern in (("PDF", "box.pdf", rb"1 0 0 1 ([\d.]+) ([\d.]+) cm\n"),
+                               ("PSCL", "box.ps", rb"gsave ([\d.]+) ([\d.]+) \s*translate")):
+        kolvex.metafl(dev)
+        kolvex.setfil(str(tmp_path / name))
+        kolvex.setpag("DA4P")
+        kolvex.kolini()
+        kolvex.imgbox(300, 400, 200, 100)
+        kolvex.imgini()
+        kolvex.imgfin()
+        kolvex.kolfin()
+        m = re.search(pattern, open(tmp_path / name, "rb").read())
+        corners.append((float(m.group(1)), float(m.group(2))))
+    kolvex.pdfmod("ON", "COMP")
+    assert corners[0] == pytest.approx(corners[1], abs=0.01)

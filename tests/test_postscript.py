@@ -145,6 +145,8 @@ def test_image_mode_embeds_the_canvas(tmp_path):
     kolvex.kolfin()
     data = open("img.ps").read()
     assert "/Width 60 \n/Height 40 \n" in data and "/ImageMatrix [60 0 0 -40 0 40] \n" in data
+    # Each dictionary entry has its line, the last one too: the hex rows follow.
+    assert "filter \n>> image \nFFFFFF" in data
     assert all(len(line) <= 80 for line in data.splitlines())
     ghostscript("img.ps", "img.png", res=30)
     from PIL import Image

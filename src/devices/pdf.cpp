@@ -733,9 +733,11 @@ void pdf_image(glbblk *b) {
     const CanvasState &cs = b->cnv;
     double x0 = 0, y0 = b->core.nyp, w = b->core.nxp + 1.0, h = b->core.nyp + 1.0;
     if (cs.imgbflg) {
-        // Plot coordinates, shifted by the origin as every position is.
+        // Plot coordinates, shifted by the origin as every position is.  The
+        // lower corner is the box's last row, as (0, nyp) is the page's, so
+        // that PostScript and PDF put the picture on the same spot.
         x0 = cs.imgbx[0] + b->dev.nxsh;
-        y0 = (double)cs.imgbx[1] + cs.imgbx[3] + b->dev.nysh;
+        y0 = (double)cs.imgbx[1] + cs.imgbx[3] - 1.0 + b->dev.nysh;
         w = cs.imgbx[2];
         h = cs.imgbx[3];
     }

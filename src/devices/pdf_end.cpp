@@ -43,16 +43,25 @@ void write_ref(PdfRecord *p, const char *key, long long number, const char *tail
     put(p, line, pdfw_txt(pdfw_int(pdfw_txt(line, key), number), tail));
 }
 
-// A title as it stands when its parentheses balance; otherwise, and with a
-// backslash, the three special characters escaped, so that the string
-// always ends where it should.
+// A title goes in as the user gave it.  Only when the string, read as a
+// literal string, would not end at our closing parenthesis (an unbalanced
+// one, or a backslash that would swallow it) are "(", ")" and "\\"
+// escaped, so that the file stays readable.
 void write_title(PdfRecord *p, const char *title) {
     int depth = 0;
     bool plain = true;
     for (const char *c = title; *c && plain; ++c) {
-        if (*c == '(') ++depth;
-        if (*c == ')' && --depth < 0) plain = false;
-        if (*c == '\\') plain = false;
+        if (*c == '\\') {
+            if (!c[1]) {
+                plain = false;
+                break;
+            }
+            ++c;
+        } else if (*c == '(') {
+            ++depth;
+        } else if (*c == ')' && --depth < 0) {
+            plain = false;
+        }
     }
     if (plain && depth == 0) {
         pdfw_str(p, title);
@@ -65,15 +74,17 @@ void write_title(PdfRecord *p, const char *title) {
 }
 
 // The outline tree of the bookmarks: a root and one item per mark, each
-// item's parent the last earlier mark of a lower level.  Returns the root's
+// item's parent the last earlier mark of a lower level.  An item's /Last
+// and the root's name the end of the run of marks below it, not its last
+// direct child, and /Count is the length of that run.  Returns the root's
 // number, 0 without marks or memory.
 int write_outlines(PdfRecord *p, const int *pages, int npages) {
     int n = p->nmarks;
     if (n == 0) return 0;
-    size_t bytes = (size_t)n * 4 * sizeof(int);
+    size_t bytes = (size_t)n * 3 * sizeof(int);
     int *work = static_cast<int *>(qqpdfrealloc(nullptr, bytes));
     if (!work) return 0;
-    int *parent = work, *prev = work + n, *lastchild = work + 2 * n, *count = work + 3 * n;
+    int *parent = work, *prev = work + n, *count = work + 2 * n;
     int lastat[5] = {-1, -1, -1, -1, -1};
     for (int i = 0; i < n; ++i) {
         int L = p->marks[i].level;
@@ -84,21 +95,15 @@ int write_outlines(PdfRecord *p, const int *pages, int npages) {
         prev[i] = lastat[L] > par ? lastat[L] : -1;
         lastat[L] = i;
         for (int l = L + 1; l < 5; ++l) lastat[l] = -1;
-        lastchild[i] = -1;
         count[i] = 0;
     }
-    for (int i = 0; i < n; ++i)
-        if (parent[i] >= 0) lastchild[parent[i]] = i;
     for (int i = n - 1; i >= 0; --i)
         if (parent[i] >= 0) count[parent[i]] += 1 + count[i];
-    int lasttop = 0;
-    for (int i = 0; i < n; ++i)
-        if (parent[i] < 0) lasttop = i;
 
     int root = pdfw_object(p, PDF_OUTLINE);
     pdfw_str(p, "<< /Type /Outlines\n");
     write_ref(p, "   /First ", root + 1, " 0 R\n");
-    write_ref(p, "   /Last ", root + 1 + lasttop, " 0 R\n");
+    write_ref(p, "   /Last ", root + n, " 0 R\n");
     write_ref(p, "   /Count ", n, "\n");
     pdfw_str(p, ">>\nendobj\n");
     for (int i = 0; i < n; ++i) {
@@ -117,7 +122,7 @@ int write_outlines(PdfRecord *p, const int *pages, int npages) {
         }
         if (count[i] > 0) {
             write_ref(p, "   /First ", self + 1, " 0 R\n");
-            write_ref(p, "   /Last ", root + 1 + lastchild[i], " 0 R\n");
+            write_ref(p, "   /Last ", self + count[i], " 0 R\n");
             write_ref(p, "   /Count ", count[i], "\n");
         }
         int page = p->marks[i].page;

@@ -756,6 +756,7 @@ void ps_image(glbblk *b) {
     word(b, "/DataSource currentfile /ASCIIHexDecode filter ");
     newline(b);
     word(b, ">> image ");
+    newline(b);
     static const char kHex[] = "0123456789ABCDEF";
     for (int y = 0; y < h; ++y) {
         qqcgetrow(cv, 0, y, w, 1, row);

@@ -13,8 +13,11 @@
 
 namespace {
 
-// Highest glyph index of a first section: internal code 264 less 31.
-const int kFullRepertoire = 233;
+// Highest glyph index that a first section accepts.  The data of every
+// font carry the whole national repertoire, but only complx accepts all of
+// it (internal code 264 less 31); the others stop at 132, gothic at 95, and
+// a letter past its font's limit is a blank.
+const int kFullRepertoire = 233, kFirstLimit = 132, kGothicLimit = 95;
 
 // Registers the next section of the font being built.  A point count of 0
 // reuses the coordinates of section 1, an index word count of 0 its index
@@ -77,17 +80,16 @@ void select_font(glbblk *b, int font) {
     t.fixbase = (double)1.4f;
     const GlyphTable *s1 = nullptr, *greek = &kxg_complx_greek, *ital = nullptr,
                      *script = &kxg_script;
-    // Every first section carries the national letters of all code sets
-    // (internal codes up to 264), so every font accepts the same codes.
-    int lim1 = kFullRepertoire, limg = 116, limi = 102;
+    int lim1 = kFirstLimit, limg = 116, limi = 102;
     switch (font) {
     case 1: s1 = &kxg_kolalf1; greek = &kxg_kolalf_greek; limg = 95; break;
-    case 3: s1 = &kxg_complx1; ital = &kxg_complx_italic; break;
+    case 3: s1 = &kxg_complx1; ital = &kxg_complx_italic; lim1 = kFullRepertoire; break;
     case 4: s1 = &kxg_simplx1; greek = &kxg_simplx_greek; limg = 95; break;
     case 5: s1 = &kxg_duplx1; break;
     case 6: s1 = &kxg_triplx1; break;
     case 7:
         s1 = &kxg_gothic1;
+        lim1 = kGothicLimit;
         ital = &kxg_gothic_italic;
         limi = 95;
         script = &kxg_gothic_script;
