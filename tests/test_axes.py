@@ -272,6 +272,52 @@ def test_numbers_draw_their_texts(tmp_path, capfd):
     assert _strokes(tmp_path / "number.met") == _strokes(tmp_path / "messag.met")
 
 
+@pytest.mark.parametrize("jus", ["AUTO", "RIGH"])
+def test_power_labels_are_placed_by_the_width_of_10(tmp_path, jus):
+    """Left of a logarithmic Y axis: AUTO aligns the "10"s from the far edge
+    of the widest label, RIGH ends each "10" at the label distance."""
+    a, e = -2.0, 1.0
+    session("graf.met")
+    kolvex.setgrf("NONE", "LABE", "NONE", "NONE")
+    kolvex.frame(0)
+    kolvex.noline("XY")
+    kolvex.ticks(0, "XY")
+    kolvex.scale("LOG", "Y")
+    kolvex.labels("LOG", "Y")
+    kolvex.labdig(-1, "Y")
+    kolvex.labjus(jus, "Y")
+    kolvex.graf(0.0, 1.0, 0.0, 1.0, a, e, a, 1.0)
+    kolvex.endgrf()
+    finish()
+    session("messag.met")
+    kolvex.mixalf()
+    texts = ["10[%d$" % v for v in range(-2, 2)]
+    w10 = kolvex.nlmess("10")
+    x = X0 - 24 - (max(kolvex.nlmess(t) for t in texts) if jus == "AUTO" else w10)
+    f = (YL - 1) / (e - a)
+    for i, t in enumerate(texts):
+        kolvex.messag(t, x, math.trunc(Y0 - 0.5 - i * f - 36 / 2))
+    finish()
+    assert _strokes(tmp_path / "graf.met") == _strokes(tmp_path / "messag.met")
+
+@pytest.mark.parametrize("given, whole", [((-1.0, 1.5), (-2.0, 2.0)), ((0.5, 2.0), (0.0, 3.0)),
+                                          ((1.5, -0.5), (2.0, -1.0))])
+def test_zaxlg_widens_to_decades_by_the_cut_towards_zero(tmp_path, given, whole):
+    """Ends that are already whole exponents still move out a decade, except
+    a start at or above 0 on a rising bar (the tolerance is far too small to
+    hold them)."""
+    for name, mode, (a, e) in (("wide.met", "BOTH", given), ("whole.met", "NONE", whole)):
+        session(name)
+        kolvex.labdig(-1, "Z")
+        kolvex.expzlb(mode)
+        step = 1.0 if e > a else -1.0
+        kolvex.zaxlg(a, e, a, step, 1000, "Z", 0, 1, 500, 1500)
+        finish()
+    # Ticks alternate their direction across the session: compare undirected.
+    def undirected(path):
+        return sorted(min(s[:2], s[2:]) + max(s[:2], s[2:]) for s in _strokes(path))
+    assert undirected(tmp_path / "wide.met") == undirected(tmp_path / "whole.met")
+
 def test_axsers_keeps_the_axis_lines_of_a_raster_page():
     """The erased inside stays one device dot away from the axes, which on a
     raster page spans several plot units."""
@@ -292,3 +338,24 @@ def test_axsers_keeps_the_axis_lines_of_a_raster_page():
     dark = [x for x in range(w) if im.getpixel((x, row)) < 128]
     # The left and the right axis line both survive.
     assert dark and dark[0] <= int(X0 * s + 0.5) + 1 and dark[-1] >= int((X0 + XL - 1) * s + 0.5) - 1
+
+
+def test_graf_frame_on_a_raster_page_steps_by_device_dots():
+    """A frame of 3 on a page drawn at two dots a unit is one solid band of
+    trunc((x + 2) s + 0.5) - trunc(x s + 0.5) + 1 dots, no gaps."""
+    from PIL import Image
+    kolvex.metafl("PNG")
+    kolvex.setfil("frame.png")
+    kolvex.filmod("DELE")
+    kolvex.scrmod("REVERS")
+    kolvex.winsiz(2 * 2969, 2 * 2099)
+    kolvex.kolini()
+    kolvex.setgrf("NONE", "NONE", "NONE", "NONE")
+    kolvex.frame(3)
+    kolvex.graf(0, 1, 0, 1, 0, 1, 0, 1)
+    kolvex.endgrf()
+    finish()
+    im = Image.open("frame.png").convert("L")
+    dark = [x for x in range(im.size[0] // 2) if im.getpixel((x, 2 * (Y0 - YL // 2))) < 128]
+    n = math.trunc((X0 + 2) * 2 + 0.5) - math.trunc(X0 * 2 + 0.5) + 1
+    assert len(dark) == n and dark[-1] - dark[0] == n - 1

@@ -247,7 +247,12 @@ def test_bars3d_needs_a_3d_system(tmp_path, capfd):
     kolvex.graf(0.0, 3.0, 0.0, 1.0, 0.0, 3.0, 0.0, 1.0)
     capfd.readouterr()
     kolvex.bars3d(*args)
-    assert "Warning 3:" in capfd.readouterr().out
+    assert "Warning 3: Incorrect level in bars3d!" in capfd.readouterr().out
+    kolvex.endgrf()
+    # A colour system stands at the level of a 3-D one, but is not one.
+    kolvex.graf3(0.0, 3.0, 0.0, 1.0, 0.0, 3.0, 0.0, 1.0, 0.0, 6.0, 0.0, 1.0)
+    kolvex.bars3d(*args)
+    assert "Warning 35: Confusion of graf3d and graf3 in bars3d!" in capfd.readouterr().out
     kolvex.endgrf()
     kolvex.graf3d(0.0, 3.0, 0.0, 1.0, 0.0, 3.0, 0.0, 1.0, 0.0, 6.0, 0.0, 1.0)
     kolvex.bars3d(*args)

@@ -272,6 +272,23 @@ def test_getmat_spreads_points():
     kolvex.endgrf()
 
 
+def test_getmat_takes_the_grid_of_a_3d_system():
+    # A 2-D system met earlier must not lend its limits to the 3-D one.
+    session("VIRT")
+    graf3()
+    kolvex.endgrf()
+    kolvex.graf3d(10.0, 20.0, 10.0, 5.0, -4.0, 4.0, -4.0, 2.0, 0.0, 1.0, 0.0, 0.5)
+    zmat = np.zeros((3, 3))
+    kolvex.mdfmat(1, 1, 2.0)
+    kolvex.getmat(np.array([15.0]), np.array([0.0]), np.array([7.0]), 1, zmat, 3, 3, -1.0)
+    kolvex.endgrf()
+    # The point sits on grid point (1, 1); the window of one step reaches
+    # the grid points after it, not those before.
+    want = np.full((3, 3), -1.0)
+    want[1:, 1:] = 7.0
+    assert zmat == pytest.approx(want)
+
+
 def test_bad_input_warns_and_goes_on(capfd):
     session("VIRT")
     kolvex.unit(6)

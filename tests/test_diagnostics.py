@@ -68,6 +68,20 @@ def test_warnings_off_still_counts_them(capfd):
     assert banner(out)[2].startswith(" <<  Vectors : 0           Warnings: 2  ")
 
 
+def test_out_of_scaling_lines_keep_quiet_with_the_warnings(capfd, tmp_path):
+    kolvex.metafl("PLOG")
+    kolvex.setfil(str(tmp_path / "o.met"))
+    kolvex.kolini()
+    kolvex.nograf()
+    kolvex.graf(0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0)
+    kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
+    assert "(  2.0000e+00 /  5.0000e-01) out of axis scaling in curve!" in capfd.readouterr().out
+    kolvex.errmod("WARN", "OFF")
+    kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
+    kolvex.errmod("PROT", "OFF")
+    kolvex.kolfin()
+    assert "out of axis scaling" not in capfd.readouterr().out
+
 def test_errmod_before_kolini_is_lost_at_kolini(capfd):
     kolvex.errmod("ALL", "OFF")  # the soft guard reports the level and stores
     kolvex.kolini()

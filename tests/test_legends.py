@@ -226,3 +226,19 @@ def test_legsel_counts_zero_and_minus_one_reach_the_legend():
     assert kolvex.nylegn("") == int(S * 1.5 * H) + 2 * m
     kolvex.legsel([], -1)
     assert kolvex.nylegn("") == full
+
+
+def test_areas_count_their_own_legend_lines(capfd):
+    session()
+    kolvex.unit(6)
+    kolvex.legbgd(3)  # any colour from 0 up is a background
+    kolvex.curve([1.0, 2.0], [1.0, 2.0], 2)
+    kolvex.shdcrv([1.0, 2.0], [1.0, 1.0], 2, [1.0, 2.0], [3.0, 3.0], 2)
+    # The area is the first of its kind: it takes line 1, the curve's.
+    kolvex.legini("", 2, 10)
+    kolvex.leglin("", "a", 1)
+    kolvex.leglin("", "b", 2)
+    kolvex.legend("", 3)
+    out = capfd.readouterr().out
+    assert "Warning 2" not in out
+    assert "Warning 42: More legend lines than calls to curve in legend!   ( 1)" in out

@@ -137,3 +137,27 @@ def test_frames_round_own_pie_and_polygon_regions(tmp_path):
     square = 400 + 4 * 102
     sector = 100 * math.pi / 2 + 200
     assert length(segs) == pytest.approx(square + sector, abs=3)
+
+
+def test_polygon_on_a_3d_plane_lies_where_the_plane_draws(tmp_path):
+    # The polygon is given in the plane's coordinates, like the line; away
+    # from the plane's own mapping it would miss the line entirely.
+    path = str(tmp_path / "p.met")
+
+    def longest(shield):
+        kolvex.metafl("PLOG")
+        kolvex.filmod("DELE")
+        kolvex.setfil(path)
+        kolvex.kolini()
+        kolvex.graf3d(-3.0, 3.0, -3.0, 1.0, -3.0, 3.0, -3.0, 1.0, -3.0, 3.0, -3.0, 1.0)
+        kolvex.grfini(-3.0, -3.0, 0.0, 3.0, -3.0, 0.0, 3.0, 3.0, 0.0)
+        if shield:
+            kolvex.shlpol([2100, 2300, 2300, 2100], [900, 900, 1100, 1100], 4)
+        kolvex.line(500, 1000, 2500, 1000)
+        kolvex.grffin()
+        kolvex.endgrf()
+        kolvex.kolfin()
+        return max(sum(math.dist(p[i], p[i + 1]) for i in range(len(p) - 1)) for p in read_plog(path))
+
+    whole = longest(False)
+    assert longest(True) < 0.8 * whole

@@ -313,4 +313,15 @@ def test_flen_agrees_with_fcha():
     carries included."""
     for x in (12.34, -12.3, 0.5, 9.96, 999.96, 0.001234, -0.001, 2.5, 123456789.0, 0.0):
         for nd in range(-1, 8):
-            assert k.flen(x, nd) == len(k.fcha(x, nd)), (x, nd)
+            # A negative value keeps its sign column even where the text
+            # rounds to zero and loses the minus.
+            extra = 1 if x < 0 and k.fcha(x, nd)[0] != "-" else 0
+            assert k.flen(x, nd) == len(k.fcha(x, nd)) + extra, (x, nd)
+    assert k.flen(-0.004, 2) == 5 and k.fcha(-0.004, 2) == "0.00"
+
+
+def test_intlen_widths():
+    assert [k.intlen(v) for v in (0, 9, 10, -5, 99999999)] == [1, 1, 2, 2, 8]
+    # From 10^8 up the full ten columns are counted.
+    assert k.intlen(123456789) == 10 and k.intlen(-100000000) == 11
+    assert k.intlen(2147483647) == 10

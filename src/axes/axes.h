@@ -65,6 +65,9 @@ void qqaxsides(glbblk *b, int ext[4]) noexcept;
 // center uses while a graf3 system is being opened.
 void qqbar3(glbblk *b) noexcept;
 void qqbarsides(glbblk *b, int ext[4]) noexcept;
+// The limits of a logarithmic colour bar (exponents za, ze) widened to whole
+// decades as expzlb asks: at the start for FIRS, at both ends for BOTH.
+void qqdecades(const glbblk *b, double za, double ze, double *e0, double *e1) noexcept;
 // The axis lengths of axslen, with its tests; false after a warning.
 bool qqaxslen(glbblk *b, int nxl, int nyl) noexcept;
 // The point size of colour rectangles for a grid of nx by ny points over

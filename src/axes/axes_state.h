@@ -113,6 +113,10 @@ struct AxesState {
     // What higher layers end at endgrf (curve counters, legends); each
     // registers itself in its share of the session defaults.
     void (*endhook[4])(glbblk *b);
+    // The frame of boxes drawn by the fill layer (box at x, y of size w by
+    // h, thickness t, angle, colour -1 current), so that an axis system's
+    // frame steps by device pixels as every other frame does.
+    void (*framefn)(glbblk *b, int x, int y, int w, int h, int t, double angle, int colour);
 };
 
 // The defaults of a session for the axis settings (used by qqinit and by

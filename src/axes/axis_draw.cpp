@@ -192,6 +192,10 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     int E;
     bool xgeo = qqaxgeo(c) == 0;
     bool wide_extent = xgeo == vert;
+    // Power-of-ten labels are placed as if each were as wide as its "10";
+    // the extent still reaches over the widest exponent, and with the
+    // labels justified from their far edge the "10"s form one column.
+    double w10 = power ? qqaxtw(b, "10") : 0;
     if (wide_extent) {
         double wmax = 0;
         for (int i = p.first; i <= p.last; i += p.inc) {
@@ -211,19 +215,21 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
         return E;
     }
     double o = lab == 4 ? h - B * h / 2 : h / 2;
-    double w10 = power ? qqaxtw(b, "10") : 0;
     for (int i = p.first; i <= p.last; i += p.inc) {
         double v = label_value(ax, c, i);
         if (c.crossed && std::fabs(v) < 1e-35) continue;
         qqlabtxt(b, v, i + 1, c.logax, axis, t);
         if (!t[0]) continue;
         if (ax.labpos[axis] == 1) v += c.step / 2;
-        double w = qqaxtw(b, t);
+        double wt = qqaxtw(b, t);
+        // w places the label across the axis; wt, its true length, keeps a
+        // shifted label inside the axis ends.
+        double w = power ? w10 : wt;
         double d = (v - c.a) * f;
         double x, y;
         int rot = 0;
         if (xgeo && !vert) {
-            double wj = power && lab == 3 ? w10 : w;
+            double wj = power && lab == 3 ? w10 : wt;
             x = std::trunc(d + c.x0 + 0.5 - wj / 2);
             if (neg)
                 y = base - h;
@@ -231,7 +237,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
                 y = power ? std::trunc((B - 1) * h + base) : base;
             if (ax.labpos[axis] == 2) {
                 if (x < c.x0) x = c.x0;
-                if (x + w > c.x0 + c.len) x = c.x0 + c.len - w;
+                if (x + wt > c.x0 + c.len) x = c.x0 + c.len - wt;
             }
         } else if (xgeo && down) {
             // Turned the other way: the text's top faces the right.
@@ -267,7 +273,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
                 if (y < c.y0 - c.len) y = c.y0 - c.len;
             }
         } else {
-            double wj = power && lab == 4 ? w10 : w;
+            double wj = power && lab == 4 ? w10 : wt;
             rot = 90;
             y = std::trunc(c.y0 - 0.5 - d + wj / 2);
             if (neg) {
@@ -280,7 +286,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
                 y = std::trunc(c.y0 - 0.5 - d - wj / 2);
             }
             if (ax.labpos[axis] == 2) {
-                double top = rot == 270 ? y : y - w, bottom = rot == 270 ? y + w : y;
+                double top = rot == 270 ? y : y - wt, bottom = rot == 270 ? y + wt : y;
                 if (bottom > c.y0) y -= bottom - c.y0;
                 if (top < c.y0 - c.len) y += (c.y0 - c.len) - top;
             }

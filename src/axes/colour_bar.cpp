@@ -18,6 +18,27 @@
 #include "devices/device.h"
 #include "kolvex.h"
 
+void qqdecades(const glbblk *b, double za, double ze, double *e0, double *e1) noexcept {
+    // The cut is towards zero with the library's tolerance, so a negative
+    // whole exponent at the start still moves a decade out.
+    double t = b->core.eps;
+    int x = b->ax.expzlb;
+    *e0 = za;
+    *e1 = ze;
+    if (x == 0) return;
+    bool rising = ze >= za;
+    if (rising)
+        *e0 = std::trunc(za >= 0 ? za + t : za - 1 + t);
+    else
+        *e0 = std::trunc(za >= 0 ? za + 1 - t : za - t);
+    if (x == 2) {
+        if (rising)
+            *e1 = std::trunc(ze >= 0 ? ze + 1 - t : ze - t);
+        else
+            *e1 = std::trunc(ze >= 0 ? ze + t : ze - 1 + t);
+    }
+}
+
 namespace {
 
 enum { FIXE, LEFT, RIGH, BOTT, TOP };
@@ -30,22 +51,9 @@ bool vertical(const AxesState &ax) {
 // logarithmic axis with expzlb, else the scaling itself.
 void bar_limits(const glbblk *b, double *e0, double *e1) {
     const ScaleRecord &r = b->ax.rec;
-    double za = r.a[2], ze = r.e[2], t = b->core.eps;
-    *e0 = za;
-    *e1 = ze;
-    int x = b->ax.expzlb;
-    if (!r.log[2] || x == 0) return;
-    bool rising = ze >= za;
-    if (rising)
-        *e0 = std::trunc(za >= 0 ? za + t : za - 1 + t);
-    else
-        *e0 = std::trunc(za >= 0 ? za + 1 - t : za - t);
-    if (x == 2) {
-        if (rising)
-            *e1 = std::trunc(ze >= 0 ? ze + 1 - t : ze - t);
-        else
-            *e1 = std::trunc(ze >= 0 ? ze + t : ze - 1 + t);
-    }
+    *e0 = r.a[2];
+    *e1 = r.e[2];
+    if (r.log[2]) qqdecades(b, r.a[2], r.e[2], e0, e1);
 }
 
 // The call that draws the bar's axis: the attributes of Z, placed as an

@@ -22,9 +22,13 @@ namespace {
 // or inward for a negative t.
 void draw_frame(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) {
     if (t == 0) return;
+    if (b->ax.framefn) {
+        b->ax.framefn(b, x1, y1, x2 - x1 + 1, y2 - y1 + 1, t, 0.0, clr);
+        return;
+    }
     int saved = b->dev.curclr;
     if (clr != -1 && clr != saved) qqsetc(b, clr);
-    // |t| in the page's units: one rectangle a plot unit, at least one.
+    // Without the fill layer: |t| in the page's units: one rectangle a plot unit, at least one.
     double uf = b->core.unitf > 0 ? b->core.unitf : 1.0;
     double at = t < 0 ? -(double)t : (double)t;
     int n = at * uf + 0.5 > 10000 ? 10000 : (int)(at * uf + 0.5);
@@ -584,16 +588,14 @@ void zaxlg(double a, double e, double orl, double step, int nl, const char *cstr
            int ny) noexcept {
     glbblk *b = KX_ENTRY("zaxlg");
     if (!b) return;
-    // expzlb: the bar reaches to whole decades, at its start or at both ends.
-    int x = b->ax.expzlb;
-    if (x >= 1 && std::isfinite(a) && std::isfinite(e)) {
-        if (a <= e) {
-            a = std::floor(a);
-            if (x == 2) e = std::ceil(e);
-        } else {
-            a = std::ceil(a);
-            if (x == 2) e = std::floor(e);
-        }
+    // The bar reaches to whole decades as expzlb asks; a moved start is
+    // also the origin of the labels, so that they stand on decades.
+    if (std::isfinite(a) && std::isfinite(e)) {
+        double e0, e1;
+        qqdecades(b, a, e, &e0, &e1);
+        if (e0 != a) orl = e0;
+        a = e0;
+        e = e1;
     }
     colour_bar(b, 1, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
 }

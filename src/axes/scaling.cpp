@@ -489,23 +489,26 @@ void autres(int ixdim, int iydim) noexcept {
         mode = 5;
     else
         mode = 1;
+    // Exact cells need no grid: the grid of an earlier call stays.
+    if (mode == 2) {
+        ax.resmod = mode;
+        return;
+    }
     // Sizes by magnitude; the most negative int has none and is refused below.
     auto mag = [](int v) { return v == INT_MIN ? 0 : (v < 0 ? -v : v); };
     int nx = mag(ixdim), ny = mag(iydim);
-    if (mode != 2) {
-        if (nx < 2 || nx > 10000) {
-            qqwarn(b, 2, ixdim);
-            return;
-        }
-        if (ny < 2 || ny > 10000) {
-            qqwarn(b, 2, iydim);
-            return;
-        }
+    if (nx < 2 || nx > 10000) {
+        qqwarn(b, 2, ixdim);
+        return;
+    }
+    if (ny < 2 || ny > 10000) {
+        qqwarn(b, 2, iydim);
+        return;
     }
     ax.resmod = mode;
     ax.autrx = nx;
     ax.autry = ny;
-    if (b->core.level > 1 && mode != 2) qqautres(b, nx, ny, ax.rec.nxl, ax.rec.nyl);
+    if (b->core.level > 1) qqautres(b, nx, ny, ax.rec.nxl, ax.rec.nyl);
 }
 
 void qqautres(glbblk *b, int nx, int ny, int wx, int wy) noexcept {

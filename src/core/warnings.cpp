@@ -246,6 +246,13 @@ void report_out(glbblk *b, const double *v, int dims) {
     qqwarm(b, -1, text);
 }
 
+// Points out of the scaling are counted whenever they are checked; the line
+// about each one is a warning to the user and keeps quiet with the warnings.
+void out_point(glbblk *b, const double *v, int dims) {
+    b->diag.nout++;
+    if (printing(b)) report_out(b, v, dims);
+}
+
 }  // namespace
 
 void qqchkd(glbblk *b, const double *x, const double *y, int n) noexcept {
@@ -261,9 +268,8 @@ void qqchkd(glbblk *b, const double *x, const double *y, int n) noexcept {
         if (std::isnan(x[i]) || std::isnan(y[i])) continue;
         bool out = kind == 2 ? x[i] < 0 : (outside(x[i], lim) || outside(y[i], lim + 2));
         if (out) {
-            d.nout++;
             double v[2] = {x[i], y[i]};
-            report_out(b, v, 2);
+            out_point(b, v, 2);
         }
     }
 }
@@ -280,9 +286,8 @@ void qqchk3(glbblk *b, const double *x, const double *y, const double *z, int n)
     for (int i = 0; i < n; ++i) {
         if (std::isnan(x[i]) || std::isnan(y[i]) || std::isnan(z[i])) continue;
         if (outside(x[i], lim) || outside(y[i], lim + 2) || outside(z[i], lim + 4)) {
-            d.nout++;
             double v[3] = {x[i], y[i], z[i]};
-            report_out(b, v, 3);
+            out_point(b, v, 3);
         }
     }
 }

@@ -205,7 +205,7 @@ void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
     if (b->dev.curclr != saved) qqsetc(b, saved);
     if (cp.mesh >= 1 && cp.mesh <= 3) {
         mesh_colour(b, saved);
-        matrix_mesh(b, n, m, xa, ya, dx, dy, !symb && mode != 2);
+        matrix_mesh(b, n, m, xa, ya, dx, dy, cp.crvmode == 0 && mode != 2);
         qqsetc(b, saved);
     }
     qqclip(b, 1);

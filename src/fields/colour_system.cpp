@@ -64,11 +64,16 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
         qqwarn(b, 2, n < 1 ? n : nx < 2 ? nx : ny);
         return;
     }
+    // The grid spans the X and Y axes of the system in force: the 3-D one
+    // while it is open, else the 2-D one.
     const ScaleRecord &r = b->ax.rec;
+    const SpaceState &sp = b->sp;
     double lim[2][2];
     for (int k = 0; k < 2; ++k) {
-        lim[k][0] = r.log[k] ? std::pow(10.0, r.a[k]) : r.a[k];
-        lim[k][1] = r.log[k] ? std::pow(10.0, r.e[k]) : r.e[k];
+        double a = sp.open ? sp.a[k] : r.a[k], e = sp.open ? sp.e[k] : r.e[k];
+        bool lg = sp.open ? sp.logax[k] != 0 : r.log[k] != 0;
+        lim[k][0] = lg ? std::pow(10.0, a) : a;
+        lim[k][1] = lg ? std::pow(10.0, e) : e;
     }
     double xa = lim[0][0], ya = lim[1][0];
     double dx = (lim[0][1] - xa) / (nx - 1), dy = (lim[1][1] - ya) / (ny - 1);
@@ -98,8 +103,7 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
                     zmat[k] = z;
                     imat[k] = -1;
                 } else if (imat[k] != -1) {
-                    // d^power from the squared distance: one root less.
-                    double w = 1.0 / std::pow(d2, power / 2);
+                    double w = 1.0 / std::pow(std::sqrt(d2), power);
                     imat[k]++;
                     zmat[k] += w * z;
                     wmat[k] += w;
@@ -117,8 +121,12 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
 void mdfmat(int ix, int iy, double weight) noexcept {
     glbblk *b = KX_ENTRY("mdfmat");
     if (!b) return;
-    if (ix < 1 || iy < 1 || !(weight > 0)) {
-        qqwarn(b, 2, ix < 1 ? ix : iy < 1 ? iy : 0);
+    if (ix < 1 || iy < 1) {
+        qqwarn(b, 2, ix < 1 ? ix : iy);
+        return;
+    }
+    if (!(weight > 0)) {
+        qqwarnd(b, 2, weight);
         return;
     }
     b->cpl.mdfwin[0] = ix;
@@ -149,7 +157,7 @@ void setres3d(double xl, double yl, double zl) noexcept {
     const double v[3] = {xl, yl, zl};
     for (int i = 0; i < 3; ++i) {
         if (!(v[i] >= b->core.eps))
-            qqwarn(b, 2, 0);
+            qqwarnd(b, 2, v[i]);
         else
             b->cpl.cube[i] = v[i];
     }

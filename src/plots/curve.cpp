@@ -625,11 +625,9 @@ void shdcrv(const double *x1ray, const double *y1ray, int n1, const double *x2ra
     c.shdarea = 1;
     int pattern = qqgetpattern(b);
     bool outline = qqarealine(b);
-    // A shaded area takes the next entry of the legend's running number,
-    // the one that curves count with, so that curves and areas mix.
-    qqlegrecord(b, c.ncrv, pattern, outline, false);
-    c.ncrv++;
-    c.legpend = 1;
+    // Areas keep their own count for the legend: the n-th area fills the
+    // n-th legend line, whatever curves came before.
+    qqlegrecord(b, c.nshd, pattern, outline, false);
     qqchkd(b, x1ray, y1ray, n1);
     qqchkd(b, x2ray, y2ray, n2);
     // The polygon: the first curve forward, the second backward.  Points

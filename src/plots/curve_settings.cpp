@@ -11,6 +11,7 @@
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "plots/curves.h"
+#include "plots/fill.h"
 
 namespace {
 
@@ -38,6 +39,7 @@ void curves_init(glbblk *b) {
     qqleginit(b);
     // endgrf ends the curve counters and the legend's records.
     qqaxhook(b, qqresatt);
+    b->ax.framefn = qqframe;
 }
 
 void curves_release(glbblk *b) {

@@ -441,7 +441,9 @@ void legclr() noexcept {
 
 void legbgd(int nclr) noexcept {
     glbblk *b = KX_ENTRY("legbgd");
-    if (!b || qqchki(b, nclr, -1, -1)) return;
+    // -1 takes the background away; any colour from 0 up, index or
+    // explicit RGB value, is a background.
+    if (!b || qqchki(b, nclr, -1, -2)) return;
     b->leg.bgd = nclr;
 }
 

@@ -720,7 +720,7 @@ void shlpie(int nx, int ny, int nr, double alpha, double beta) noexcept {
         return;
     }
     double y = qqyflp(b, ny);
-    if (std::fabs(beta - alpha) >= 360.0 - 1e-5) {
+    if (std::fabs(beta - alpha) >= 360.0 - b->core.eps) {
         double v[3] = {(double)nx, y, (double)nr};
         if (int t = frame_of(b)) frame_ellipse(b, v[0], v[1], nr, nr, 0.0, t);
         qqshladd(b, 3, v, 3);
@@ -740,6 +740,8 @@ void shlpol(const int *nxray, const int *nyray, int n) noexcept {
     int m = 0;
     for (int i = 0; i < n; ++i) {
         double x = nxray[i], y = qqyflp(b, nyray[i]);
+        // On a 3-D plane the region must lie where the plane's lines land.
+        if (b->dev.pl3on == 1 && b->dev.planemap) b->dev.planemap(b, &x, &y);
         if (m > 0 && v[2 * m - 2] == x && v[2 * m - 1] == y) continue;
         v[2 * m] = x, v[2 * m + 1] = y;
         ++m;

@@ -65,12 +65,13 @@ void bars3d(const double *xray, const double *yray, const double *z1ray, const d
     // legend holds at most QQ_NLEG entries: the search ends with them.
     CurveState &cs = b->crv;
     int seen[QQ_NLEG], nseen = 0;
+    // -1 stands for the current colour, so both count as one colour.
     for (int i = 0; i < n && nseen < QQ_NLEG; ++i) {
-        bool known = false;
-        for (int j = 0; j < nseen && !known; ++j) known = seen[j] == icray[i];
-        if (known) continue;
-        seen[nseen++] = icray[i];
         int clr = icray[i] == -1 ? current : icray[i];
+        bool known = false;
+        for (int j = 0; j < nseen && !known; ++j) known = seen[j] == clr;
+        if (known) continue;
+        seen[nseen++] = clr;
         if (clr != b->dev.curclr) qqsetc(b, clr);
         qqlegrecord(b, cs.ncrv, QQ_SOLID_PATTERN, false, false);
         cs.ncrv++;

@@ -202,10 +202,10 @@ int flen(double x, int ndig) noexcept {
     // d: digits before the point, at least the "0" of "0.".
     int d = ndig > 0 ? (nd > ndig ? nd - ndig : 1) : nd;
     int len = ndig < 0 ? d : d + ndig + 1;
-    if (x < 0) {
-        // A minus stands only before a text that is not all zeros.
-        if (v != 0) ++len;
-    }
+    // Room for a sign whenever x is negative, even where the drawn text
+    // later drops the minus of an all-zero result: callers size fields
+    // with this and a spare column costs nothing.
+    if (x < 0) ++len;
     return len;
 }
 
@@ -222,11 +222,13 @@ int intlen(int nint) noexcept {
     long long a = nint < 0 ? -(long long)nint : nint;
     int n = 1;
     long long p = 10;
+    // Compared up to 10^8 only; anything from 10^8 up is given the full
+    // ten columns of the widest integer.
     while (n < 9 && a >= p) {
         ++n;
         p *= 10;
     }
-    if (n == 9 && a >= p) n = 10;
+    if (n == 9) n = 10;
     return n + (nint < 0 ? 1 : 0);
 }
 
