@@ -76,8 +76,10 @@ def font_page(font, device):
     y += 70
     k.messag("Cyrillic: АБВГДЕЁЖЗИЙКЛМНОПРСТУФХЦЧШЩЪЫЬЭЮЯ абвгдеёжзийклмнопрстуфхцчшщъыьэюя", 80, y)
     y += 70
-    # the letters of ISO 8859-2 and -3, capitals and small letters apart
-    for cs in ("ISO2", "ISO3"):
+    # the letters of ISO 8859-2 and -3, capitals and small letters apart;
+    # only complx accepts the whole national repertoire, the other fonts
+    # stop at their section limit and draw the rest as blanks
+    for cs in ("ISO2", "ISO3") if font == "complx" else ():
         k.chacod(cs)
         for lo, hi in ((0xA1, 0xC0), (0xC0, 0xE0), (0xE0, 0xF5)):
             k.messag(cs + ": " + code_set_text(range(lo, hi)), 80, y)
