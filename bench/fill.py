@@ -18,24 +18,15 @@ import argparse
 import json
 import math
 import os
-import shutil
 import struct
 import subprocess
 import sys
 import tempfile
 import time
+from harness import build
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 WIDTH, HEIGHT = 853, 603
-
-
-def build(build_dir):
-    gen = ["-G", "Ninja"] if shutil.which("ninja") else []
-    subprocess.run(["cmake", "-S", ROOT, "-B", build_dir, *gen, "-DKOLVEX_BENCH=ON",
-                    "-DCMAKE_BUILD_TYPE=Release"], check=True, stdout=subprocess.DEVNULL)
-    subprocess.run(["cmake", "--build", build_dir, "--parallel", "2", "--target", "kolvex_bench_fill"],
-                   check=True, stdout=subprocess.DEVNULL)
-    return os.path.join(build_dir, "kolvex_bench_fill")
 
 
 def polygon(n):
@@ -76,7 +67,7 @@ def main():
     ap.add_argument("--build", default=os.path.join(ROOT, "build", "bench"))
     ap.add_argument("--repeat", type=int, default=5, help="best of this many runs")
     a = ap.parse_args()
-    exe = build(a.build)
+    exe = build(a.build, "kolvex_bench_fill")
     poly, line = polygon(a.vertices), polyline(a.points)
     with tempfile.TemporaryDirectory() as tmp:
         files = []

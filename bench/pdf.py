@@ -18,24 +18,15 @@ The exit status is 1 when a target is missed.
 import argparse
 import json
 import os
-import shutil
 import struct
 import subprocess
 import sys
 import tempfile
 import time
+from harness import build
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 NXP, NYP = 2969, 2099  # the default page in plot coordinates (1/100 cm)
-
-
-def build(build_dir):
-    gen = ["-G", "Ninja"] if shutil.which("ninja") else []
-    subprocess.run(["cmake", "-S", ROOT, "-B", build_dir, *gen, "-DKOLVEX_BENCH=ON",
-                    "-DCMAKE_BUILD_TYPE=Release"], check=True, stdout=subprocess.DEVNULL)
-    subprocess.run(["cmake", "--build", build_dir, "--parallel", "2", "--target", "kolvex_bench_pdf"],
-                   check=True, stdout=subprocess.DEVNULL)
-    return os.path.join(build_dir, "kolvex_bench_pdf")
 
 
 def points(n, seed=1):
@@ -74,7 +65,7 @@ def main():
     ap.add_argument("--build", default=os.path.join(ROOT, "build", "bench"))
     ap.add_argument("--repeat", type=int, default=3, help="best of this many runs")
     a = ap.parse_args()
-    exe = build(a.build)
+    exe = build(a.build, "kolvex_bench_pdf")
     pts = points(a.points)
     with tempfile.TemporaryDirectory() as tmp:
         data = os.path.join(tmp, "points.bin")

@@ -21,25 +21,16 @@ the smaller one.
 import argparse
 import json
 import os
-import shutil
 import subprocess
 import sys
 import tempfile
 import time
 
 import numpy as np
+from harness import build
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 NXP, NYP = 2969, 2099  # the default page in plot coordinates
-
-
-def build(build_dir):
-    gen = ["-G", "Ninja"] if shutil.which("ninja") else []
-    subprocess.run(["cmake", "-S", ROOT, "-B", build_dir, *gen, "-DKOLVEX_BENCH=ON",
-                    "-DCMAKE_BUILD_TYPE=Release"], check=True, stdout=subprocess.DEVNULL)
-    subprocess.run(["cmake", "--build", build_dir, "--parallel", "2", "--target", "kolvex_bench_ps"],
-                   check=True, stdout=subprocess.DEVNULL)
-    return os.path.join(build_dir, "kolvex_bench_ps")
 
 
 def scatter(n, seed=1):
@@ -80,7 +71,7 @@ def main():
     ap.add_argument("--build", default=os.path.join(ROOT, "build", "bench"))
     ap.add_argument("--repeat", type=int, default=3, help="best of this many runs")
     a = ap.parse_args()
-    exe = build(a.build)
+    exe = build(a.build, "kolvex_bench_ps")
     ok = True
     print(f"polyline of {a.points} points to PostScript, best of {a.repeat}")
     for name, make in (("random points", scatter), ("random walk", walk)):

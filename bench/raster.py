@@ -15,23 +15,14 @@ zlib's deflate.  The exit status is 1 when a target is missed.
 import argparse
 import json
 import os
-import shutil
 import subprocess
 import sys
 import tempfile
 import time
+from harness import build
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 WIDTH, HEIGHT = 853, 603
-
-
-def build(build_dir):
-    gen = ["-G", "Ninja"] if shutil.which("ninja") else []
-    subprocess.run(["cmake", "-S", ROOT, "-B", build_dir, *gen, "-DKOLVEX_BENCH=ON",
-                    "-DCMAKE_BUILD_TYPE=Release"], check=True, stdout=subprocess.DEVNULL)
-    subprocess.run(["cmake", "--build", build_dir, "--parallel", "2", "--target", "kolvex_bench_raster"],
-                   check=True, stdout=subprocess.DEVNULL)
-    return os.path.join(build_dir, "kolvex_bench_raster")
 
 
 def points(n, seed=1):
@@ -61,7 +52,7 @@ def main():
     ap.add_argument("--build", default=os.path.join(ROOT, "build", "bench"))
     ap.add_argument("--repeat", type=int, default=3, help="best of this many runs")
     a = ap.parse_args()
-    exe = build(a.build)
+    exe = build(a.build, "kolvex_bench_raster")
     pts = points(a.points)
     with tempfile.TemporaryDirectory() as tmp:
         data = os.path.join(tmp, "points.bin")
