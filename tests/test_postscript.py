@@ -297,3 +297,24 @@ def test_ps_rendering_matches_the_png(page, tmp_path):
     # square caps and the joins.
     width = colour_mask(a, COLOURS["zigzag"]).sum() / (1500 * sp)
     assert 12 * sp - 0.3 < width < 12 * sp + 1.2, width
+
+
+@pytest.mark.parametrize("device", ["PS", "PDF"])
+def test_whole_page_image_ignores_the_origin_shift(tmp_path, device):
+    """A picture that fills the page stays on the page when the origin moves."""
+    def placed(shift):
+        name = f"img{shift}.{device.lower()}"
+        kolvex.setfil(name)
+        kolvex.metafl(device)
+        if device == "PDF":
+            kolvex.pdfmod("OFF", "COMP")
+        kolvex.kolini()
+        kolvex.origin(shift, shift)
+        kolvex.imgini()
+        kolvex.imgfin()
+        kolvex.kolfin()
+        text = open(name, "rb").read().decode("latin-1")
+        pat = r"gsave *([-\d.]+) +([-\d.]+) +translate" if device == "PS" else r"1 0 0 1 ([-\d.]+) ([-\d.]+) cm\n"
+        return re.search(pat, text).groups()
+
+    assert placed(300) == placed(0)

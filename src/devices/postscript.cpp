@@ -708,17 +708,18 @@ void ps_image(glbblk *b) {
         return;
     }
     // The lower left corner and the size in plot coordinates: the box of
-    // imgbox, or the whole page.
+    // imgbox, shifted by the origin as every position is, or the whole
+    // page, which stays where the page is whatever the origin.
     double cx = 0, cy = b->core.nyp, pw = b->core.nxp + 1.0, ph = b->core.nyp + 1.0;
     if (cs.imgbflg) {
-        cx = cs.imgbx[0];
-        cy = cs.imgbx[1] + cs.imgbx[3] - 1.0;
+        cx = cs.imgbx[0] + b->dev.nxsh;
+        cy = cs.imgbx[1] + cs.imgbx[3] - 1.0 + b->dev.nysh;
         pw = cs.imgbx[2];
         ph = cs.imgbx[3];
     }
     end_path(b);
     double px, py, s = b->sess.devscl;
-    map(b, cx + b->dev.nxsh, cy + b->dev.nysh, &px, &py);
+    map(b, cx, cy, &px, &py);
     word(b, "/DeviceRGB setcolorspace ");
     word(b, "gsave ");
     fnum(b, px * kPoints, 3);
