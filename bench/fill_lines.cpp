@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "bench_io.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
@@ -18,19 +19,6 @@
 #include "raster/primitives.h"
 
 namespace {
-
-std::vector<double> read_pairs(const char *name) {
-    std::vector<double> v;
-    FILE *fp = std::fopen(name, "rb");
-    if (!fp) return v;
-    double pair[2];
-    while (std::fread(pair, sizeof pair, 1, fp) == 1) {
-        v.push_back(pair[0]);
-        v.push_back(pair[1]);
-    }
-    std::fclose(fp);
-    return v;
-}
 
 template <class F>
 double best(int repeat, F f) {
@@ -51,7 +39,7 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "usage: %s polygon.bin polyline.bin repeat\n", argv[0]);
         return 2;
     }
-    std::vector<double> poly = read_pairs(argv[1]), line = read_pairs(argv[2]);
+    std::vector<double> poly = bench::read_pairs<double>(argv[1]), line = bench::read_pairs<double>(argv[2]);
     int repeat = std::atoi(argv[3]);
     if (poly.size() < 6 || line.size() < 4 || repeat < 1) return 2;
     metafl("VIRT");

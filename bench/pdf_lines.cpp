@@ -12,6 +12,7 @@
 #include <cstring>
 #include <vector>
 
+#include "bench_io.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
@@ -23,15 +24,7 @@ int main(int argc, char **argv) {
         return 2;
     }
     bool memory = argc > 3 && std::strcmp(argv[3], "memory") == 0;
-    FILE *fp = std::fopen(argv[1], "rb");
-    if (!fp) return 2;
-    std::vector<double> xy;
-    double pair[2];
-    while (std::fread(pair, sizeof pair, 1, fp) == 1) {
-        xy.push_back(pair[0]);
-        xy.push_back(pair[1]);
-    }
-    std::fclose(fp);
+    std::vector<double> xy = bench::read_pairs<double>(argv[1]);
     size_t n = xy.size() / 2;
     if (n < 2) return 2;
 
@@ -56,7 +49,7 @@ int main(int argc, char **argv) {
         std::vector<unsigned char> out((size_t)bytes);
         if (pdfbuf(out.data(), (int)bytes) != bytes) return 1;
     }
-    double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+    double t = bench::seconds_since(t0);
     double cpu = (double)(std::clock() - c0) / CLOCKS_PER_SEC;
     if (!memory) {
         FILE *f = std::fopen(argv[2], "rb");

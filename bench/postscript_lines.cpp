@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "bench_io.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
@@ -20,15 +21,7 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "usage: %s points.bin out.ps\n", argv[0]);
         return 2;
     }
-    FILE *fp = std::fopen(argv[1], "rb");
-    if (!fp) return 2;
-    std::vector<double> xy;
-    double pair[2];
-    while (std::fread(pair, sizeof pair, 1, fp) == 1) {
-        xy.push_back(pair[0]);
-        xy.push_back(pair[1]);
-    }
-    std::fclose(fp);
+    std::vector<double> xy = bench::read_pairs<double>(argv[1]);
     size_t n = xy.size() / 2;
     if (n < 2) return 2;
 
@@ -45,9 +38,9 @@ int main(int argc, char **argv) {
     for (size_t i = 1; i < n; ++i) qqdraw(b, xy[2 * i], xy[2 * i + 1]);
     qqflsh(b);
     kolfin();
-    double t = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+    double t = bench::seconds_since(t0);
     double cpu = (double)(std::clock() - c0) / CLOCKS_PER_SEC;
-    fp = std::fopen(argv[2], "rb");
+    FILE *fp = std::fopen(argv[2], "rb");
     long size = -1;
     if (fp && std::fseek(fp, 0, SEEK_END) == 0) size = std::ftell(fp);
     if (fp) std::fclose(fp);

@@ -10,6 +10,7 @@
 #include <vector>
 #include <zlib.h>
 
+#include "bench_io.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
@@ -18,28 +19,14 @@
 #include "raster/primitives.h"
 #include "raster/writers.h"
 
-namespace {
-
-double seconds_since(std::chrono::steady_clock::time_point t0) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-}
-
-}  // namespace
+using bench::seconds_since;
 
 int main(int argc, char **argv) {
     if (argc != 3) {
         std::fprintf(stderr, "usage: %s points.bin out.png\n", argv[0]);
         return 2;
     }
-    FILE *fp = std::fopen(argv[1], "rb");
-    if (!fp) return 2;
-    std::vector<int> xy;
-    int pair[2];
-    while (std::fread(pair, sizeof pair, 1, fp) == 1) {
-        xy.push_back(pair[0]);
-        xy.push_back(pair[1]);
-    }
-    std::fclose(fp);
+    std::vector<int> xy = bench::read_pairs<int>(argv[1]);
     size_t n = xy.size() / 2;
     if (n < 2) return 2;
 
