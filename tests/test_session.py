@@ -519,3 +519,24 @@ def test_symfil_reads_no_file_name_as_a_command(fake_driver):
     assert not os.path.exists("INJECTED") and not os.path.exists("INJECTED2")
     args = fake_driver.read_text().split("\n")
     assert args[1] == name and args[-2] == "V=" + table
+
+
+def test_parameter_getters_give_the_settings(capfd):
+    kolvex.kolini()
+    kolvex.angle(30)
+    kolvex.height(50)
+    kolvex.hname(44)
+    kolvex.labdis(11, "XZ")
+    kolvex.namdis(22, "Y")
+    kolvex.marker(5)
+    kolvex.hsymbl(33)
+    kolvex.ticlen(40, 20)
+    assert (kolvex.getang(), kolvex.gethgt(), kolvex.gethnm()) == (30, 50, 44)
+    assert kolvex.getsp1()[::2] == (11, 11) and kolvex.getsp2()[1] == 22
+    assert (kolvex.getsym(), kolvex.gettcl()) == ((5, 33), (40, 20))
+    kolvex.color("RED")
+    assert kolvex.getlit(0.0, 0.0, 0.0, 0.0, 0.0, 1.0) == kolvex.getclr()  # lights off
+    kolvex.unit(0)
+    kolvex.kolfin()
+    assert kolvex.getang() == 0  # levels 1 to 3
+    assert "Incorrect level in getang!" in capfd.readouterr().out

@@ -195,6 +195,14 @@ void hsymbl(int nhsym) noexcept {
     b->crv.hsymbl = nhsym;
 }
 
+void getsym(int *nsym, int *nhsym) noexcept {
+    *nsym = *nhsym = 0;
+    glbblk *b = KX_ENTRY("getsym");
+    if (!b) return;
+    *nsym = b->crv.marker;
+    *nhsym = b->crv.hsymbl;
+}
+
 void symrot(double xrot) noexcept {
     glbblk *b = KX_ENTRY("symrot");
     if (!b) return;

@@ -739,6 +739,26 @@ void light(const char *copt) noexcept {
     if (k > 0) b->sp.lights = k - 1;
 }
 
+// The colour number that the light model gives a point with a normal, as a
+// polygon gets it on output without pixels; the current colour with the
+// lights off.  The point is a user position of the open 3-D axis system,
+// else an absolute one.
+int getlit(double xp, double yp, double zp, double xn, double yn, double zn) noexcept {
+    glbblk *b = KX_ENTRY("getlit");
+    if (!b) return 0;
+    const SpaceState &s = b->sp;
+    if (!s.lights) return b->dev.curclr;
+    double p[3] = {xp, yp, zp}, n[3] = {xn, yn, zn};
+    if (s.open)
+        for (int a = 0; a < 3; ++a) p[a] = qqusr2abs(b, a, p[a]);
+    double len = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+    if (len > 1e-35)
+        for (double &v : n) v /= len;
+    double c[3];
+    qqlight(b, p, n, 0, nullptr, c);
+    return qqnearest(b, (int)(c[0] * 255 + 0.5), (int)(c[1] * 255 + 0.5), (int)(c[2] * 255 + 0.5));
+}
+
 void litmod(int id, const char *copt) noexcept {
     glbblk *b = KX_ENTRY("litmod");
     if (!b || !light_index(b, id)) return;

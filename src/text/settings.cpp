@@ -32,6 +32,16 @@ void angle(int ngrad) noexcept {
     if (t.hwmode) qqhwstyle(b);
 }
 
+int getang() noexcept {
+    glbblk *b = KX_ENTRY("getang");
+    return b ? b->txt.angle : 0;
+}
+
+int gethgt() noexcept {
+    glbblk *b = KX_ENTRY("gethgt");
+    return b ? b->txt.height : 0;
+}
+
 void chaang(double xang) noexcept {
     glbblk *b = KX_ENTRY("chaang");
     if (!b) return;
