@@ -381,7 +381,7 @@ def test_reset_of_unit_and_nochek(capfd):
 
 def test_reset_takes_only_names_that_a_subsystem_answers(capfd):
     kolvex.kolini()
-    for name in ("WINSIZ", "PSMETA", "colr", "SURVIS"):
+    for name in ("WINSIZ", "PSMETA", "colr", "filbox", "FILCLR", "zscale", "view3d", "flab3d", "SURVIS"):
         kolvex.reset(name)
     # No subsystem of this build resets the surfaces yet.
     assert warnings_of(capfd.readouterr().out) == [" <<<< Warning 2: Incorrect parameter in reset!   (SURVIS)"]

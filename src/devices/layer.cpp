@@ -85,6 +85,9 @@ void reset_origin(glbblk *b) {
 
 void reset_clip_window(glbblk *b) { qqclippage(b); }
 
+void reset_filbox(glbblk *b) { b->dev.fboxset = 0; }
+void reset_filclr(glbblk *b) { b->dev.fclrnone = 0; }
+
 void reset_clip_mode(glbblk *b) {
     DeviceState &d = b->dev;
     d.clpmd = 0;
@@ -99,7 +102,8 @@ void reset_clip_mode(glbblk *b) {
 
 const ResetEntry kResets[] = {
     {"ORIG", reset_origin},    {"CLPB", reset_clip_window}, {"CLPW", reset_clip_window},
-    {"CLPM", reset_clip_mode}, {"NOCL", reset_clip_mode},   {nullptr, nullptr},
+    {"CLPM", reset_clip_mode}, {"NOCL", reset_clip_mode},   {"FILB", reset_filbox},
+    {"FILC", reset_filclr},    {nullptr, nullptr},
 };
 
 }  // namespace

@@ -464,8 +464,19 @@ void colour_scale(glbblk *b, const double *c, size_t n, bool own) {
 
 }  // namespace
 
+namespace {
+// view3d's point back to the default viewpoint, flab3d's labels back on.
+void reset_view(glbblk *b) {
+    SpaceState &s = b->sp;
+    s.eye[0] = s.eye[1] = s.eye[2] = 0;
+    s.eyemode = 0;
+}
+void reset_flab(glbblk *b) { b->sp.flab = 1; }
+const ResetEntry kResets[] = {{"FLAB", reset_flab}, {"VIEW", reset_view}, {nullptr, nullptr}};
+}  // namespace
+
 extern const Subsystem kxsub_space = {"space",       defaults, space_init,
-                                      space_release, nullptr,  space_end};
+                                      space_release, kResets,  space_end};
 
 void qqlitabs(glbblk *b, int k) noexcept {
     Light3 &l = b->sp.lit[k];
