@@ -35,7 +35,7 @@ void qqinit(glbblk *b) noexcept;
 // Frees everything the subsystems hang on a block that goes away.
 void qqrelease(glbblk *b) noexcept;
 // Ends the subsystems' open work at kolfin (buffers, image and
-// transparency modes, PLY output), in the order of the list.
+// transparency modes, PLY output), in the reverse order of the list.
 void qqend(glbblk *b) noexcept;
 // Runs the reset rows of the given name; returns the number of rows run.
 int qqresetrow(glbblk *b, const char *name) noexcept;
