@@ -381,10 +381,17 @@ def test_reset_of_unit_and_nochek(capfd):
 
 def test_reset_takes_only_names_that_a_subsystem_answers(capfd):
     kolvex.kolini()
-    for name in ("WINSIZ", "PSMETA", "colr", "filbox", "FILCLR", "zscale", "view3d", "flab3d", "SURVIS"):
+    for name in ("WINSIZ", "PSMETA", "colr", "SURVIS"):
         kolvex.reset(name)
     # No subsystem of this build resets the surfaces yet.
     assert warnings_of(capfd.readouterr().out) == [" <<<< Warning 2: Incorrect parameter in reset!   (SURVIS)"]
+
+
+def test_reset_answers_the_settings_of_included_files_views_and_z_scale(capfd):
+    kolvex.kolini()
+    for name in ("filbox", "FILCLR", "zscale", "view3d", "flab3d"):
+        kolvex.reset(name)
+    assert warnings_of(capfd.readouterr().out) == []
 
 
 @pytest.mark.parametrize("word", ["", "AL", "ALLE", "TICX", "RESET", " ALL"])
