@@ -7,6 +7,7 @@
 // library lock.  The slot fields are atomics so that the unlocked scan is
 // well defined while another thread claims a slot.
 #include "core/guard.h"
+#include "core/core_block.h"
 
 #include <atomic>
 #include <cstdio>
@@ -27,13 +28,13 @@ namespace {
 struct Slot {
     std::atomic<unsigned> id;
     std::atomic<int> state;  // 0 free, 1 in use
-    std::atomic<glbblk *> blk;
+    std::atomic<CoreBlock *> blk;
 };
 
 std::atomic<int> thrmod{0};
 int thrmax = 0;
 Slot *slots = nullptr;
-glbblk *oneblk = nullptr;
+CoreBlock *oneblk = nullptr;
 std::mutex *liblock = nullptr;
 std::mutex tablelock;  // serialises thrini/thrfin against each other
 
@@ -47,8 +48,8 @@ unsigned thread_id() noexcept {
     std::exit(status);
 }
 
-glbblk *new_block() noexcept {
-    auto *b = static_cast<glbblk *>(std::calloc(1, sizeof(glbblk)));
+CoreBlock *new_block() noexcept {
+    auto *b = static_cast<CoreBlock *>(std::calloc(1, qqblocksize()));
     if (!b) fatal("Not enough memory for global variables!\n", 1);
     return b;
 }
@@ -71,7 +72,7 @@ void qqlock(int release) noexcept {
         liblock->lock();
 }
 
-glbblk *qqglob(int op, int *value) noexcept {
+CoreBlock *qqglob(int op, int *value) noexcept {
     switch (op) {
     case QQ_FIND: {
         if (value) *value = 1;
@@ -93,7 +94,7 @@ glbblk *qqglob(int op, int *value) noexcept {
             slots[free].blk.store(nullptr, std::memory_order_relaxed);
             slots[free].state.store(1, std::memory_order_release);
             liblock->unlock();
-            glbblk *b = new_block();
+            CoreBlock *b = new_block();
             slots[free].blk.store(b, std::memory_order_release);
             if (value) *value = 0;
             return b;
@@ -166,7 +167,7 @@ glbblk *qqglob(int op, int *value) noexcept {
     return nullptr;
 }
 
-glbblk *qqcur() noexcept {
+CoreBlock *qqcur() noexcept {
     if (thrmod.load(std::memory_order_acquire) != 1) return oneblk;
     unsigned me = thread_id();
     for (int i = 0; i < thrmax; ++i)
@@ -176,16 +177,16 @@ glbblk *qqcur() noexcept {
     return nullptr;
 }
 
-static glbblk *find_block(const char *name) noexcept {
+static CoreBlock *find_block(const char *name) noexcept {
     int found = 1;
-    glbblk *b = qqglob(QQ_FIND, &found);
+    CoreBlock *b = qqglob(QQ_FIND, &found);
     if (!found) qqfirst(b);
     qqscpy(b->core.rtnam, name, 8);
     return b;
 }
 
-glbblk *qqentry(int minlevel, int maxlevel, const char *name) noexcept {
-    glbblk *b = find_block(name);
+CoreBlock *qqentry(int minlevel, int maxlevel, const char *name) noexcept {
+    CoreBlock *b = find_block(name);
     int lev = (int)b->core.level;
     if (lev >= minlevel && lev <= maxlevel) return b;
     if (lev == 0) b->diag.outu = 6;
@@ -193,8 +194,8 @@ glbblk *qqentry(int minlevel, int maxlevel, const char *name) noexcept {
     return nullptr;
 }
 
-glbblk *qqsoft(const char *name) noexcept {
-    glbblk *b = qqcur();
+CoreBlock *qqsoft(const char *name) noexcept {
+    CoreBlock *b = qqcur();
     if (b) {
         qqscpy(b->core.rtnam, name, 8);
         if (b->core.level < 1 || b->core.level > 3) qqwarn(b, 3, (int)b->core.level);
@@ -204,14 +205,18 @@ glbblk *qqsoft(const char *name) noexcept {
     return qqcur();
 }
 
-glbblk *qqfree(const char *name) noexcept { return find_block(name); }
+CoreBlock *qqfree(const char *name) noexcept {
+    return find_block(name);
+}
 
 // ---- thread routines ---------------------------------------------------------
 
 namespace {
 int thrcal = 0;  // slot count of a successful thrini, 0 without one
 
-void release_block_state(glbblk *b) noexcept { qqrelease(b); }
+void release_block_state(CoreBlock *b) noexcept {
+    qqrelease(b);
+}
 }  // namespace
 
 void thrini(int n) noexcept {
@@ -242,7 +247,7 @@ void thrfin() noexcept {
     }
     for (int i = 0; i < thrcal; ++i) {
         int value = i;
-        glbblk *b = qqglob(QQ_BYINDEX, &value);
+        CoreBlock *b = qqglob(QQ_BYINDEX, &value);
         if (b) release_block_state(b);
     }
     qqglob(QQ_CLOSE, nullptr);
@@ -250,7 +255,7 @@ void thrfin() noexcept {
 }
 
 void delglb() noexcept {
-    glbblk *b = qqcur();
+    CoreBlock *b = qqcur();
     if (!b || b->core.level != 0) return;
     release_block_state(b);
     qqglob(QQ_DELETE, nullptr);

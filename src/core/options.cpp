@@ -5,27 +5,28 @@
 #include <cstring>
 
 #include "core/guard.h"
+#include "core/core_block.h"
 #include "core/keywords.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 
 void winapp(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("winapp");
+    CoreBlock *b = KX_ENTRY("winapp");
     if (!b) return;
     int k = qqkey(b, "CONS+WIND", 2, copt);
     if (k > 0) b->sess.wapp = (unsigned char)(k - 1);
 }
 
 void wintyp(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("wintyp");
+    CoreBlock *b = KX_ENTRY("wintyp");
     if (!b) return;
     int k = qqkey(b, "STAN+POPU", 2, copt);
     if (k > 0) b->sess.wtyp = (unsigned char)(k - 1);
 }
 
 void x11mod(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("x11mod");
+    CoreBlock *b = KX_ENTRY("x11mod");
     if (!b) return;
     int k = qqkey(b, "STOR+NOST+AUTO+PIXM", 4, copt);
     if (k > 0) b->sess.x11md = (unsigned char)(k - 1);
@@ -34,7 +35,7 @@ void x11mod(const char *copt) noexcept {
 // ---- the screen window ---------------------------------------------------------
 
 void window(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("window");
+    CoreBlock *b = KX_ENTRY("window");
     if (!b) return;
     if (qqchkrect(b, nx, ny, nw, nh)) return;
     SessionState &s = b->sess;
@@ -46,7 +47,7 @@ void window(int nx, int ny, int nw, int nh) noexcept {
 }
 
 void winsiz(int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("winsiz");
+    CoreBlock *b = KX_ENTRY("winsiz");
     if (!b) return;
     if (nw < 1 || nh < 1) {
         qqwarn(b, 2, nw < nh ? nw : nh);
@@ -59,28 +60,28 @@ void winsiz(int nw, int nh) noexcept {
 }
 
 void winjus(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("winjus");
+    CoreBlock *b = KX_ENTRY("winjus");
     if (!b) return;
     int k = qqkey(b, "RBOT+RTOP+LTOP+LBOT+CENT", 5, copt);
     if (k > 0) b->sess.wjus = (unsigned char)k;
 }
 
 void winkey(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("winkey");
+    CoreBlock *b = KX_ENTRY("winkey");
     if (!b) return;
     int k = qqkey(b, "NONE+RETU+ESCA", 3, copt);
     if (k > 0) b->sess.wkey = (unsigned char)(k - 1);
 }
 
 void winmod(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("winmod");
+    CoreBlock *b = KX_ENTRY("winmod");
     if (!b) return;
     int k = qqkey(b, "FULL+NOER+NONE+NOHO+DELA+NOMB", 6, copt);
     if (k > 0) b->sess.wmode = (unsigned char)(k - 1);
 }
 
 void winopt(int iopt, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("winopt");
+    CoreBlock *b = KX_ENTRY("winopt");
     if (!b) return;
     int k = qqkey(b, "DELA+MDEL", 2, copt);
     if (k == 0 || qqchki(b, iopt, 0, -1)) return;
@@ -93,7 +94,7 @@ void winopt(int iopt, const char *copt) noexcept {
 }
 
 void bufmod(const char *cmod, const char *ckey) noexcept {
-    glbblk *b = KX_ENTRY("bufmod");
+    CoreBlock *b = KX_ENTRY("bufmod");
     if (!b) return;
     int k = qqkeyopt(b, "SEND", ckey, "OFF +ON  ", 2, cmod);
     if (k > 0) b->sess.bufsend = (unsigned char)(k - 1);

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "core/guard.h"
+#include "core/core_block.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
@@ -44,7 +45,7 @@ int qqresetcount() noexcept {
 }
 
 void reset(const char *cname) noexcept {
-    glbblk *b = KX_ENTRY("reset");
+    CoreBlock *b = KX_ENTRY("reset");
     if (!b) return;
     // Four characters, upper case, compared as they stand: "all" is ALL.
     char key[5];

@@ -8,28 +8,29 @@
 #include "plots/fill.h"
 #include "plots/line_styles.h"
 #include "plots/patterns.h"
+#include "plots/plot_block.h"
 
-void qqsetstyle(glbblk *b, int ltyp) noexcept {
+void qqsetstyle(PlotBlock *b, int ltyp) noexcept {
     if (ltyp < 0 || ltyp > 7) return;
     qqflsh(b);
     qqlintyp(b, ltyp);
 }
 
-int qqgetstyle(glbblk *b) noexcept {
+int qqgetstyle(PlotBlock *b) noexcept {
     return b->sty.ltyp;
 }
 
-void qqstylesave(glbblk *b, CurveSave *s) noexcept {
+void qqstylesave(PlotBlock *b, CurveSave *s) noexcept {
     s->ltyp = b->sty.ltyp;
     s->pattern = qqgetpat(b);
 }
 
-void qqstylerestore(glbblk *b, const CurveSave *s) noexcept {
+void qqstylerestore(PlotBlock *b, const CurveSave *s) noexcept {
     b->sty.ltyp = s->ltyp;
     if (qqgetpat(b) != s->pattern) qqshdpat(b, s->pattern);
 }
 
-void qqpatfill(glbblk *b, const double *x, const double *y, int n, int pattern) noexcept {
+void qqpatfill(PlotBlock *b, const double *x, const double *y, int n, int pattern) noexcept {
     if (pattern == 0 || n < 3) return;
     int saved = qqgetpat(b);
     if (saved != pattern) qqshdpat(b, pattern);
@@ -46,19 +47,19 @@ void qqpatfill(glbblk *b, const double *x, const double *y, int n, int pattern) 
     if (saved != pattern) qqshdpat(b, saved);
 }
 
-void qqsolidfill(glbblk *b, const double *x, const double *y, int n) noexcept {
+void qqsolidfill(PlotBlock *b, const double *x, const double *y, int n) noexcept {
     qqpatfill(b, x, y, n, QQ_SOLID_PATTERN);
 }
 
-int qqgetpattern(glbblk *b) noexcept {
+int qqgetpattern(PlotBlock *b) noexcept {
     return qqgetpat(b);
 }
-void qqsetpattern(glbblk *b, int pattern) noexcept {
+void qqsetpattern(PlotBlock *b, int pattern) noexcept {
     qqshdpat(b, pattern);
 }
-int qqpatcycle(glbblk *b, int index) noexcept {
+int qqpatcycle(PlotBlock *b, int index) noexcept {
     return index >= 1 && index <= 30 ? b->sty.patcycl[index - 1] : 0;
 }
-bool qqarealine(glbblk *b) noexcept {
+bool qqarealine(PlotBlock *b) noexcept {
     return b->sty.outline != 0;
 }

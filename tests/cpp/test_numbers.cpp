@@ -4,7 +4,7 @@
 #include <string>
 
 #include "axes/label_text.h"
-#include "core/glbblk.h"
+#include "glbblk.h"
 #include "core/text.h"
 #include "testkit.h"
 #include "text/numbers.h"
