@@ -16,6 +16,7 @@
 #include <mutex>
 #include <new>
 
+#include "core/lock.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/threads.h"
@@ -31,11 +32,9 @@ struct Slot {
     std::atomic<CoreBlock *> blk;
 };
 
-std::atomic<int> thrmod{0};
 int thrmax = 0;
 Slot *slots = nullptr;
 CoreBlock *oneblk = nullptr;
-std::mutex *liblock = nullptr;
 std::mutex tablelock;  // serialises thrini/thrfin against each other
 
 unsigned thread_id() noexcept {
@@ -62,38 +61,28 @@ void qqconsole(const char *text) noexcept {
     std::fflush(stdout);
 }
 
-int qqthrmode() noexcept { return thrmod.load(std::memory_order_acquire) == 1 ? 1 : 0; }
-
-void qqlock(int release) noexcept {
-    if (thrmod.load(std::memory_order_acquire) != 1 || !liblock) return;
-    if (release)
-        liblock->unlock();
-    else
-        liblock->lock();
-}
-
 CoreBlock *qqglob(int op, int *value) noexcept {
     switch (op) {
     case QQ_FIND: {
         if (value) *value = 1;
-        if (thrmod.load(std::memory_order_acquire) == 1) {
+        if (qqthrmode() == 1) {
             unsigned me = thread_id();
             for (int i = 0; i < thrmax; ++i)
                 if (slots[i].state.load(std::memory_order_acquire) == 1 &&
                     slots[i].id.load(std::memory_order_relaxed) == me)
                     return slots[i].blk.load(std::memory_order_acquire);
-            liblock->lock();
+            qqlock(0);
             int free = -1;
             for (int i = 0; i < thrmax && free < 0; ++i)
                 if (slots[i].state.load(std::memory_order_relaxed) == 0) free = i;
             if (free < 0) {
-                liblock->unlock();
+                qqlock(1);
                 fatal(">>>> Too many threads!\n", 1);
             }
             slots[free].id.store(me, std::memory_order_relaxed);
             slots[free].blk.store(nullptr, std::memory_order_relaxed);
             slots[free].state.store(1, std::memory_order_release);
-            liblock->unlock();
+            qqlock(1);
             CoreBlock *b = new_block();
             slots[free].blk.store(b, std::memory_order_release);
             if (value) *value = 0;
@@ -105,9 +94,9 @@ CoreBlock *qqglob(int op, int *value) noexcept {
         return oneblk;
     }
     case QQ_DELETE:
-        if (thrmod.load(std::memory_order_acquire) == 1) {
+        if (qqthrmode() == 1) {
             unsigned me = thread_id();
-            liblock->lock();
+            qqlock(0);
             for (int i = 0; i < thrmax; ++i) {
                 if (slots[i].state.load() == 1 && slots[i].id.load() == me) {
                     std::free(slots[i].blk.load());
@@ -116,7 +105,7 @@ CoreBlock *qqglob(int op, int *value) noexcept {
                     break;
                 }
             }
-            liblock->unlock();
+            qqlock(1);
         } else {
             std::free(oneblk);
             oneblk = nullptr;
@@ -124,15 +113,14 @@ CoreBlock *qqglob(int op, int *value) noexcept {
         return nullptr;
     case QQ_OPEN: {
         int n = *value;
-        if (thrmod.load() == 1) {  // a table is open already: keep it
+        if (qqthrmode() == 1) {  // a table is open already: keep it
             *value = 3;
             return nullptr;
         }
-        liblock = new (std::nothrow) std::mutex;
+        bool locked = qqlockmake();
         slots = static_cast<Slot *>(std::calloc((size_t)n, sizeof(Slot)));
-        if (!liblock || !slots) {
-            delete liblock;
-            liblock = nullptr;
+        if (!locked || !slots) {
+            qqlockfree();
             std::free(slots);
             slots = nullptr;
             *value = 2;
@@ -141,18 +129,17 @@ CoreBlock *qqglob(int op, int *value) noexcept {
         for (int i = 0; i < n; ++i) new (&slots[i]) Slot();
         thrmax = n;
         *value = oneblk ? 3 : 0;
-        thrmod.store(1, std::memory_order_release);
+        qqsetthrmode(1);
         return nullptr;
     }
     case QQ_CLOSE:
-        thrmod.store(0, std::memory_order_release);
+        qqsetthrmode(0);
         for (int i = 0; i < thrmax; ++i)
             if (slots[i].state.load() == 1) std::free(slots[i].blk.load());
         std::free(slots);
         slots = nullptr;
         thrmax = 0;
-        delete liblock;
-        liblock = nullptr;
+        qqlockfree();
         return nullptr;
     case QQ_BYINDEX: {
         int i = *value;
@@ -168,7 +155,7 @@ CoreBlock *qqglob(int op, int *value) noexcept {
 }
 
 CoreBlock *qqcur() noexcept {
-    if (thrmod.load(std::memory_order_acquire) != 1) return oneblk;
+    if (qqthrmode() != 1) return oneblk;
     unsigned me = thread_id();
     for (int i = 0; i < thrmax; ++i)
         if (slots[i].state.load(std::memory_order_acquire) == 1 &&

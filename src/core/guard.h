@@ -13,6 +13,7 @@
 #pragma once
 
 #include "core/levels.h"
+#include "core/lock.h"
 #include "core/core_block.h"
 
 // Block manager operations of qqglob.
@@ -20,7 +21,6 @@ enum { QQ_FIND = 0, QQ_DELETE = 1, QQ_OPEN = 2, QQ_CLOSE = 3, QQ_BYINDEX = 4 };
 
 CoreBlock *qqglob(int op, int *value) noexcept;
 CoreBlock *qqcur() noexcept;
-void qqlock(int release) noexcept;
 CoreBlock *qqentry(int minlevel, int maxlevel, const char *name) noexcept;
 CoreBlock *qqsoft(const char *name) noexcept;
 // A block for a routine without level test: found or created, rtnam set.

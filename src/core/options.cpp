@@ -1,5 +1,6 @@
-// The settings of the screen window, kept by the session.  The options of
-// the file formats belong to their drivers (devices/, raster/options.cpp).
+// The settings of the plot file's name and of the screen window, kept by
+// the session.  The options of the file formats belong to their drivers
+// (devices/, raster/options.cpp).
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -98,4 +99,42 @@ void bufmod(const char *cmod, const char *ckey) noexcept {
     if (!b) return;
     int k = qqkeyopt(b, "SEND", ckey, "OFF +ON  ", 2, cmod);
     if (k > 0) b->sess.bufsend = (unsigned char)(k - 1);
+}
+
+void setfil(const char *cfil) noexcept {
+    CoreBlock *b = KX_ENTRY("setfil");
+    if (!b) return;
+    qqscpy(b->sess.fname, cfil ? cfil : "", 256);
+    b->sess.fstate = 1;
+}
+
+void filmod(const char *cmod) noexcept {
+    CoreBlock *b = KX_ENTRY("filmod");
+    if (!b) return;
+    int k = qqkey(b, "COUN+DELE+BREA+VERS", 4, cmod);
+    if (k > 0) b->sess.fmode = (unsigned char)(k - 1);
+}
+
+void filopt(const char *copt, const char *ckey) noexcept {
+    CoreBlock *b = KX_ENTRY("filopt");
+    if (!b) return;
+    int what = qqkey(b, "SEPA+NUMB+DIGI+SCAL", 4, ckey);
+    SessionState &s = b->sess;
+    int k;
+    switch (what) {
+    case 1:
+        if ((k = qqkey(b, "UNDE+HYPH+NONE", 3, copt)) > 0) s.fsep = (unsigned char)(k - 1);
+        break;
+    case 2:
+        if ((k = qqkey(b, "SHOR+LONG", 2, copt)) > 0) s.flong = (unsigned char)(k - 1);
+        break;
+    case 3:
+        if ((k = qqkey(b, "2   +3   +4   +5   +6   ", 5, copt)) > 0) s.fdig = (unsigned char)(k + 1);
+        break;
+    case 4:
+        // OFF, PAGE, VIEW, and ON which is PAGE.
+        if ((k = qqkey(b, "OFF +PAGE+VIEW+ON  ", 4, copt)) > 0)
+            s.fscal = (unsigned char)(k == 4 ? 1 : k - 1);
+        break;
+    }
 }

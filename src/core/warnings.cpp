@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/guard.h"
 #include "core/core_block.h"
+#include "core/lock.h"
 #include "core/numfmt.h"
 #include "core/session.h"
 #include "core/text.h"

@@ -131,7 +131,7 @@ int prepare(RasterBlock *b, Picture &p, int format, int x, int y, int w, int h) 
     return 0;
 }
 
-void release(Picture &p) {
+void free_picture(Picture &p) {
     std::free(p.scratch);
     raster::octree_free(p.oct);
     p.scratch = nullptr;
@@ -207,7 +207,7 @@ int qqwrite(RasterBlock *b, FILE *fp, const char *name, int format) noexcept {
             // A full disk shows here: the file is then not what it claims.
             if (r == 0 && (std::fflush(fp) != 0 || std::ferror(fp))) r = -1;
         }
-        release(p);
+        free_picture(p);
     }
     if (r == -1) {
         qqwar0(b, 36);
@@ -230,7 +230,7 @@ long qqpngmem(RasterBlock *b, unsigned char *buffer, size_t size) noexcept {
     sink.mem = buffer;
     sink.cap = size;
     if (r == 0) r = raster::write_png(sink, p, options_of(b));
-    release(p);
+    free_picture(p);
     if (r != 0) return r;
     if (sink.toosmall) return 0;
     return (long)sink.pos;
