@@ -368,36 +368,6 @@ int draw_spline(PlotBlock *b, const AxisMap &m, const double *x, const double *y
 
 }  // namespace
 
-void qqcrvsave(PlotBlock *b, CurveSave *s) noexcept {
-    const DeviceState &d = b->dev;
-    s->colour = b->clr.curclr;
-    s->dshn = d.dshn;
-    for (int i = 0; i < 10; ++i) s->dshl[i] = d.dshl[i];
-    s->lnoff = d.lnoff;
-    s->ynoflp = b->core.ynoflp;
-    qqstylesave(b, s);
-}
-
-void qqcrvrestore(PlotBlock *b, const CurveSave *s) noexcept {
-    DeviceState &d = b->dev;
-    qqflsh(b);
-    d.lnoff = s->lnoff;
-    d.dshn = s->dshn;
-    for (int i = 0; i < 10; ++i) d.dshl[i] = s->dshl[i];
-    qqdshres(b);
-    qqstylerestore(b, s);
-    if (b->clr.curclr != s->colour) qqsetc(b, s->colour);
-    b->core.ynoflp = s->ynoflp;
-}
-
-void qqsolid(PlotBlock *b) noexcept {
-    qqflsh(b);
-    b->dev.dshn = 1;
-    b->dev.dshl[0] = 1;
-    b->dev.lnoff = 0.0;
-    qqdshres(b);
-}
-
 // Tests a curve's arrays against logarithmic axes: warning 27 when a value
 // at or below 0 meets a log axis without neglog.
 bool qqcrvlog(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) noexcept {

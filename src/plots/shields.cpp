@@ -51,7 +51,7 @@ int words_of(const ShieldState &s, int off) {
     return t == 6 ? 3 + 2 * s.store[off + 2] : kWords[t];
 }
 
-int segtest(DeviceBlock *b, double x0, double y0, double x1, double y1);
+int segment_hook(DeviceBlock *b, double x0, double y0, double x1, double y1);
 
 int cell_of(double v, double lo, double scale) {
     double c = (v - lo) * scale;
@@ -140,7 +140,7 @@ void rebuild(PlotBlock *b) {
         s.ux1 = std::max(s.ux1, r.bx1), s.uy1 = std::max(s.uy1, r.by1);
     }
     index_grid(s);
-    b->dev.segtest = s.nreg > 0 ? segtest : nullptr;
+    b->dev.segtest = s.nreg > 0 ? segment_hook : nullptr;
 }
 
 // Removes the records for which a test holds; returns how many.
@@ -333,7 +333,7 @@ void crossings(const ShieldState &s, const ShieldRegion &r, Cross &c, double x0,
 
 // The segment hook of the device layer.  Returns 1 when it has sent the
 // segment itself (in pieces, or as a move), 0 to let the layer draw it.
-int segtest(DeviceBlock *db, double x0, double y0, double x1, double y1) {
+int segment_hook(DeviceBlock *db, double x0, double y0, double x1, double y1) {
     PlotBlock *b = qqpltblk(db);
     const ShieldState &s = b->shl;
     if (s.nvis == 0) return 0;

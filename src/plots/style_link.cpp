@@ -63,3 +63,33 @@ int qqpatcycle(PlotBlock *b, int index) noexcept {
 bool qqarealine(PlotBlock *b) noexcept {
     return b->sty.outline != 0;
 }
+
+void qqcrvsave(PlotBlock *b, CurveSave *s) noexcept {
+    const DeviceState &d = b->dev;
+    s->colour = b->clr.curclr;
+    s->dshn = d.dshn;
+    for (int i = 0; i < 10; ++i) s->dshl[i] = d.dshl[i];
+    s->lnoff = d.lnoff;
+    s->ynoflp = b->core.ynoflp;
+    qqstylesave(b, s);
+}
+
+void qqcrvrestore(PlotBlock *b, const CurveSave *s) noexcept {
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    d.lnoff = s->lnoff;
+    d.dshn = s->dshn;
+    for (int i = 0; i < 10; ++i) d.dshl[i] = s->dshl[i];
+    qqdshres(b);
+    qqstylerestore(b, s);
+    if (b->clr.curclr != s->colour) qqsetc(b, s->colour);
+    b->core.ynoflp = s->ynoflp;
+}
+
+void qqsolid(PlotBlock *b) noexcept {
+    qqflsh(b);
+    b->dev.dshn = 1;
+    b->dev.dshl[0] = 1;
+    b->dev.lnoff = 0.0;
+    qqdshres(b);
+}
