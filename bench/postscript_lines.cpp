@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "bench_io.h"
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 
 int main(int argc, char **argv) {

@@ -11,9 +11,9 @@
 #include <zlib.h>
 
 #include "bench_io.h"
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"

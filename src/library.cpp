@@ -7,8 +7,8 @@
 // The build compiles this file into every program and module that uses
 // the library (not into the static archive, where nothing would pull it
 // in), so its registration always runs.
-#include "glbblk.h"
 #include "core/subsystems.h"
+#include "glbblk.h"
 
 // Declared by each subsystem in its own source.
 extern const Subsystem kxsub_core;

@@ -11,8 +11,8 @@
 #include <cstring>
 
 #include "axes/axes.h"
-#include "axes/label_text.h"
 #include "axes/axes_block.h"
+#include "axes/label_text.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"

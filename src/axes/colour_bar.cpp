@@ -8,10 +8,10 @@
 #include <cmath>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/axis_draw.h"
 #include "core/family.h"
 #include "core/guard.h"
-#include "axes/axes_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"

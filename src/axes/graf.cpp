@@ -5,11 +5,11 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/axis_draw.h"
 #include "axes/label_text.h"
 #include "core/family.h"
 #include "core/guard.h"
-#include "axes/axes_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "axes/label_text.h"
 #include "axes/axes_block.h"
+#include "axes/label_text.h"
 #include "core/text.h"
 #include "text/numbers.h"
 

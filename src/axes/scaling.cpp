@@ -6,17 +6,17 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/label_text.h"
 #include "core/family.h"
 #include "core/guard.h"
-#include "axes/axes_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
-#include "text/numbers.h"
 #include "kolvex.h"
+#include "text/numbers.h"
 
 namespace {
 

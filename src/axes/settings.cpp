@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/axes_state.h"
 #include "core/guard.h"
-#include "axes/axes_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"

@@ -2,8 +2,8 @@
 // name and title texts at positions of the page grid.
 #include <cmath>
 
-#include "axes/label_text.h"
 #include "axes/axes_block.h"
+#include "axes/label_text.h"
 #include "core/text.h"
 #include "text/text.h"
 

@@ -10,9 +10,9 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "colour/colour_block.h"
 #include "core/family.h"
 #include "core/guard.h"
-#include "colour/colour_block.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
 #include "core/session.h"

@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/guard.h"
 #include "core/core_block.h"
+#include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"

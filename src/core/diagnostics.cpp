@@ -2,8 +2,8 @@
 // nochek, nancrv.
 #include <cstring>
 
-#include "core/guard.h"
 #include "core/core_block.h"
+#include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
 #include "core/text.h"

@@ -8,9 +8,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "core/core_block.h"
 #include "core/family.h"
 #include "core/guard.h"
-#include "core/core_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"

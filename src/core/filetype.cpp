@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/guard.h"
 #include "core/core_block.h"
+#include "core/guard.h"
 #include "core/session.h"
 #include "core/warnings.h"
 #include "kolvex.h"

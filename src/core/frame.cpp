@@ -2,8 +2,8 @@
 // first values of the core fields.
 #include <cmath>
 
-#include "core/guard.h"
 #include "core/core_block.h"
+#include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"

@@ -6,8 +6,8 @@
 // changes its slot after the claim, and claims and deletes run under the
 // library lock.  The slot fields are atomics so that the unlocked scan is
 // well defined while another thread claims a slot.
-#include "core/guard.h"
 #include "core/core_block.h"
+#include "core/guard.h"
 
 #include <atomic>
 #include <cstdio>

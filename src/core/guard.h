@@ -12,9 +12,9 @@
 // wrong; a soft guard always returns the block.
 #pragma once
 
+#include "core/core_block.h"
 #include "core/levels.h"
 #include "core/lock.h"
-#include "core/core_block.h"
 
 // Block manager operations of qqglob.
 enum { QQ_FIND = 0, QQ_DELETE = 1, QQ_OPEN = 2, QQ_CLOSE = 3, QQ_BYINDEX = 4 };

@@ -2,8 +2,8 @@
 
 #include <initializer_list>
 
-#include "core/warnings.h"
 #include "core/core_block.h"
+#include "core/warnings.h"
 
 void qqkeyword(const char *word, char *out) noexcept {
     int i = 0;

@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/guard.h"
 #include "core/core_block.h"
+#include "core/guard.h"
 #include "core/keywords.h"
 #include "core/text.h"
 #include "core/warnings.h"

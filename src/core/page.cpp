@@ -2,9 +2,9 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/core_block.h"
 #include "core/family.h"
 #include "core/guard.h"
-#include "core/core_block.h"
 #include "core/keywords.h"
 #include "core/text.h"
 #include "core/warnings.h"

@@ -3,10 +3,10 @@
 #include <cstring>
 #include <ctime>
 
+#include "core/core_block.h"
 #include "core/numfmt.h"
 #include "core/session.h"
 #include "core/text.h"
-#include "core/core_block.h"
 
 namespace {
 

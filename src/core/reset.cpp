@@ -7,8 +7,8 @@
 // until their subsystem is built.
 #include <cstring>
 
-#include "core/guard.h"
 #include "core/core_block.h"
+#include "core/guard.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"

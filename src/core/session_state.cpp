@@ -2,9 +2,9 @@
 // qqinit, what a block frees, and the failure path of kolini.
 #include <cstdlib>
 
+#include "core/core_block.h"
 #include "core/session.h"
 #include "core/subsystems.h"
-#include "core/core_block.h"
 
 namespace {
 

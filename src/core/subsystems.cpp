@@ -1,5 +1,5 @@
-#include "core/subsystems.h"
 #include "core/core_block.h"
+#include "core/subsystems.h"
 
 #include <cstring>
 

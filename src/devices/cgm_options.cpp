@@ -1,9 +1,9 @@
 // The level-0 settings of the CGM, HPGL and WMF formats.
-#include "devices/device_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
+#include "devices/device_block.h"
 #include "kolvex.h"
 
 namespace {

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "devices/device_block.h"
 #include "core/guard.h"
-#include "core/session.h"
 #include "core/keywords.h"
+#include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/stroke.h"
 #include "kolvex.h"
 

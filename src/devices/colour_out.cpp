@@ -1,8 +1,8 @@
 // qqsetc: the current colour on its way to the driver.
-#include "devices/device_block.h"
-#include "core/session.h"
 #include "colour/colour.h"
+#include "core/session.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 void qqsetc(DeviceBlock *b, int value) noexcept {
     DeviceState &d = b->dev;

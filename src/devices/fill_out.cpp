@@ -6,9 +6,9 @@
 // position gets.
 #include <cstdlib>
 
-#include "devices/device_block.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 namespace {
 

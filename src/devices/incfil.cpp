@@ -6,13 +6,13 @@
 #include <cstring>
 
 #include "core/family.h"
-#include "devices/device_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
 #include "core/session.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "kolvex.h"
 
 namespace {

@@ -10,12 +10,12 @@
 // "alpha"; newpag starts a new page of the document.
 #include <cmath>
 
+#include "colour/colour.h"
 #include "core/family.h"
-#include "devices/device_block.h"
 #include "core/text.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/vector.h"
-#include "colour/colour.h"
 
 namespace {
 

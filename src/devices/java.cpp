@@ -10,11 +10,11 @@
 #include <cmath>
 #include <cstring>
 
-#include "core/family.h"
-#include "devices/device_block.h"
-#include "devices/device.h"
-#include "devices/vector.h"
 #include "colour/colour.h"
+#include "core/family.h"
+#include "devices/device.h"
+#include "devices/device_block.h"
+#include "devices/vector.h"
 
 namespace {
 

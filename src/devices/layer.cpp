@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "devices/device_block.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/registry.h"
 
 namespace {

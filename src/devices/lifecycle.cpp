@@ -6,13 +6,13 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "devices/device_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/registry.h"
 #include "kolvex.h"
 #include "platform/platform.h"

@@ -2,11 +2,11 @@
 #include <cmath>
 
 #include "core/guard.h"
-#include "devices/device_block.h"
 #include "core/keywords.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "kolvex.h"
 
 namespace {

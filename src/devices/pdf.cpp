@@ -20,20 +20,20 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "colour/colour.h"
 #include "core/family.h"
-#include "devices/device_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/pdf.h"
 #include "devices/pdf_doc.h"
 #include "devices/registry.h"
 #include "devices/vector.h"
 #include "kolvex.h"
-#include "colour/colour.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <cstring>
 
 #include "core/filetime.h"
-#include "devices/device_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
+#include "devices/device_block.h"
 #include "devices/pdf_doc.h"
 #include "kolvex.h"
 

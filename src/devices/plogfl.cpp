@@ -9,9 +9,9 @@
 #include <cstdio>
 
 #include "core/family.h"
-#include "devices/device_block.h"
 #include "core/numfmt.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 namespace {
 

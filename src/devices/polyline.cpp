@@ -7,9 +7,9 @@
 // start with a move and join without a gap.
 #include <cmath>
 
-#include "devices/device_block.h"
 #include "core/text.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/stroke.h"
 
 namespace {

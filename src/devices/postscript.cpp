@@ -25,9 +25,9 @@
 #include <stdio_ext.h>
 #include <unistd.h>
 
+#include "colour/colour.h"
 #include "core/family.h"
 #include "core/filetime.h"
-#include "devices/device_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
@@ -35,10 +35,10 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/postscript.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
-#include "colour/colour.h"
 
 namespace {
 

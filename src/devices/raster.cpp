@@ -11,11 +11,11 @@
 #include <cstdio>
 
 #include "core/family.h"
-#include "devices/device_block.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"
 #include "raster/writers.h"

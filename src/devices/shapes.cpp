@@ -6,8 +6,8 @@
 #include <cmath>
 #include <utility>
 
-#include "devices/device_block.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "raster/marker_figure.h"
 
 namespace {

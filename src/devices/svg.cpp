@@ -9,12 +9,12 @@
 // width or the kind of thing drawn changes.  Lines are collected into
 // elements of at most 100 points: a line element for two points, a
 // polyline for more.
-#include "core/family.h"
-#include "devices/device_block.h"
-#include "devices/device.h"
-#include "devices/vector.h"
 #include "colour/colour.h"
+#include "core/family.h"
 #include "core/warnings.h"
+#include "devices/device.h"
+#include "devices/device_block.h"
+#include "devices/vector.h"
 #include "raster/canvas.h"
 #include "raster/writers.h"
 

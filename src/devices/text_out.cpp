@@ -8,9 +8,9 @@
 #include <cstring>
 
 #include "core/family.h"
-#include "devices/device_block.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 namespace {
 

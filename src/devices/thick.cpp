@@ -7,9 +7,9 @@
 // a round cap makes the outline.
 #include <cmath>
 
-#include "devices/device_block.h"
 #include "core/text.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/stroke.h"
 
 namespace {

@@ -8,12 +8,12 @@
 #include <ctime>
 
 #include "core/filetime.h"
-#include "devices/device_block.h"
 #include "core/numfmt.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 namespace {
 

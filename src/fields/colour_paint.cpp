@@ -10,10 +10,10 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "fields/field_block.h"
 #include "plots/zscale.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"
-#include "fields/field_block.h"
 
 bool qqcolsys(FieldBlock *b) noexcept {
     if (b->ax.rec.type == 3) {

@@ -6,12 +6,12 @@
 
 #include "axes/axes.h"
 #include "core/guard.h"
-#include "fields/field_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "fields/colour_paint.h"
+#include "fields/field_block.h"
 #include "kolvex.h"
 #include "plots/zscale.h"
 

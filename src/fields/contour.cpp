@@ -6,10 +6,10 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "fields/field_block.h"
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "fields/contours.h"
+#include "fields/field_block.h"
 #include "fields/trace.h"
 #include "kolvex.h"
 #include "plots/axis_map.h"

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <cstdio>
 
-#include "fields/field_block.h"
 #include "devices/device.h"
 #include "fields/contours.h"
+#include "fields/field_block.h"
 #include "text/numbers.h"
 #include "text/text.h"
 

@@ -4,10 +4,10 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "fields/field_block.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
+#include "fields/field_block.h"
 #include "kolvex.h"
 
 namespace {

@@ -1,11 +1,11 @@
 // The settings of bar graphs and their share of the session defaults.
 #include "axes/axes.h"
-#include "plots/plot_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "plots/plot_block.h"
 
 namespace {
 

@@ -16,7 +16,6 @@
 #include "axes/label_text.h"
 #include "colour/colour.h"
 #include "core/guard.h"
-#include "plots/plot_block.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -25,6 +24,7 @@
 #include "plots/curve_draw.h"
 #include "plots/curves.h"
 #include "plots/fill.h"
+#include "plots/plot_block.h"
 #include "plots/shields.h"
 #include "text/numbers.h"
 

@@ -10,7 +10,6 @@
 
 #include "core/family.h"
 #include "core/guard.h"
-#include "plots/plot_block.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -18,6 +17,7 @@
 #include "plots/axis_map.h"
 #include "plots/curve_draw.h"
 #include "plots/curves.h"
+#include "plots/plot_block.h"
 
 namespace {
 

@@ -6,13 +6,13 @@
 
 #include "axes/axes.h"
 #include "core/guard.h"
-#include "plots/plot_block.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "plots/curves.h"
 #include "plots/fill.h"
+#include "plots/plot_block.h"
 
 namespace {
 

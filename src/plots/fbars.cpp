@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "core/guard.h"
-#include "plots/plot_block.h"
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
@@ -12,6 +11,7 @@
 #include "plots/curve_draw.h"
 #include "plots/fill.h"
 #include "plots/patterns.h"
+#include "plots/plot_block.h"
 
 namespace {
 

@@ -7,7 +7,6 @@
 #include <cstdlib>
 
 #include "core/family.h"
-#include "plots/plot_block.h"
 #include "core/guard.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -16,6 +15,7 @@
 #include "kolvex.h"
 #include "plots/line_styles.h"
 #include "plots/patterns.h"
+#include "plots/plot_block.h"
 #include "plots/sweep.h"
 #include "raster/image_mode.h"
 

@@ -6,11 +6,11 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "plots/plot_block.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "plots/curves.h"
+#include "plots/plot_block.h"
 
 namespace {
 

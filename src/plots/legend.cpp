@@ -10,7 +10,6 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "plots/plot_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/warnings.h"
@@ -20,6 +19,7 @@
 #include "plots/curves.h"
 #include "plots/fill.h"
 #include "plots/legend_link.h"
+#include "plots/plot_block.h"
 #include "plots/shields.h"
 
 namespace {

@@ -6,7 +6,6 @@
 
 #include <cstring>
 
-#include "plots/plot_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -14,6 +13,7 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "plots/plot_block.h"
 
 namespace {
 

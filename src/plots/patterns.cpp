@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "core/family.h"
-#include "plots/plot_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
@@ -14,6 +13,7 @@
 #include "kolvex.h"
 #include "plots/fill.h"
 #include "plots/line_styles.h"
+#include "plots/plot_block.h"
 #include "plots/sweep.h"
 
 namespace {

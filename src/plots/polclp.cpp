@@ -1,11 +1,11 @@
 // polclp: one pass of the Sutherland-Hodgman clipper against one border.
 #include <cmath>
 
-#include "plots/plot_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "plots/plot_block.h"
 
 namespace {
 

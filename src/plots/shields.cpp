@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "plots/plot_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -18,6 +17,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "plots/fill.h"
+#include "plots/plot_block.h"
 #include "plots/shields.h"
 
 namespace {

@@ -12,9 +12,9 @@
 #include <cstdlib>
 #include <initializer_list>
 
-#include "plots/plot_block.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "plots/plot_block.h"
 
 namespace {
 

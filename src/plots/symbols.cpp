@@ -5,13 +5,13 @@
 
 #include "core/family.h"
 #include "core/guard.h"
-#include "plots/plot_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
 #include "plots/curves.h"
+#include "plots/plot_block.h"
 #include "plots/shields.h"
 
 namespace {

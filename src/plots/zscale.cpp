@@ -2,10 +2,10 @@
 
 #include <cmath>
 
-#include "plots/plot_block.h"
 #include "core/guard.h"
 #include "core/subsystems.h"
 #include "kolvex.h"
+#include "plots/plot_block.h"
 
 void qqzscl(PlotBlock *b, double zmin, double zmax) noexcept {
     ZScaleState &z = b->zsc;

@@ -8,11 +8,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "raster/raster_block.h"
-#include "core/subsystems.h"
 #include "colour/colour.h"
+#include "core/subsystems.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 
 namespace {
 

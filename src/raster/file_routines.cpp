@@ -8,7 +8,6 @@
 
 #include "core/family.h"
 #include "core/guard.h"
-#include "raster/raster_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -17,6 +16,7 @@
 #include "raster/canvas.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 #include "raster/writers.h"
 
 int rbfpng(unsigned char *cbuf, int nmax) noexcept {

@@ -7,13 +7,13 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "raster/raster_block.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/image_out.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 #include "raster/writers.h"
 
 namespace raster {

@@ -3,10 +3,10 @@
 // them from CanvasState::ropt.
 #include <cmath>
 
-#include "raster/raster_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "kolvex.h"
+#include "raster/raster_block.h"
 
 void imgfmt(const char *copt) noexcept {
     RasterBlock *b = qqrstblk(KX_ENTRY("imgfmt"));

@@ -4,17 +4,17 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "colour/colour.h"
 #include "core/family.h"
 #include "core/guard.h"
-#include "raster/raster_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
-#include "colour/colour.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 
 namespace {
 

@@ -7,7 +7,6 @@
 
 #include "core/family.h"
 #include "core/guard.h"
-#include "raster/raster_block.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -16,6 +15,7 @@
 #include "raster/canvas.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 
 namespace {
 

@@ -7,13 +7,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "raster/raster_block.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "raster/canvas.h"
 #include "raster/image_out.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 
 namespace raster {
 

@@ -11,9 +11,9 @@
 #include "axes/axes.h"
 #include "axes/axis_draw.h"
 #include "axes/label_text.h"
-#include "space/space_block.h"
 #include "devices/device.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 

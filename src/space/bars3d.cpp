@@ -6,13 +6,13 @@
 
 #include "colour/colour.h"
 #include "core/guard.h"
-#include "space/space_block.h"
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
 #include "plots/curves.h"
 #include "plots/patterns.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 

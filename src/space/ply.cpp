@@ -13,7 +13,6 @@
 #include <cstring>
 
 #include "colour/colour.h"
-#include "space/space_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
@@ -22,6 +21,7 @@
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 struct PlyStore {
     float *x, *y, *z;

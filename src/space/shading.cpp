@@ -7,8 +7,8 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "colour/colour.h"
 #include "core/family.h"
-#include "space/space_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
@@ -19,8 +19,8 @@
 #include "plots/patterns.h"
 #include "plots/zscale.h"
 #include "raster/canvas.h"
-#include "colour/colour.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 

@@ -9,7 +9,6 @@
 #include "axes/axes.h"
 #include "axes/axis_draw.h"
 #include "axes/label_text.h"
-#include "space/space_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -18,6 +17,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 

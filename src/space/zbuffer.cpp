@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "colour/colour.h"
 #include "core/family.h"
-#include "space/space_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
@@ -16,10 +16,10 @@
 #include "kolvex.h"
 #include "plots/fill.h"
 #include "raster/canvas.h"
-#include "colour/colour.h"
 #include "raster/primitives.h"
 #include "raster/zbuffer.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 

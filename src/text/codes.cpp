@@ -4,10 +4,10 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "text/text_block.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {

@@ -12,13 +12,13 @@
 
 #include "core/family.h"
 #include "core/guard.h"
-#include "text/text_block.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
 #include "text/text.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {

@@ -4,12 +4,12 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "text/text_block.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "kolvex.h"
 #include "text/fontdata.h"
 #include "text/text.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {

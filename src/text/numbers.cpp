@@ -6,13 +6,13 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "text/text_block.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "text/text.h"
+#include "text/text_block.h"
 
 namespace {
 

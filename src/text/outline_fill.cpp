@@ -10,8 +10,8 @@
 #include <cmath>
 
 #include "core/family.h"
-#include "text/text_block.h"
 #include "devices/device.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {

@@ -7,11 +7,11 @@
 
 #include "core/filetime.h"
 #include "core/guard.h"
-#include "text/text_block.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "text/text.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {

@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "core/guard.h"
-#include "text/text_block.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 void height(int nhchar) noexcept {

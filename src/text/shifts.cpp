@@ -4,12 +4,12 @@
 #include <cstring>
 
 #include "core/guard.h"
-#include "text/text_block.h"
 #include "core/keywords.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {

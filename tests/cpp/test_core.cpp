@@ -9,13 +9,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 

@@ -4,9 +4,9 @@
 #include <vector>
 #include <unistd.h>
 
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 

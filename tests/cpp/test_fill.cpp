@@ -4,8 +4,8 @@
 #include <cmath>
 #include <vector>
 
-#include "glbblk.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 

@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "glbblk.h"
 #include "core/guard.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 #include "text/text.h"

@@ -9,10 +9,10 @@
 #include <string>
 #include <unistd.h>
 
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/pdf_doc.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 

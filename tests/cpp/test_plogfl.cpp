@@ -3,9 +3,9 @@
 #include <string>
 #include <unistd.h>
 
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 

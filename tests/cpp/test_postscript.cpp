@@ -7,10 +7,10 @@
 #include <string>
 #include <unistd.h>
 
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/postscript.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/writers.h"

@@ -7,9 +7,9 @@
 #include <unistd.h>
 #include <utility>
 
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"

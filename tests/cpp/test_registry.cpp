@@ -4,12 +4,12 @@
 #include <string>
 #include <unistd.h>
 
-#include "glbblk.h"
-#include "raster/canvas.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/registry.h"
+#include "glbblk.h"
 #include "kolvex.h"
+#include "raster/canvas.h"
 #include "testkit.h"
 
 TEST(families_own_disjoint_codes_and_unique_keywords) {

@@ -9,12 +9,12 @@
 #include <unistd.h>
 #include <vector>
 
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/pdf.h"
-#include "raster/canvas.h"
+#include "glbblk.h"
 #include "kolvex.h"
+#include "raster/canvas.h"
 #include "testkit.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <mutex>
 #include <unistd.h>
 
-#include "glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 
 namespace testkit {
