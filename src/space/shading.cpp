@@ -480,9 +480,6 @@ void colour_scale(SpaceBlock *b, const double *c, size_t n, bool own) {
     qqzscl(b, b->sp.a[2], b->sp.e[2]);
 }
 
-}  // namespace
-
-namespace {
 // view3d's point back to the default viewpoint, flab3d's labels back on.
 void reset_view(CoreBlock *b) {
     SpaceState &s = qqspcblk(b)->sp;
