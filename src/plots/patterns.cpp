@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "axes/axes_state.h"
 #include "core/family.h"
 #include "core/glbblk.h"
 #include "core/guard.h"
@@ -65,9 +66,15 @@ int hatch_polys(glbblk *b, const double *const *x, const double *const *y, const
     return qqsweepn(b, x, y, n, npoly, d, maxcross, 0, 0, 0, pen);
 }
 
+// The frame of framed strings, in the frame colour of the axis settings.
+void text_frame(glbblk *b, int x, int y, int w, int h, int t, double angle) {
+    qqframe(b, x, y, w, h, t, angle, b->ax.frmcol);
+}
+
 void styles_first(glbblk *b) {
     b->dev.fillfn = qqpfill;
     b->dev.hatchfn = hatch_polys;
+    b->txt.frame = text_frame;
     b->sty.shdfct = 1.0;
     b->sty.outline = 1;
     b->sty.logofill = 1;
@@ -78,6 +85,7 @@ void styles_init(glbblk *b) {
     StyleState &s = b->sty;
     b->dev.fillfn = qqpfill;
     b->dev.hatchfn = hatch_polys;
+    b->txt.frame = text_frame;
     qqlintyp(b, 0);
     s.shdfct = 1.0;
     s.outline = 1;

@@ -57,14 +57,16 @@ Param parse_param(glbblk *b, const char *buf, int n) {
     return p;
 }
 
-// An integer parameter within [lo, hi]: false after a warning.
-bool int_param(glbblk *b, const char *buf, const Param &p, int lo, int hi, int *v) {
+// An integer parameter within [lo, hi]: false after a warning.  Out of
+// range is warning 44 for a tabulator index, 43 for any other value.
+bool int_param(glbblk *b, const char *buf, const Param &p, int lo, int hi, int *v,
+               bool tab = false) {
     if (!p.isint) {
         qqwarc(b, 45, buf);
         return false;
     }
     if (p.value < lo || p.value > hi) {
-        qqwarc(b, 44, buf);
+        qqwarc(b, tab ? 44 : 43, buf);
         return false;
     }
     *v = (int)p.value;
@@ -140,7 +142,7 @@ void execute(glbblk *b) {
     case 'V':
     case 'P': {
         iv = 1;
-        if (p.kind == 1 && !int_param(b, buf, p, 1, QQ_NTABS, &iv)) return;
+        if (p.kind == 1 && !int_param(b, buf, p, 1, QQ_NTABS, &iv, true)) return;
         if (p.kind == 2) {
             qqwarc(b, 43, buf);
             return;

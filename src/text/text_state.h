@@ -110,4 +110,8 @@ struct TextState {
     // (four corners in plot coordinates, origin shift not added), after the
     // string, so that the text itself is not cut.
     void (*shield)(glbblk *b, const double *bx, const double *by);
+    // The frame primitive of the fill layer (null when not linked): t
+    // outlines round the box with upper left corner (x, y), w by h plot
+    // coordinates, turned by angle degrees about that corner.
+    void (*frame)(glbblk *b, int x, int y, int w, int h, int t, double angle);
 };
