@@ -13,6 +13,7 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "plots/curves.h"
 #include "plots/fill.h"
 #include "plots/line_styles.h"
 #include "plots/sweep.h"
@@ -75,6 +76,7 @@ void styles_first(glbblk *b) {
     b->dev.fillfn = qqpfill;
     b->dev.hatchfn = hatch_polys;
     b->txt.frame = text_frame;
+    b->txt.solidfill = qqsolidfill;
     b->sty.shdfct = 1.0;
     b->sty.outline = 1;
     b->sty.logofill = 1;
@@ -86,6 +88,7 @@ void styles_init(glbblk *b) {
     b->dev.fillfn = qqpfill;
     b->dev.hatchfn = hatch_polys;
     b->txt.frame = text_frame;
+    b->txt.solidfill = qqsolidfill;
     qqlintyp(b, 0);
     s.shdfct = 1.0;
     s.outline = 1;

@@ -388,8 +388,10 @@ void text_box(glbblk *b, double ox, double oy, double len, double bx[4], double 
 void fill_box(glbblk *b, const double bx[4], const double by[4], int colour) {
     int old = b->dev.curclr;
     qqsetc(b, colour);
-    // a device that fills polygons takes the box whole; else it is hatched
-    if (!qqdevsolid(b, bx, by, 4)) {
+    if (b->txt.solidfill) {
+        b->txt.solidfill(b, bx, by, 4);
+    } else if (!qqdevsolid(b, bx, by, 4)) {
+        // a device that fills polygons takes the box whole; else it is hatched
         int four = 4;
         qqhatchpolys(b, &bx, &by, &four, 1, 1.0, 8, qqmove, qqdraw);
     }

@@ -114,4 +114,7 @@ struct TextState {
     // outlines round the box with upper left corner (x, y), w by h plot
     // coordinates, turned by angle degrees about that corner.
     void (*frame)(glbblk *b, int x, int y, int w, int h, int t, double angle);
+    // A polygon filled in the solid pattern of the fill layer, the pattern
+    // coming back afterwards (null when not linked).
+    void (*solidfill)(glbblk *b, const double *x, const double *y, int n);
 };
