@@ -137,7 +137,8 @@ def test_instruction_alphabet(capfd):
     k.nlmess("{E3}A")         # no parameter allowed
     k.nlmess("{H1.5")         # unbalanced: dropped silently
     k.nlmess("{M7}A{N256}A{S22}A")  # out of range, but not a tabulator
-    assert warnings_of(capfd) == ["46", "44", "45", "43", "43", "43", "43"]
+    k.nlmess("{5H}A")         # a number before the letter: no command
+    assert warnings_of(capfd) == ["46", "44", "45", "43", "43", "43", "43", "46"]
 
 
 def test_utf8_routines(capfd):

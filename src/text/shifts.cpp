@@ -91,6 +91,10 @@ void execute(glbblk *b) {
     char cmd = buf[0];
     if (cmd >= 'a' && cmd <= 'z') cmd = (char)(cmd - 32);
     buf[0] = cmd;
+    if (!std::strchr("ACDEFGHIJKLMNOPRSTUVWYZ", cmd) || cmd == 0) {
+        qqwarc(b, 46, buf);
+        return;
+    }
     Param p = parse_param(b, buf, n);
     if (p.kind < 0) return;
     double h = t.curhgt;
@@ -251,27 +255,34 @@ void execute(glbblk *b) {
     t.cachesec = 0;
 }
 
+// Adds a character to the instruction buffer; a full buffer takes it in
+// place of its last one.
+void buffer_put(TextState &t, char c) {
+    if (t.ibufn >= 20)
+        t.ibuf[19] = c;
+    else
+        t.ibuf[t.ibufn++] = c;
+}
+
 void collect(glbblk *b, int code) {
     TextState &t = b->txt;
     if (code == ' ') return;
     bool param = code == 'X' || code == 'x' || code == '.' || code == '-' || (code >= '0' && code <= '9');
     char c = (code > 0 && code < 256) ? (char)code : '?';
     if (param) {
-        if (t.ibufn >= 20)
-            t.ibuf[19] = c;
-        else
-            t.ibuf[t.ibufn++] = c;
+        buffer_put(t, c);
         return;
     }
-    if (t.iletters == 0 && t.ibufn == 0) {
-        t.ibuf[t.ibufn++] = c;
+    // The first command letter joins whatever the buffer holds; the next
+    // one executes it and starts a new buffer.
+    if (t.iletters == 0) {
+        buffer_put(t, c);
         t.iletters = 1;
         return;
     }
     execute(b);
     t.ibufn = 0;
-    t.ibuf[t.ibufn++] = c;
-    t.iletters = 1;
+    buffer_put(t, c);
 }
 
 }  // namespace
