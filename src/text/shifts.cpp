@@ -97,6 +97,11 @@ void execute(glbblk *b) {
     }
     Param p = parse_param(b, buf, n);
     if (p.kind < 0) return;
+    // X names a value of the string's start: these commands have none
+    if (p.kind == 2 && std::strchr("ACFGJLPRSTV", cmd)) {
+        qqwarc(b, 43, buf);
+        return;
+    }
     double h = t.curhgt;
     double sh = t.starthgt;
     int iv = 0;
@@ -147,10 +152,6 @@ void execute(glbblk *b) {
     case 'P': {
         iv = 1;
         if (p.kind == 1 && !int_param(b, buf, p, 1, QQ_NTABS, &iv, true)) return;
-        if (p.kind == 2) {
-            qqwarc(b, 43, buf);
-            return;
-        }
         double along = qqtxtalong(b);
         qqtxtsection(b, t.curalf);
         double end = along - t.gapw;
