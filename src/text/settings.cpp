@@ -136,3 +136,13 @@ void shdcha() noexcept {
     if (!b) return;
     b->txt.shdon = 1;
 }
+
+int gethgt() noexcept {
+    glbblk *b = KX_ENTRY("gethgt");
+    return b ? b->txt.height : 0;
+}
+
+int getang() noexcept {
+    glbblk *b = KX_ENTRY("getang");
+    return b ? b->txt.angle : 0;
+}
