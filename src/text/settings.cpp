@@ -33,16 +33,6 @@ void angle(int ngrad) noexcept {
     if (t.hwmode) qqhwstyle(b);
 }
 
-int getang() noexcept {
-    TextBlock *b = qqtxtblk(KX_ENTRY("getang"));
-    return b ? b->txt.angle : 0;
-}
-
-int gethgt() noexcept {
-    TextBlock *b = qqtxtblk(KX_ENTRY("gethgt"));
-    return b ? b->txt.height : 0;
-}
-
 void chaang(double xang) noexcept {
     TextBlock *b = qqtxtblk(KX_ENTRY("chaang"));
     if (!b) return;
@@ -146,4 +136,14 @@ void shdcha() noexcept {
     TextBlock *b = qqtxtblk(KX_ENTRY("shdcha"));
     if (!b) return;
     b->txt.shdon = 1;
+}
+
+int gethgt() noexcept {
+    TextBlock *b = qqtxtblk(KX_ENTRY("gethgt"));
+    return b ? b->txt.height : 0;
+}
+
+int getang() noexcept {
+    TextBlock *b = qqtxtblk(KX_ENTRY("getang"));
+    return b ? b->txt.angle : 0;
 }
