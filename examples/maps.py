@@ -9,13 +9,13 @@ Lambert conformal conic map of the mid-latitudes; bottom row: an
 orthographic and a stereographic view of a hemisphere centred on Europe,
 and Sanson's sinusoidal map.  The great circle (red, mapmod "GREA") bends
 toward the pole on every map; the same two points joined in "STRA" mode
-(blue, dashed) make a straight line on the plate.
+(green, dashed) make a straight line on the plate.
 """
 import sys
 
 import kolvex as k
 
-W, H = 860, 430
+W, H = 800, 400
 LISBON = (-9.14, 38.72)
 TOKYO = (139.69, 35.69)
 
@@ -32,24 +32,24 @@ PANELS = [
 
 def panel(i, proj, lim, title):
     col, row = i % 3, i // 3
-    k.axspos(150 + col * 950, 800 + row * 900)
+    k.axspos(300 + col * 900, 800 + row * 900)
     k.axslen(W, H)
     k.projct(proj)
     if proj in ("ORTH", "STER"):
         k.mappol(20.0, 45.0)
     k.labels("MAP", "XY")
-    k.maplab("BOTH", "LATI")
+    k.maplab("LEFT", "LATI")
     k.titlin(title, 4)
     k.grafmp(*[float(v) for v in lim])
     k.title()
-    k.color("GRAY")
+    k.color("BLUE")
     k.gridmp(1, 1)
     k.color("RED")
     k.mapmod("GREA")
     k.thkcrv(3)
     k.curvmp([LISBON[0], TOKYO[0]], [LISBON[1], TOKYO[1]], 2)
     k.thkcrv(1)
-    k.color("BLUE")
+    k.color("GREEN")
     k.dash()
     k.mapmod("STRA")
     k.curvmp([LISBON[0], TOKYO[0]], [LISBON[1], TOKYO[1]], 2)
@@ -65,7 +65,7 @@ def draw(device="PNG", path="maps.png"):
     k.scrmod("REVERS")
     k.kolini()
     k.pagera()
-    k.height(26)
+    k.height(24)
     for i, (proj, lim, title) in enumerate(PANELS):
         panel(i, proj, lim, title)
     k.kolfin()

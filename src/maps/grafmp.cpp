@@ -302,8 +302,12 @@ void defaults(MapState &m) {
 
 void map_init(CoreBlock *cb) {
     MapBlock *b = qqmapblk(cb);
+    // The user projection is registered for the process, before or after
+    // a session: it outlives the session's defaults.
+    MapUserFn user = b->map.user;
     std::memset(&b->map, 0, sizeof b->map);
     defaults(b->map);
+    b->map.user = user;
     b->ax.mappos = [](AxesBlock *ab, double x, double y, double *xp, double *yp) {
         qqmpos(qqmapblk(ab), x, y, xp, yp);
     };
