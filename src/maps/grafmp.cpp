@@ -25,7 +25,8 @@ namespace {
 const char kProjections[] =
     "CYLI+MERC+EXAC+CORR+UTM +OBLI+EQUA+MOLL+AITO+HAMM+WINK+SANS+ELLI+CONF+ALBE+POLY+CONI+GNOM+"
     "ORTH+STER+AZIM+LAMB+MYPR";
-const int kCodes[23] = {0, 1, 2, 3, 4, 5, 6, 10, 11, 12, 13, 14, 15, 20, 21, 22, 23, 30, 31, 32, 33, 34, 100};
+const int kCodes[23] = {0,  1,  2,  3,  4,  5,  6,  10, 11, 12, 13, 14,
+                        15, 20, 21, 22, 23, 30, 31, 32, 33, 34, 100};
 
 // ---------------------------------------------------------------------------
 // Ticks on the frame.
@@ -176,7 +177,8 @@ void latitude_labels(MapBlock *b) {
     double gap = b->ax.labdis[1] + b->ax.ticmaj;
     double lo = m.ya, hi = m.ye;
     double st = std::fabs(r.stp[1]);
-    double k0 = std::ceil((lo - r.orl[1]) / st - 1e-9), k1 = std::floor((hi - r.orl[1]) / st + 1e-9);
+    double k0 = std::ceil((lo - r.orl[1]) / st - 1e-9),
+           k1 = std::floor((hi - r.orl[1]) / st + 1e-9);
     char t[QQ_LABLEN + 1];
     if (!(k1 - k0 < 1000)) k1 = k0 - 1;
     for (double k = k0; k <= k1; k += 1) {
@@ -415,43 +417,19 @@ void grafmp(double xa, double xe, double xor_, double xstp, double ya, double ye
         return;
     }
     if (bad_limits(b, code, xa, xe, ya, ye)) return;
-    int xl = ax.nlen[0], yl = ax.nlen[1];
-    int px = ax.nxa, py = ax.nya;
-    if (qqtstscl(b, xa, xe, xor_, xstp, xl, px, 4) || qqtstscl(b, ya, ye, yor, ystp, yl, py, 5))
-        return;
-    b->core.level = 2;
+    // The linear setup and everything else of a plain system, without its
+    // axes: a map draws its own.
+    int savnogrf = ax.nogrf;
+    ax.nogrf = 1;
+    int refused = qqgraf(b, xa, xe, xor_, xstp, ya, ye, yor, ystp);
+    ax.nogrf = savnogrf;
+    if (refused) return;
     ScaleRecord &r = ax.rec;
-    double v[2][4] = {{xa, xe, xor_, xstp}, {ya, ye, yor, ystp}};
-    for (int i = 0; i < 2; ++i) {
-        r.a[i] = v[i][0];
-        r.e[i] = v[i][1];
-        r.orl[i] = v[i][2];
-        r.stp[i] = v[i][3];
-        r.log[i] = 0;
-    }
     r.type = 2;
-    r.nxa = px;
-    r.nya = py;
-    r.nxl = xl;
-    r.nyl = yl;
-    r.xfac = (xl - 1) / (xe - xa);
-    r.yfac = (yl - 1) / (ye - ya);
-    r.xorg = px;
-    r.yorg = py;
-    r.xmin = xa;
-    r.xmax = xe;
-    r.ymin = ya;
-    r.ymax = ye;
+    r.log[0] = r.log[1] = 0;
+    int xl = r.nxl, yl = r.nyl, px = r.nxa, py = r.nya;
     // Map lines reach over the whole sphere: no limits to count against.
     ax.chkaxis = 0;
-    if (!b->dev.pl3on) qqcenter(b, v, px, py, xl, yl);
-    qqaxrect(b, px, py, xl, yl);
-    ax.legx = px + xl - 1;
-    ax.legy = py - yl + 1;
-    ax.ncx = px + xl / 2;
-    ax.ncy = py - yl / 2;
-    ax.savclr = b->clr.curclr;
-    ax.savlev = 1;
 
     m.code = code;
     m.xa = xa;
@@ -491,12 +469,12 @@ void grafmp(double xa, double xe, double xor_, double xstp, double ya, double ye
                     m.s = (mm - 1) / (4 * std::sin(D / 2));
                     break;
             }
-            m.ccx = m.ox + b->dev.nxsh;
-            m.ccy = m.oy + b->dev.nysh;
-            m.crad = mm / 2 + ax.grace;
-            b->dev.axccx = m.ccx;
-            b->dev.axccy = m.ccy;
-            b->dev.axccr = m.crad;
+            m.clipx = m.ox + b->dev.nxsh;
+            m.clipy = m.oy + b->dev.nysh;
+            m.clipr = mm / 2 + ax.grace;
+            b->dev.axccx = m.clipx;
+            b->dev.axccy = m.clipy;
+            b->dev.axccr = m.clipr;
             b->dev.axround = 2;
         } else {
             if (qqmazim(code)) {
@@ -581,13 +559,15 @@ void single_axis(MapBlock *b, int axis, double a, double e, double orl, double s
 
 }  // namespace
 
-void xaxmap(double a, double b_, double orl, double step, const char *cname, int nt, int ny) noexcept {
+void xaxmap(double a, double b_, double orl, double step, const char *cname, int nt,
+            int ny) noexcept {
     MapBlock *b = qqmapblk(KX_ENTRY("xaxmap"));
     if (!b) return;
     single_axis(b, 0, a, b_, orl, step, cname, nt, ny);
 }
 
-void yaxmap(double a, double b_, double orl, double step, const char *cname, int nt, int nx) noexcept {
+void yaxmap(double a, double b_, double orl, double step, const char *cname, int nt,
+            int nx) noexcept {
     MapBlock *b = qqmapblk(KX_ENTRY("yaxmap"));
     if (!b) return;
     single_axis(b, 1, a, b_, orl, step, cname, nt, nx);

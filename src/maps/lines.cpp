@@ -27,7 +27,9 @@ void polar_point(const MapBlock *b, double t, double r, double *xp, double *yp) 
     *yp = y < -1e6 ? -1e6 : y > 1e6 ? 1e6 : y;
 }
 
-bool clipped_code(int code) { return code >= 30 && code < 100; }
+bool clipped_code(int code) {
+    return code >= 30 && code < 100;
+}
 
 }  // namespace
 
@@ -134,15 +136,7 @@ void curvmp(const double *xray, const double *yray, int n) noexcept {
     AxisMap am;
     if (!qqaxmap(b, &am)) return;
     CurveSave save;
-    qqcrvsave(b, &save);
-    b->core.ynoflp = 1;
-    int pos = c.cycpos >= 1 && c.cycpos <= 30 ? c.cycpos : 1;
-    if (c.chncrv == 1 || c.chncrv == 3) qqsetc(b, b->clr.clrcycl[pos - 1]);
-    if (c.chncrv == 2 || c.chncrv == 3) qqsetstyle(b, b->dev.lincycl[pos - 1]);
-    if (c.legpend) {
-        qqlegrecord(b, c.ncrv, -1, c.incmrk >= 0, c.incmrk != 0);
-        c.legpend = 0;
-    }
+    qqcrvbegin(b, &save);
     qqclip(b, 0);
     if (c.incmrk != 0) qqcrvsymbols(b, am, xray, yray, n, std::abs(c.incmrk));
     if (c.incmrk >= 0) {
@@ -190,7 +184,8 @@ void gridmp(int nx, int ny) noexcept {
     const ScaleRecord &r = b->ax.rec;
     int code = m.code;
     bool sphere = qqmconic(code) || qqmazim(code);
-    double lon_lo = sphere ? -180 : m.xa, lon_hi = sphere ? (qqmazim(code) ? 179.89999389648438 : 180) : m.xe;
+    double lon_lo = sphere ? -180 : m.xa,
+           lon_hi = sphere ? (qqmazim(code) ? 179.89999389648438 : 180) : m.xe;
     double lat_lo = sphere ? -90 : m.ya, lat_hi = sphere ? 90 : m.ye;
     double dlon = std::fabs(r.stp[0]) / nx, dlat = std::fabs(r.stp[1]) / ny;
     if (!(dlon > 0) || !(dlat > 0)) return;
@@ -265,7 +260,8 @@ void pt2pos(double xp, double yp, double *x, double *y) noexcept {
     double sy = std::fabs(y1 - y0 - 180) <= 0.1 ? 10 : (y1 - y0) / 10;
     double bx = x0, by = y0, best = INFINITY;
     for (int pass = 0; pass < 5; ++pass) {
-        int nxs = (int)std::floor((x1 - x0) / sx + 1e-9), nys = (int)std::floor((y1 - y0) / sy + 1e-9);
+        int nxs = (int)std::floor((x1 - x0) / sx + 1e-9),
+            nys = (int)std::floor((y1 - y0) / sy + 1e-9);
         for (int i = 0; i <= nxs; ++i)
             for (int j = 0; j <= nys; ++j) {
                 double lon = x0 + i * sx, lat = y0 + j * sy, px, py;

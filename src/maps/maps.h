@@ -5,10 +5,18 @@
 #include "maps/map_block.h"
 
 // Projection families by code.
-inline bool qqmcyl(int c) { return c >= 1 && c <= 6; }
-inline bool qqmpseudo(int c) { return c >= 10 && c <= 15; }
-inline bool qqmconic(int c) { return c >= 20 && c <= 23; }
-inline bool qqmazim(int c) { return c >= 30 && c <= 34; }
+inline bool qqmcyl(int c) {
+    return c >= 1 && c <= 6;
+}
+inline bool qqmpseudo(int c) {
+    return c >= 10 && c <= 15;
+}
+inline bool qqmconic(int c) {
+    return c >= 20 && c <= 23;
+}
+inline bool qqmazim(int c) {
+    return c >= 30 && c <= 34;
+}
 
 // The family's formula: (X, Y) of a longitude and latitude in degrees,
 // before scale and offset.  Not for codes 0 and 100.

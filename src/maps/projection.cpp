@@ -11,7 +11,9 @@ namespace {
 // The library's pi, in which its degrees are converted.
 const double kPi = 3.1415927;
 
-double clamp1(double v) { return v < -1 ? -1 : v > 1 ? 1 : v; }
+double clamp1(double v) {
+    return v < -1 ? -1 : v > 1 ? 1 : v;
+}
 
 // Longitude relative to the mid longitude, wrapped into -180 .. 180.
 double wrapped(double lon, double g) {
@@ -83,7 +85,8 @@ void conic_polar(MapBlock *b, double lon, double lat, double *theta, double *rho
             if (cdeg > 179.99) cdeg = 179.99;
             double c = cdeg * dr;
             *theta = (two ? m.nf : m.n) * lam;
-            *rho = two ? std::pow(std::tan(c / 2), m.nf) * m.kf : std::pow(std::tan(c / 2), m.n) * m.k;
+            *rho =
+                two ? std::pow(std::tan(c / 2), m.nf) * m.kf : std::pow(std::tan(c / 2), m.n) * m.k;
             break;
         }
         case 21: {
@@ -147,14 +150,16 @@ void qqmpolar(const MapBlock *b, double lon, double lat, double *theta, double *
         return;
     }
     double p = lat * dr, p0 = m.lat0 * dr;
-    double rr = std::acos(
-        clamp1(std::cos(std::fabs(m.lon0 - lon) * dr) * std::cos(p) * std::cos(p0) + std::sin(p) * std::sin(p0)));
+    double rr =
+        std::acos(clamp1(std::cos(std::fabs(m.lon0 - lon) * dr) * std::cos(p) * std::cos(p0) +
+                         std::sin(p) * std::sin(p0)));
     *r = rr;
     if (rr == 0) {
         *theta = (lon - 90) * dr;
         return;
     }
-    double a = std::acos(clamp1((std::sin(p) - std::cos(rr) * std::sin(p0)) / (std::sin(rr) * std::cos(p0))));
+    double a = std::acos(
+        clamp1((std::sin(p) - std::cos(rr) * std::sin(p0)) / (std::sin(rr) * std::cos(p0))));
     double dl = lon - m.lon0;
     bool east = (dl > 0 && dl < 180) || dl < -180 || (m.lon0 >= 0 && dl > 0);
     *theta = east ? kPi / 2 - a : kPi / 2 + a;
