@@ -7,7 +7,8 @@ parallels and a great circle from Lisbon to Tokyo.
 DEVICE is a device keyword (default PNG).  Top row: Mercator, Aitoff and a
 Lambert conformal conic map of the mid-latitudes; bottom row: an
 orthographic and a stereographic view of a hemisphere centred on Europe,
-and Sanson's sinusoidal map.  The great circle (red, mapmod "GREA") bends
+and Sanson's sinusoidal map.  The Mercator axis is fitted to the map's
+width (mapopt "AUTO").  The great circle (red, mapmod "GREA") bends
 toward the pole on every map; the same two points joined in "STRA" mode
 (green, dashed) make a straight line on the plate.
 """
@@ -21,9 +22,9 @@ TOKYO = (139.69, 35.69)
 
 PANELS = [
     # projection, limits and steps, title
-    ("MERC", (-180, 180, -180, 90, -80, 80, -60, 30), "MERC"),
+    ("MERC", (-180, 180, -180, 120, -80, 80, -60, 30), "MERC"),
     ("AITO", (-180, 180, -180, 60, -90, 90, -90, 30), "AITO"),
-    ("CONF", (10, 130, 10, 30, 20, 70, 20, 10), "CONF"),
+    ("CONF", (30, 110, 30, 20, 20, 70, 20, 10), "CONF"),
     ("ORTH", (-180, 180, -180, 30, -90, 90, -90, 30), "ORTH centred on 20 E, 45 N"),
     ("STER", (-180, 180, -180, 30, -90, 90, -90, 30), "STER centred on 20 E, 45 N"),
     ("SANS", (-180, 180, -180, 60, -90, 90, -90, 30), "SANS"),
@@ -38,6 +39,9 @@ def panel(i, proj, lim, title):
     if proj in ("ORTH", "STER"):
         k.mappol(20.0, 45.0)
     k.labels("MAP", "XY")
+    k.labdig(-1, "XY")
+    # The Mercator map is narrower than its axis: the x axis shrinks to it.
+    k.mapopt("AUTO" if proj == "MERC" else "STAN", "XAXI")
     k.maplab("LEFT", "LATI")
     k.titlin(title, 4)
     k.grafmp(*[float(v) for v in lim])
