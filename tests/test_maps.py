@@ -283,3 +283,25 @@ def test_bad_input(capfd):
 
 def test_example_png_and_svg_agree():
     example_png_and_svg_alike("maps.py")
+
+
+def test_auto_x_axis_fits_the_map():
+    Image = pytest.importorskip("PIL.Image")
+    kolvex.metafl("PNG")
+    kolvex.setfil("fit.png")
+    kolvex.scrmod("REVERS")
+    kolvex.kolini()
+    kolvex.errmod("PROTOCOL", "OFF")
+    kolvex.axspos(NXA, NYA)
+    kolvex.axslen(NXL, NYL)
+    kolvex.labels("NONE", "XY")
+    kolvex.projct("MERC")
+    kolvex.mapopt("AUTO", "XAXI")
+    kolvex.grafmp(-180.0, 180.0, -180.0, 90.0, -80.0, 80.0, -60.0, 30.0)
+    left, right = kolvex.pos2pt(-180.0, 0.0)[0], kolvex.pos2pt(180.0, 0.0)[0]
+    assert right - left < NXL - 100 and (left + right) / 2 == pytest.approx(NXA + NXL // 2)
+    kolvex.kolfin()
+    img = np.asarray(Image.open("fit.png").convert("L")) < 128
+    f = img.shape[1] / 2970
+    cols = np.nonzero(img[int(round(NYA * f))])[0] / f
+    assert cols.min() == pytest.approx(left, abs=3 / f) and cols.max() == pytest.approx(right, abs=3 / f)
