@@ -18,7 +18,7 @@ def warnings_of(capfd):
     return [l for l in capfd.readouterr().out.splitlines() if l.startswith(" <<<< Warning")]
 
 
-def open_map(proj, lim, device="PNG", path="m.png", setup=None):
+def open_map(proj, lim, device="PNG", path="m.png", setup=None, axes=False):
     kolvex.metafl(device)
     if path:
         kolvex.setfil(path)
@@ -31,7 +31,8 @@ def open_map(proj, lim, device="PNG", path="m.png", setup=None):
     kolvex.projct(proj)
     if setup:
         setup()
-    kolvex.nograf()
+    if not axes:
+        kolvex.nograf()
     kolvex.grafmp(*[float(v) for v in lim])
 
 
@@ -287,17 +288,11 @@ def test_example_png_and_svg_agree():
 
 def test_auto_x_axis_fits_the_map():
     Image = pytest.importorskip("PIL.Image")
-    kolvex.metafl("PNG")
-    kolvex.setfil("fit.png")
-    kolvex.scrmod("REVERS")
-    kolvex.kolini()
-    kolvex.errmod("PROTOCOL", "OFF")
-    kolvex.axspos(NXA, NYA)
-    kolvex.axslen(NXL, NYL)
-    kolvex.labels("NONE", "XY")
-    kolvex.projct("MERC")
-    kolvex.mapopt("AUTO", "XAXI")
-    kolvex.grafmp(-180.0, 180.0, -180.0, 90.0, -80.0, 80.0, -60.0, 30.0)
+
+    def setup():
+        kolvex.labels("NONE", "XY")
+        kolvex.mapopt("AUTO", "XAXI")
+    open_map("MERC", (-180, 180, -180, 90, -80, 80, -60, 30), path="fit.png", setup=setup, axes=True)
     left, right = kolvex.pos2pt(-180.0, 0.0)[0], kolvex.pos2pt(180.0, 0.0)[0]
     assert right - left < NXL - 100 and (left + right) / 2 == pytest.approx(NXA + NXL // 2)
     kolvex.kolfin()
