@@ -2,13 +2,12 @@
 nlmess, the drawn formula in pixels, SVG against PNG, and the parser's
 warnings."""
 import re
-import subprocess
 
 import numpy as np
 import pytest
 
 import kolvex as k
-from conftest import needs
+from conftest import example_png_and_svg_alike
 
 
 def start(device="PLOG", name="t", size=None, hgt=60):
@@ -82,10 +81,9 @@ def test_parser_warnings_go_out_under_messag(capfd):
     assert re.findall(r"Warning +(\d+)", capfd.readouterr().out) == ["2"] * 5
 
 
-def ink(path, page_black=False):
+def ink(path):
     from PIL import Image
-    grey = np.asarray(Image.open(path).convert("L"))
-    return grey > 128 if page_black else grey < 128
+    return np.asarray(Image.open(path).convert("L")) > 128  # light strokes on a black page
 
 
 def test_fraction_bar_and_exponent_in_pixels():
@@ -97,7 +95,7 @@ def test_fraction_bar_and_exponent_in_pixels():
     k.height(100)
     width = at_height(60, "$ab$")  # round(0.6 * 100)
     k.kolfin()
-    im = ink("t.png", page_black=True)
+    im = ink("t.png")
     # the bar: the longest run of ink in a row of the fraction's part of the page
     part = im[:, 150:600]
     runs = part.sum(axis=1)
@@ -112,30 +110,6 @@ def test_fraction_bar_and_exponent_in_pixels():
     assert top_2 - top_e == pytest.approx(66 / 2, abs=1.5)
 
 
-@needs("rsvg-convert")
 def test_formula_page_is_the_same_in_svg_and_png():
-    size = (1200, 848)
-
-    def page(device):
-        start(device, "same", size=size)
-        k.messag(r"$\sqrt[3]{\frac{\alpha^2}{\beta_i}} \le \left( \sum_{i=1}^{n} x_i \right)$",
-                 200, 300)
-        k.messag(r"$\hat{x} + \overline{AB} \cdot \vec{v} \approx \int_0^\infty e^{-t} dt$",
-                 200, 900)
-        k.kolfin()
-    page("PNG")
-    page("SVG")
-    subprocess.run(["rsvg-convert", "-w", str(size[0]), "-h", str(size[1]), "-b", "white",
-                    "-o", "svg.png", "same.svg"], check=True)
-    a = ink("svg.png")
-    b = ink("same.png", page_black=True)
-    assert a.sum() > 1000 and b.sum() > 1000
-
-    def near(m, r=2):
-        out = m.copy()
-        for dy in range(-r, r + 1):
-            for dx in range(-r, r + 1):
-                out |= np.roll(np.roll(m, dy, 0), dx, 1)
-        return out
-    assert (a & near(b)).sum() >= 0.97 * a.sum()
-    assert (b & near(a)).sum() >= 0.97 * b.sum()
+    # the example's formulas, texts and plot strings by two devices
+    example_png_and_svg_alike("formulas.py")
