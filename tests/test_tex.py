@@ -44,6 +44,9 @@ def test_scripts_fractions_and_limits_measure_by_the_rules():
     # a fraction is as wide as its wider part at the script height, plus two gaps
     assert nl(r"$\frac{abc}{b}$") == pytest.approx(at_height(36, "$abc$") + 2 * gap, abs=1)
     assert nl(r"$\frac{b}{abc}$") == nl(r"$\frac{abc}{b}$")
+    # an invisible left bracket takes no room, the right one is still measured
+    assert nl(r"$\left. x \right)$") < nl(r"$\left( x \right)$")
+    assert nl(r"$\left. x \right)$") > nl(r"$\left. x \right.$")
     # limits above and below take no room beside the sum; at the right they do
     above = nl(r"$\sum_{i=1}^n$")
     assert nl(r"$\sum\nolimits_{i=1}^n$") > above + 30
@@ -60,9 +63,9 @@ def test_parser_warnings_go_out_under_messag(capfd):
     start()
     capfd.readouterr()
     cases = [(r"$x^2^3$", 144), (r"\foo", 142), (r"$\frac a$", 137), (r"$\frac{a}$", 148),
-             ("{" * 9 + "a" + "}" * 9, 146), ("a}", 147), (r"$\left< x$", 142),
+             ("{" * 9 + "a" + "}" * 9, 146), ("a}", 147), (r"$\left| x$", 176),
              (r"$\left < x$", 176), (r"$x \right)$", 176), (r"$\sqrt[3 x$", 145),
-             (r"\hat x", 139), (r"\vec x", 140), (r"\underline x", 141), (r"$\big < $", 143),
+             (r"\hat x", 139), (r"\vec x", 140), (r"\underline x", 141), (r"$\big<$", 143),
              ("\\" + "a" * 40, 142), (r"$\sqrt{\sqrt{\sqrt{\sqrt{\sqrt{\sqrt{\sqrt{\sqrt{\sqrt{x}}}}}}}}}$", 136)]
     for s, n in cases:
         k.nlmess(s)

@@ -351,12 +351,14 @@ int Parser::readWord(char *w) {
         w[n++] = (char)c;
         ++pos_;
     } else {
+        // A word is made of letters: besides the blank, the braces, the
+        // script and escape characters, the dollar, the brackets and the
+        // operators, any other sign ends it too, so that \left. and \left|
+        // read as a command and its bracket.
         while (true) {
             c = peek();
-            if (c == kEnd || c >= 256 || c == ' ' || c == '{' || c == '}' || c == '^' || c == '_' ||
-                c == (unsigned char)esc() || c == '\\' || c == '$' || c == '[' || c == ']' ||
-                c == '-' || c == '+' || c == '/' || c == '*' || c == '=' || c == '(' || c == ')')
-                break;
+            bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+            if (!letter) break;
             if (n < 32) w[n++] = (char)c;
             ++pos_;
         }
@@ -523,6 +525,7 @@ void Parser::scripts() {
     double a0 = along();
     double w1 = scriptArg(first, nullptr);
     if (err_) return;
+    skipBlanks();
     int next = peek();
     if (next == first) {
         fail(144, "Syntax error for Indices/Exponents");
@@ -532,6 +535,7 @@ void Parser::scripts() {
         penTo(a0);
         double w2 = scriptArg(next, nullptr);
         if (err_) return;
+        skipBlanks();
         if (peek() == '^' || peek() == '_') {
             fail(144, "Syntax error for Indices/Exponents");
             return;
@@ -811,7 +815,8 @@ double Parser::bracketBase(double t, double d) const {
     double f = t_.hwmode ? 1.0 : 0.9;
     double bb = std::fabs(d) < 0.5 ? m_.boff - f * t * (t_.texvbra - 1.0) / 2.0
                                    : m_.boff + f * t_.texvbra * d;
-    return bb;
+    // a hardware font's bracket stands lower in its cell
+    return t_.hwmode ? bb + 0.09 * m_.hgt : bb;
 }
 
 // Draws a bracket glyph at height hb on baseline bb, with the spacing of
