@@ -41,9 +41,9 @@ def draw(device="PNG", name="formulas.png"):
     k.texmod("ON")
     k.height(40)
     k.messag(r"Formulas in {\it TeX} mode", 120, 90)
-    k.height(34)
+    k.height(40)
     for i, f in enumerate(FORMULAS):
-        k.messag(f, 140, 260 + i * 160)
+        k.messag(f, 140, 250 + i * 165)
 
     # A plot whose strings are formulas as well.
     x = [i * 0.05 for i in range(81)]
@@ -51,7 +51,7 @@ def draw(device="PNG", name="formulas.png"):
     k.axslen(1050, 1100)
     k.height(30)
     k.name(r"$t \; [\mu s]$", "X")
-    k.name(r"$\frac{U(t)}{U_0}$", "Y")
+    k.name(r"$\D \frac{U(t)}{U_0}$", "Y")
     k.labdig(1, "XY")
     k.titlin(r"$U(t) = U_0 e^{-t/\tau} \cos \omega t$", 2)
     k.graf(0.0, 4.0, 0.0, 1.0, -1.0, 1.0, -1.0, 0.5)
