@@ -74,3 +74,24 @@ def test_filbox_limits(capfd):
     kolvex.filbox(0, 0, 0, 10)
     kolvex.filbox(2000, 0, 971, 10)
     assert [w.split(":")[0] for w in warnings(capfd)] == [" <<<< Warning 1", " <<<< Warning 2", " <<<< Warning 2"]
+
+
+def test_the_box_gets_the_frame_of_frame():
+    kolvex.setfil("empty.met")
+    kolvex.kolini()
+    kolvex.kolfin()
+
+    def include(thickness):
+        def draw():
+            kolvex.filbox(500, 500, 1000, 700)
+            kolvex.frame(thickness)
+            kolvex.incfil("empty.met")
+        return draw
+
+    bare = png_of(include(0), "bare.png")
+    assert not (bare != bare[0, 0]).any()
+    framed = png_of(include(1), "framed.png")
+    inked = np.argwhere((framed != framed[0, 0]).any(axis=2))
+    s = 852 / 2969
+    assert np.allclose(inked.min(axis=0), [500 * s, 500 * s], atol=1.5)
+    assert np.allclose(inked.max(axis=0), [1199 * s, 1499 * s], atol=1.5)

@@ -54,6 +54,8 @@ struct DeviceState {
     int fbox[4];               // filbox: corner (Y down) and size for incfil
     unsigned char fboxset;     // 1 once filbox gave a box
     unsigned char fclrnone;    // filclr NONE: included colours are ignored
+    int fwin[4];               // filwin: the part of an image used, in pixels
+    unsigned char fwinset;     // 1 once filwin gave a window
     // Hooks of later stages: a position mapped into the 3-D plane, and a
     // segment test of hidden lines or shields.  Null when not in use.
     void (*planemap)(glbblk *b, double *x, double *y);
@@ -64,6 +66,10 @@ struct DeviceState {
     // The polygon fill of the plots with the current pattern (qqfillpoly),
     // set when a block is made: the layer hands fills upward through it.
     void (*fillfn)(glbblk *b, double *x, double *y, int n);
+    // The frame of the frame thickness round a box (upper left corner x,
+    // y, w by h, plot coordinates), drawn after an included file; set by the
+    // plots with the fill, null draws nothing.
+    void (*boxframe)(glbblk *b, int x, int y, int w, int h);
     // The hatching of several polygons together (qqhatchpolys).
     int (*hatchfn)(glbblk *b, const double *const *x, const double *const *y, const int *n,
                    int npoly, double d, int maxcross, void (*move)(glbblk *, double, double),

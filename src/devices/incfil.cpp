@@ -25,7 +25,8 @@ struct Placement {
     double nx, yb, m;
 };
 
-// One field of ten characters: its integer part and the value.
+// One field of ten characters: its integer part and the value.  A field
+// that begins with two blanks is a coordinate, even with no digits.
 bool read_field(const char *p, int *whole, double *value) {
     int i = 0, ip = 0;
     long frac = 0;
@@ -45,7 +46,7 @@ bool read_field(const char *p, int *whole, double *value) {
     }
     *whole = ip;
     *value = ip + frac / 1e7;
-    return any;
+    return any || (p[0] == ' ' && p[1] == ' ');
 }
 
 // Draws the metafile; 0, or the warning it ended with (36 or 122).
@@ -157,6 +158,11 @@ void incfil(const char *cfil) noexcept {
         qqwar1(b, 122, "The PLOGFL file is not complete!");
     else if (w2 != 0)
         qqwarc(b, 36, name);
+    // What was drawn gets the frame of the frame thickness round its box.
+    if ((w2 == 0 || w2 == 122) && d.boxframe) {
+        qqflsh(b);
+        d.boxframe(b, box[0], box[1], box[2], box[3]);
+    }
 }
 
 void filbox(int nx, int ny, int nw, int nh) noexcept {
@@ -182,6 +188,26 @@ void filbox(int nx, int ny, int nw, int nh) noexcept {
     d.fbox[2] = nw;
     d.fbox[3] = nh;
     d.fboxset = 1;
+}
+
+void filwin(int nx, int ny, int nw, int nh) noexcept {
+    glbblk *b = KX_ENTRY("filwin");
+    if (!b) return;
+    ny = qqyflpi(b, ny);
+    if (nx < 0 || ny < 0) {
+        qqwarn(b, 1, nx < ny ? nx : ny);
+        return;
+    }
+    if (nw < 1 || nh < 1) {
+        qqwarn(b, 2, nw < nh ? nw : nh);
+        return;
+    }
+    DeviceState &d = b->dev;
+    d.fwin[0] = nx;
+    d.fwin[1] = ny;
+    d.fwin[2] = nw;
+    d.fwin[3] = nh;
+    d.fwinset = 1;
 }
 
 void filclr(const char *cmode) noexcept {

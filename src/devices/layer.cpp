@@ -42,6 +42,7 @@ void devices_init(glbblk *b) {
     DeviceState &d = b->dev;
     d.fboxset = 0;
     d.fclrnone = 0;
+    d.fwinset = 0;
     d.npol = 0;
     d.inflsh = 0;
     d.nxsh = d.nysh = 0;

@@ -101,10 +101,11 @@ void hwmode(const char *cmode, const char *ckey) noexcept {
         return;
     }
     b->dev.hwlin = (unsigned char)(k - 1);
-    // The width is set again at once: to the device, or back to the
-    // layer's emulation.
-    if (b->core.level > 0) {
-        int n = b->dev.lnwid < 0 ? -b->dev.lnwid : b->dev.lnwid;
+    // A width that the device draws is set again at once, to the device or
+    // back to the layer's emulation; an emulated width keeps its emulation
+    // until the next linwid.
+    if (b->core.level > 0 && b->dev.lnwid < 0) {
+        int n = -b->dev.lnwid;
         qqflsh(b);
         b->dev.lnwid = apply_width(b, n, n, 0);
     }

@@ -65,8 +65,15 @@ int hatch_polys(glbblk *b, const double *const *x, const double *const *y, const
     return qqsweepn(b, x, y, n, npoly, d, maxcross, 0, 0, 0, pen);
 }
 
+// The frame round the box of an included file: the thickness and colour
+// of the axis system's frame.
+void box_frame(glbblk *b, int x, int y, int w, int h) {
+    qqframe(b, x, y, w, h, b->ax.frmthk, 0.0, b->ax.frmcol);
+}
+
 void styles_first(glbblk *b) {
     b->dev.fillfn = qqpfill;
+    b->dev.boxframe = box_frame;
     b->dev.hatchfn = hatch_polys;
     b->sty.shdfct = 1.0;
     b->sty.outline = 1;
@@ -77,6 +84,7 @@ void styles_first(glbblk *b) {
 void styles_init(glbblk *b) {
     StyleState &s = b->sty;
     b->dev.fillfn = qqpfill;
+    b->dev.boxframe = box_frame;
     b->dev.hatchfn = hatch_polys;
     qqlintyp(b, 0);
     s.shdfct = 1.0;
