@@ -50,9 +50,11 @@ void penwid(double xwidth) noexcept {
 namespace {
 void style_changed(glbblk *b) {
     const DriverOps *drv = b->dev.drv;
-    if (drv && drv->linestyle) drv->linestyle(b);
+    // A device without caps and joins (SVG, IPE, Java) sees nothing.
+    if (!drv || !drv->linestyle) return;
+    drv->linestyle(b);
     // A pen with the new style comes into use at the current width.
-    if (b->dev.lnwid < 0 && drv && drv->width) drv->width(b, -b->dev.lnwid, 0);
+    if (b->dev.lnwid < 0 && drv->width) drv->width(b, -b->dev.lnwid, 0);
 }
 }  // namespace
 
