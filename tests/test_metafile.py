@@ -28,7 +28,7 @@ def png_of(draw, name):
 def test_a_metafile_included_is_the_page_drawn_directly():
     border_met("border.met", 50)
     direct = png_of(lambda: (kolvex.setclr(50), kolvex.pagera()), "direct.png")
-    included = png_of(lambda: kolvex.incfil("border.met"), "included.png")
+    included = png_of(lambda: (kolvex.frame(0), kolvex.incfil("border.met")), "included.png")
     assert (direct != direct[300, 400]).any(axis=2).sum() > 2000
     assert (direct == included).all()
 
@@ -95,3 +95,12 @@ def test_the_box_gets_the_frame_of_frame():
     s = 852 / 2969
     assert np.allclose(inked.min(axis=0), [500 * s, 500 * s], atol=1.5)
     assert np.allclose(inked.max(axis=0), [1199 * s, 1499 * s], atol=1.5)
+
+
+def test_the_current_colour_comes_back():
+    border_met("border.met", 50)
+    kolvex.setfil("out.met")
+    kolvex.kolini()
+    kolvex.setclr(7)
+    kolvex.incfil("border.met")
+    assert kolvex.getclr() == 7

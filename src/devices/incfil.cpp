@@ -152,8 +152,11 @@ void incfil(const char *cfil) noexcept {
         return;
     }
     qqflsh(b);
+    // The file's colours end with the file.
+    int colour = d.curclr;
     int w2 = include_metafile(b, fp, box);
     std::fclose(fp);
+    if (d.curclr != colour) qqsetc(b, colour);
     if (w2 == 122)
         qqwar1(b, 122, "The PLOGFL file is not complete!");
     else if (w2 != 0)
