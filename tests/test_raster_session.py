@@ -56,6 +56,28 @@ def test_emulated_width_with_hwmode_off():
     assert px[300, 40, 0] == 0
 
 
+@pytest.mark.parametrize("page", [None, "PORT"])
+def test_fill_stops_short_of_the_axis_lines(page):
+    # With grace at its default the canvas clips one pixel inside the axis
+    # lines: a solid area larger than the axis system leaves them whole.
+    def axes(fill):
+        kolvex.filmod("DELE")
+        if page:
+            kolvex.pagmod(page)
+        start()
+        kolvex.graf(0, 10, 0, 2, 0, 10, 0, 2)
+        if fill:
+            kolvex.shdpat(16)
+            kolvex.color("RED")
+            kolvex.rlarea([-5, 15, 15, -5], [-5, -5, 15, 15], 4)
+        return finish()
+
+    lines = (axes(False) == 255).all(axis=2)
+    filled = axes(True)
+    assert (filled[lines] == 255).all()
+    assert ((filled[:, :, 0] > 200) & (filled[:, :, 1] < 60)).sum() > 10000
+
+
 def test_smooth_lines_blend_on_an_rgb_canvas():
     start(fmt="RGB")
     kolvex.linmod("ON", "SMOO")

@@ -27,6 +27,8 @@ struct DeviceState {
     int axclp[4];              // its rectangle: left, top, right, bottom, inclusive
     double axccx, axccy, axccr;  // its circle
     unsigned char axround;     // 0 rectangle, 1 circle always, 2 circle under clpmod AUTO
+    unsigned char axgrace;     // 1 when the rectangle has grace's default margin of -1
+    unsigned char clpwiden;    // 1 while qqclip(0) hands such a rectangle to the device
     unsigned char clpjump;     // a segment across the window in X is a jump: dropped
     unsigned char clpnochord;  // a segment with both ends outside the circle: nothing
     unsigned char softfill;    // fills take the software path, never the driver's

@@ -123,12 +123,17 @@ void raster_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
     if (!cv) return;
     int ax = 0, ay = 0, bx = cv->cw - 1, by = cv->ch - 1;
     if (!reset) {
+        // An axis system's window with the default margin: back out to the
+        // axis lines, then one pixel in, so that nothing covers the lines.
+        int widen = b->dev.clpwiden ? 1 : 0;
         int px1, py1, px2, py2;
-        if (!to_pixel(b, x1, y1, &px1, &py1) || !to_pixel(b, x2, y2, &px2, &py2)) return;
-        ax = px1 < px2 ? px1 : px2;
-        bx = px1 < px2 ? px2 : px1;
-        ay = py1 < py2 ? py1 : py2;
-        by = py1 < py2 ? py2 : py1;
+        if (!to_pixel(b, x1 - widen, y1 - widen, &px1, &py1) ||
+            !to_pixel(b, x2 + widen, y2 + widen, &px2, &py2))
+            return;
+        ax = (px1 < px2 ? px1 : px2) + widen;
+        bx = (px1 < px2 ? px2 : px1) - widen;
+        ay = (py1 < py2 ? py1 : py2) + widen;
+        by = (py1 < py2 ? py2 : py1) - widen;
     }
     qqcoption(cv, 11, ax);
     qqcoption(cv, 12, ay);
