@@ -168,49 +168,46 @@ void incfil(const char *cfil) noexcept {
     }
 }
 
-void filbox(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("filbox");
-    if (!b) return;
+namespace {
+
+// The box of filbox or the window of filwin: y through the page origin,
+// a corner not negative (warning 1) and a size of at least 1 (warning 2);
+// with a page limit, a box that leaves the page gives warning 2 too.
+// Stores the four values and returns true when they pass.
+bool store_box(glbblk *b, int nx, int ny, int nw, int nh, bool on_page, int out[4]) {
     ny = qqyflpi(b, ny);
     if (nx < 0 || ny < 0) {
         qqwarn(b, 1, nx < ny ? nx : ny);
-        return;
+        return false;
     }
     if (nw < 1 || nh < 1) {
         qqwarn(b, 2, nw < nh ? nw : nh);
-        return;
+        return false;
     }
     long long x2 = (long long)nx + nw - 1, y2 = (long long)ny + nh - 1;
-    if (x2 > b->core.nxp || y2 > b->core.nyp) {
+    if (on_page && (x2 > b->core.nxp || y2 > b->core.nyp)) {
         qqwarn(b, 2, (int)(x2 > b->core.nxp ? (x2 > 0x7fffffff ? 0x7fffffff : x2) : y2));
-        return;
+        return false;
     }
-    DeviceState &d = b->dev;
-    d.fbox[0] = nx;
-    d.fbox[1] = ny;
-    d.fbox[2] = nw;
-    d.fbox[3] = nh;
-    d.fboxset = 1;
+    out[0] = nx;
+    out[1] = ny;
+    out[2] = nw;
+    out[3] = nh;
+    return true;
 }
 
+}  // namespace
+
+void filbox(int nx, int ny, int nw, int nh) noexcept {
+    glbblk *b = KX_ENTRY("filbox");
+    if (b && store_box(b, nx, ny, nw, nh, true, b->dev.fbox)) b->dev.fboxset = 1;
+}
+
+// The window is in the pixels of an image not yet read: the reader tests
+// it against the image.
 void filwin(int nx, int ny, int nw, int nh) noexcept {
     glbblk *b = KX_ENTRY("filwin");
-    if (!b) return;
-    ny = qqyflpi(b, ny);
-    if (nx < 0 || ny < 0) {
-        qqwarn(b, 1, nx < ny ? nx : ny);
-        return;
-    }
-    if (nw < 1 || nh < 1) {
-        qqwarn(b, 2, nw < nh ? nw : nh);
-        return;
-    }
-    DeviceState &d = b->dev;
-    d.fwin[0] = nx;
-    d.fwin[1] = ny;
-    d.fwin[2] = nw;
-    d.fwin[3] = nh;
-    d.fwinset = 1;
+    if (b && store_box(b, nx, ny, nw, nh, false, b->dev.fwin)) b->dev.fwinset = 1;
 }
 
 void filclr(const char *cmode) noexcept {
