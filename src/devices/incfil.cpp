@@ -1,7 +1,9 @@
 // incfil: a finished file drawn into a box of the page, and its settings
-// filbox and filclr.  The native metafile is read here; the image readers
-// and the CGM reader take their formats when they are built, and until
-// then those formats are refused as unknown (warning 56).
+// filbox, filclr and filwin.  The native metafile is read here and the CGM
+// in cgm_read.cpp; the image readers take their formats when they are
+// built, and until then those formats are refused as unknown (warning 56).
+#include "devices/incfil.h"
+
 #include <cstdio>
 #include <cstring>
 
@@ -17,7 +19,7 @@
 
 namespace {
 
-enum { BMP = 1, PNG = 4, METAFILE = 6 };
+enum { BMP = 1, PNG = 4, METAFILE = 6, CGM = 7 };
 
 // Where the pictures of a metafile go: the box, the scale m of its
 // normalised coordinates and the base line yb.
@@ -139,7 +141,7 @@ void incfil(const char *cfil) noexcept {
             return;
         }
     }
-    if (type != METAFILE) {
+    if (type != METAFILE && type != CGM) {
         qqwar0(b, 56);
         return;
     }
@@ -154,7 +156,7 @@ void incfil(const char *cfil) noexcept {
     qqflsh(b);
     // The file's colours end with the file.
     int colour = d.curclr;
-    int w2 = include_metafile(b, fp, box);
+    int w2 = type == CGM ? qqincgm(b, fp, box) : include_metafile(b, fp, box);
     std::fclose(fp);
     if (d.curclr != colour) qqsetc(b, colour);
     if (w2 == 122)
