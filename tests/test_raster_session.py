@@ -45,6 +45,18 @@ def test_linwid_gives_the_border_its_pixels(width, columns):
     assert (row[:columns] == 255).all() and (row[columns:] == 0).all()
 
 
+def test_penwid_rounds_to_the_width_of_linwid():
+    # round(5.4) = 5 gives round(5 * 0.287) = 1 pixel, not round(1.55) = 2.
+    def border(set_width):
+        kolvex.filmod("DELE")
+        start()
+        set_width()
+        kolvex.pagera()
+        return finish()
+
+    assert (border(lambda: kolvex.penwid(5.4)) == border(lambda: kolvex.linwid(5))).all()
+
+
 def test_emulated_width_with_hwmode_off():
     start()
     kolvex.hwmode("OFF", "LINE")

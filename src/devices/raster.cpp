@@ -102,13 +102,15 @@ void raster_table(glbblk *b) {
     if (b->cnv.imgtran != -1) qqcoption(cv, 32, b->cnv.imgtran);
 }
 
-int raster_width(glbblk *b, double n, int) {
+int raster_width(glbblk *b, double n, int fractional) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return 0;
     if (n <= 0) {
         qqcoption(cv, 26, 1);
         return 0;
     }
+    // A pen of pixels takes whole widths: penwid's value is rounded first.
+    if (fractional) n = qqnint(n) < 1 ? 1 : qqnint(n);
     int px = qqnint(n * b->sess.devscl);
     qqcoption(cv, 26, px < 1 ? 1 : px);
     return 1;
