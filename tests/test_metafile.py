@@ -168,3 +168,16 @@ def test_a_cgm_file_is_drawn_in_its_box():
     inked = (img != img[300, 400]).any(axis=2)
     assert (inked == (included != included[300, 400]).any(axis=2)).all()
     assert {tuple(p) for p in img[inked]} == {tuple(png_of(kolvex.pagera, "fore.png")[0, 0])}
+
+
+def test_a_point_just_left_of_the_page_is_read_back():
+    # Within the clipper's tolerance the file holds "-0.0000002".
+    kolvex.setfil("edge.met")
+    kolvex.kolini()
+    kolvex.xmove(-0.0005, 1000)
+    kolvex.xdraw(1000, 1000)
+    kolvex.kolfin()
+    assert "-0.0000002" in open("edge.met").read()
+    direct = png_of(lambda: (kolvex.xmove(0, 1000), kolvex.xdraw(1000, 1000)), "direct.png")
+    included = png_of(lambda: (kolvex.frame(0), kolvex.incfil("edge.met")), "included.png")
+    assert (direct == included).all()

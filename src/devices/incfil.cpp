@@ -28,11 +28,15 @@ struct Placement {
 };
 
 // One field of ten characters: its integer part and the value.  A field
-// that begins with two blanks is a coordinate, even with no digits.
+// that begins with two blanks is a coordinate, even with no digits, and so
+// is a negative one (a point on the page's edge, within the clipper's
+// tolerance).
 bool read_field(const char *p, int *whole, double *value) {
     int i = 0, ip = 0;
     long frac = 0;
     while (i < 10 && p[i] == ' ') ++i;
+    bool negative = i < 10 && p[i] == '-';
+    if (negative) ++i;
     bool any = false;
     while (i < 10 && p[i] >= '0' && p[i] <= '9') {
         ip = ip * 10 + (p[i++] - '0');
@@ -46,8 +50,8 @@ bool read_field(const char *p, int *whole, double *value) {
         }
         any = true;
     }
-    *whole = ip;
-    *value = ip + frac / 1e7;
+    *whole = negative ? 0 : ip;
+    *value = (negative ? -1 : 1) * (ip + frac / 1e7);
     return any || (p[0] == ' ' && p[1] == ' ');
 }
 
