@@ -13,7 +13,7 @@
 #include <cstdio>
 
 #include "colour/colour.h"
-#include "core/glbblk.h"
+#include "devices/device_block.h"
 #include "devices/device.h"
 
 namespace {
@@ -110,7 +110,7 @@ bool extent(FILE *fp, long *mx, long *my) {
 
 }  // namespace
 
-int qqincgm(glbblk *b, FILE *fp, const int box[4]) noexcept {
+int qqincgm(DeviceBlock *b, FILE *fp, const int box[4]) noexcept {
     long mx, my;
     if (!extent(fp, &mx, &my)) return 36;
     std::rewind(fp);

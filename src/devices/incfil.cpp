@@ -8,13 +8,13 @@
 #include <cstring>
 
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
 #include "core/session.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "kolvex.h"
 
 namespace {
@@ -56,7 +56,7 @@ bool read_field(const char *p, int *whole, double *value) {
 }
 
 // Draws the metafile; 0, or the warning it ended with (36 or 122).
-int include_metafile(glbblk *b, FILE *fp, const int box[4]) {
+int include_metafile(DeviceBlock *b, FILE *fp, const int box[4]) {
     char line[96];
     if (!std::fgets(line, sizeof line, fp)) return 36;
     char *end = line;
@@ -129,7 +129,7 @@ int include_metafile(glbblk *b, FILE *fp, const int box[4]) {
 }  // namespace
 
 void incfil(const char *cfil) noexcept {
-    glbblk *b = KX_ENTRY("incfil");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("incfil"));
     if (!b) return;
     const char *name = cfil ? cfil : "";
     int w, h;
@@ -159,10 +159,10 @@ void incfil(const char *cfil) noexcept {
     }
     qqflsh(b);
     // The file's colours end with the file.
-    int colour = d.curclr;
+    int colour = b->clr.curclr;
     int w2 = type == CGM ? qqincgm(b, fp, box) : include_metafile(b, fp, box);
     std::fclose(fp);
-    if (d.curclr != colour) qqsetc(b, colour);
+    if (b->clr.curclr != colour) qqsetc(b, colour);
     if (w2 == 122)
         qqwar1(b, 122, "The PLOGFL file is not complete!");
     else if (w2 != 0)
@@ -180,7 +180,7 @@ namespace {
 // a corner not negative (warning 1) and a size of at least 1 (warning 2);
 // with a page limit, a box that leaves the page gives warning 2 too.
 // Stores the four values and returns true when they pass.
-bool store_box(glbblk *b, int nx, int ny, int nw, int nh, bool on_page, int out[4]) {
+bool store_box(DeviceBlock *b, int nx, int ny, int nw, int nh, bool on_page, int out[4]) {
     ny = qqyflpi(b, ny);
     if (nx < 0 || ny < 0) {
         qqwarn(b, 1, nx < ny ? nx : ny);
@@ -205,19 +205,19 @@ bool store_box(glbblk *b, int nx, int ny, int nw, int nh, bool on_page, int out[
 }  // namespace
 
 void filbox(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("filbox");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("filbox"));
     if (b && store_box(b, nx, ny, nw, nh, true, b->dev.fbox)) b->dev.fboxset = 1;
 }
 
 // The window is in the pixels of an image not yet read: the reader tests
 // it against the image.
 void filwin(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("filwin");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("filwin"));
     if (b && store_box(b, nx, ny, nw, nh, false, b->dev.fwin)) b->dev.fwinset = 1;
 }
 
 void filclr(const char *cmode) noexcept {
-    glbblk *b = KX_ENTRY("filclr");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("filclr"));
     if (!b) return;
     int k = qqkey(b, "ALL +NONE", 2, cmode);
     if (k > 0) b->dev.fclrnone = (unsigned char)(k - 1);
