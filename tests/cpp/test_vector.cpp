@@ -308,6 +308,7 @@ TEST(java_bytes_of_a_small_session) {
         "  g.setColor (new Color (0,0,255));\n"
         "  g.fillRect (50,50,101,51);\n"
         "  g.setColor (new Color (255,128,0));\n"
+        "  g.setColor (new Color (255,128,0));\n"
         "  g.fillRect (0,0,6,6);\n"
         "  g.clearRect (0,0,1001,501);\n";
     std::string got = stamped("small.java");
