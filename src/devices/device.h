@@ -109,6 +109,10 @@ void qqrmov(glbblk *b, double x, double y) noexcept;
 void qqrdrw(glbblk *b, double x, double y) noexcept;
 void qqflsh(glbblk *b) noexcept;
 void qqplot(glbblk *b, double x, double y, int op) noexcept;
+// Sends a segment that the clipper and the hidden-line test passed on
+// through the shield test to the driver: a move to its start first when
+// asked.  The horizon of hidden-line surfaces draws its pieces by it.
+void qqshout(glbblk *b, double x0, double y0, double x1, double y1, bool move) noexcept;
 void qqsetc(glbblk *b, int value) noexcept;
 void qqclip(glbblk *b, int back) noexcept;
 int qqin(glbblk *b, double x, double y) noexcept;

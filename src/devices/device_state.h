@@ -58,6 +58,10 @@ struct DeviceState {
     // segment test of hidden lines or shields.  Null when not in use.
     void (*planemap)(glbblk *b, double *x, double *y);
     int (*segtest)(glbblk *b, double x0, double y0, double x1, double y1);
+    // The floating horizon of hidden-line surfaces: takes every segment
+    // that passed the clipping (move 1: the pen is not at its start yet)
+    // and sends the visible pieces on through qqshout.  Null when off.
+    void (*horizon)(glbblk *b, double x0, double y0, double x1, double y1, int move);
     // Strokes a hardware character that the driver refused (the text
     // subsystem sets it at kolini); null draws nothing.
     void (*strokechar)(glbblk *b, const QQHwChar *c);

@@ -15,7 +15,7 @@ namespace {
 // Whether a shape may go to the driver whole, in plot coordinates.
 bool direct(const glbblk *b) {
     const DeviceState &d = b->dev;
-    return d.pl3on == 0 && d.trfon == 0 && !d.segtest && d.clpcir == 0;
+    return d.pl3on == 0 && d.trfon == 0 && !d.segtest && !d.horizon && d.clpcir == 0;
 }
 
 // Lines of the fallbacks are solid and, for fills, of the thinnest width,

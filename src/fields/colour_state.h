@@ -20,4 +20,8 @@ struct ColourPlotState {
     int mesh;    // 0 OFF, 1 ON, 2 ONLY, 3 LINE, 4 POIN
     int mshclr;  // mesh colour, -1 the current colour
     int shade;   // 0 FLAT, 1 SMOO
+    // The extent of a matrix of sursze: xa, xe, ya, ye in user values,
+    // used in place of the axis limits once set.
+    int sszset;
+    double ssz[4];
 };

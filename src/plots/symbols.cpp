@@ -67,7 +67,7 @@ bool hardware_symbol(glbblk *b, int nsym, double x, double y) {
     const DriverOps *drv = b->dev.drv;
     int kind = qqdevkind(b);
     if (!drv || !drv->marker || nsym >= QQ_NSYMB) return false;
-    if (std::fabs(c.symrot) > 0.001 || b->dev.pl3on || b->dev.trfon || b->dev.segtest) return false;
+    if (std::fabs(c.symrot) > 0.001 || b->dev.pl3on || b->dev.trfon || b->dev.segtest || b->dev.horizon) return false;
     if (c.usrn > 0 && c.usrsym == nsym) return false;
     if (kind != QQ_KIND_SCREEN && kind != QQ_KIND_RASTER) return false;
     qqflsh(b);
