@@ -64,8 +64,8 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
         qqwarn(b, 2, n < 1 ? n : nx < 2 ? nx : ny);
         return;
     }
-    // The grid spans the X and Y axes of the system in force: the 3-D one
-    // while it is open, else the 2-D one.
+    // The grid spans the extent of sursze, else the X and Y axes of the
+    // system in force: the 3-D one while it is open, else the 2-D one.
     const ScaleRecord &r = b->ax.rec;
     const SpaceState &sp = b->sp;
     double lim[2][2];
@@ -74,6 +74,10 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
         bool lg = sp.open ? sp.logax[k] != 0 : r.log[k] != 0;
         lim[k][0] = lg ? std::pow(10.0, a) : a;
         lim[k][1] = lg ? std::pow(10.0, e) : e;
+    }
+    if (b->cpl.sszset) {
+        const double *e = b->cpl.ssz;
+        lim[0][0] = e[0], lim[0][1] = e[1], lim[1][0] = e[2], lim[1][1] = e[3];
     }
     double xa = lim[0][0], ya = lim[1][0];
     double dx = (lim[0][1] - xa) / (nx - 1), dy = (lim[1][1] - ya) / (ny - 1);

@@ -146,45 +146,45 @@ void hook(glbblk *b, double x0, double y0, double x1, double y1, int move) {
 int qqhorz(glbblk *b, int x, int y, int mode) noexcept {
     SpaceState &s = b->sp;
     switch (mode) {
-    case 0: {
-        int n = b->core.nxp + 1;
-        if (n < 1) n = 1;
-        if (!s.hzlow || s.hzn != n) {
+        case 0: {
+            int n = b->core.nxp + 1;
+            if (n < 1) n = 1;
+            if (!s.hzlow || s.hzn != n) {
+                std::free(s.hzlow);
+                s.hzlow = s.hzup = nullptr;
+                s.hzn = 0;
+                // Two arrays of the page width in one block.
+                int *p = (int *)std::malloc(sizeof(int) * 2 * (size_t)n);
+                if (!p) {
+                    qqwar0(b, 53);
+                    return 0;
+                }
+                s.hzlow = p;
+                s.hzup = p + n;
+                s.hzn = n;
+            }
+            for (int i = 0; i < n; ++i) {
+                s.hzlow[i] = kNoLower;
+                s.hzup[i] = kNoUpper;
+            }
+            return 1;
+        }
+        case 3:
+            s.hzx = x;
+            s.hzy = y;
+            return 1;
+        case 2:
+            if (!s.hzlow) return 0;
+            walk(b, x, y, false);
+            return 1;
+        case 999:
             std::free(s.hzlow);
             s.hzlow = s.hzup = nullptr;
             s.hzn = 0;
-            // Two arrays of the page width in one block.
-            int *p = (int *)std::malloc(sizeof(int) * 2 * (size_t)n);
-            if (!p) {
-                qqwar0(b, 53);
-                return 0;
-            }
-            s.hzlow = p;
-            s.hzup = p + n;
-            s.hzn = n;
-        }
-        for (int i = 0; i < n; ++i) {
-            s.hzlow[i] = kNoLower;
-            s.hzup[i] = kNoUpper;
-        }
-        return 1;
-    }
-    case 3:
-        s.hzx = x;
-        s.hzy = y;
-        return 1;
-    case 2:
-        if (!s.hzlow) return 0;
-        walk(b, x, y, false);
-        return 1;
-    case 999:
-        std::free(s.hzlow);
-        s.hzlow = s.hzup = nullptr;
-        s.hzn = 0;
-        b->dev.horizon = nullptr;
-        return 1;
-    default:
-        return 0;
+            b->dev.horizon = nullptr;
+            return 1;
+        default:
+            return 0;
     }
 }
 

@@ -117,7 +117,7 @@ void extent(const glbblk *b, double r[4]) {
 struct Mesh {
     int n, m;
     double xa, dx, xe, ya, dy, ye;
-    const double *z;                // the matrix of surmat, or null
+    const double *z;               // the matrix of surmat, or null
     double (*fn)(double, double);  // the function of surfun
     double x(int i) const { return i == n - 1 ? xe : xa + i * dx; }
     double y(int j) const { return j == m - 1 ? ye : ya + j * dy; }
@@ -343,18 +343,29 @@ void draw_surfce(glbblk *b, const Columns &c) {
 // ---------------------------------------------------------------------------
 // The subsystem: the horizon dies with the session; the reset rows.
 
-void release(glbblk *b) { qqhorz(b, 0, 0, 999); }
+void release(glbblk *b) {
+    qqhorz(b, 0, 0, 999);
+}
 
-void r_nohide(glbblk *b) { b->sp.nohide = 0; }
+void r_nohide(glbblk *b) {
+    b->sp.nohide = 0;
+}
 void r_surclr(glbblk *b) {
     b->sp.surclr[0] = b->sp.surclr[1] = -1;
     b->sp.surclrset = 0;
 }
-void r_sursze(glbblk *b) { b->cpl.sszset = 0; }
-void r_survis(glbblk *b) { b->sp.survis = 0; }
+void r_sursze(glbblk *b) {
+    b->cpl.sszset = 0;
+}
+void r_survis(glbblk *b) {
+    b->sp.survis = 0;
+}
 
-const ResetEntry kResets[] = {
-    {"NOHI", r_nohide}, {"SURC", r_surclr}, {"SURS", r_sursze}, {"SURV", r_survis}, {nullptr, nullptr}};
+const ResetEntry kResets[] = {{"NOHI", r_nohide},
+                              {"SURC", r_surclr},
+                              {"SURS", r_sursze},
+                              {"SURV", r_survis},
+                              {nullptr, nullptr}};
 
 }  // namespace
 
@@ -371,11 +382,13 @@ void surmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
     if (too_many(b, n, m, ixpts, iypts)) return;
     double r[4];
     extent(b, r);
-    Mesh g{n, m, r[0], (r[1] - r[0]) / (n - 1), r[1], r[2], (r[3] - r[2]) / (m - 1), r[3], zmat, nullptr};
+    Mesh g{n,    m,    r[0],   (r[1] - r[0]) / (n - 1), r[1], r[2], (r[3] - r[2]) / (m - 1),
+           r[3], zmat, nullptr};
     draw_mesh(b, g, ixpts, iypts);
 }
 
-void surfun(double (*zfun)(double, double), int ixpts, double xdel, int iypts, double ydel) noexcept {
+void surfun(double (*zfun)(double, double), int ixpts, double xdel, int iypts,
+            double ydel) noexcept {
     glbblk *b = KX_ENTRY("surfun");
     if (!b || !in_graf3d(b)) return;
     if (!(xdel > 0) || !(ydel > 0)) {
