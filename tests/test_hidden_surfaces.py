@@ -206,3 +206,25 @@ def test_sursze_places_the_colour_matrix():
 
 def test_example_png_and_svg_alike():
     example_png_and_svg_alike("hidden_surfaces.py")
+
+
+@pytest.mark.parametrize("pts, lines", [(1, 10), (-2, 6), (-3, 4)])
+def test_nohide_draws_every_line_front_first_and_strides_skip_lines(pts, lines):
+    kolvex.metafl("PLOG")
+    kolvex.setfil("n.met")
+    kolvex.filmod("DELE")
+    kolvex.kolini()
+    kolvex.nohide()
+    kolvex.nograf()
+    kolvex.graf3d(0, 4, 0, 1, 0, 4, 0, 1, 0, 1, 0, 1)
+    far = 4 - 4 % abs(pts)
+    want = kolvex.rel3pt(4, 0, 0.5), kolvex.rel3pt(4, far, 0.5)
+    kolvex.surmat(np.full((5, 5), 0.5), 5, 5, pts, pts)
+    kolvex.endgrf()
+    kolvex.kolfin()
+    pieces = read_plog("n.met")
+    assert len(pieces) == lines
+    # The eye stands at positive x and negative y: the first line runs along
+    # y at the largest x, from y = 0 to the last line a stride reaches.
+    ends = pieces[0][0], pieces[0][-1]
+    assert np.allclose(ends, want, atol=1.0)
