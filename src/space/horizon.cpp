@@ -20,9 +20,12 @@ const int kNoLower = -1;
 const int kNoUpper = 10000;
 
 // Plot coordinates become pixels of the walk by adding 0.5 and cutting.
+// The clipper has kept segments near the page; the bound only keeps a
+// walk through a clip window far larger than any page finite.
 int pixel(double v) {
-    if (!(v > -1e9)) v = -1e9;
-    if (v > 1e9) v = 1e9;
+    const double kFar = 1e5;
+    if (!(v > -kFar)) v = -kFar;
+    if (v > kFar) v = kFar;
     return (int)(v + 0.5);
 }
 
