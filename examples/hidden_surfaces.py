@@ -55,7 +55,7 @@ def draw(device="PNG", filename="hidden_surfaces.png"):
     k.height(22)
     k.htitle(28)
 
-    panel(0, 0, "sin(2r)/(1+r) from a matrix", -3, 3, -0.6, 1)
+    panel(0, 0, "sin(2r)/(1+r) from a matrix", -3, 3, -0.6, 1, view=(3.7, -4.8, 3.9))
     k.surmat(ripple(), N, N, 1, 1)
     k.endgrf()
 
