@@ -228,3 +228,26 @@ def test_nohide_draws_every_line_front_first_and_strides_skip_lines(pts, lines):
     # y at the largest x, from y = 0 to the last line a stride reaches.
     ends = pieces[0][0], pieces[0][-1]
     assert np.allclose(ends, want, atol=1.0)
+
+
+def test_bars_draw_one_box_per_point_above_the_base():
+    kolvex.metafl("PLOG")
+    kolvex.setfil("c.met")
+    kolvex.filmod("DELE")
+    kolvex.kolini()
+    kolvex.nohide()
+    kolvex.polcrv("BARS")
+    kolvex.nograf()
+    kolvex.graf3d(0, 2, 0, 1, 0, 2, 0, 1, 0, 2, 0, 1)
+    # One point above the base z = 0; the others below it are left out.
+    z = np.full((3, 3), -1.0)
+    z[1, 1] = 1.5
+    kolvex.surfce([0, 1, 2], 3, [0, 1, 2], 3, z)
+    top = [kolvex.rel3pt(1 + d, 1 + d, 1.5) for d in (-0.375, 0.375)]
+    kolvex.endgrf()
+    kolvex.kolfin()
+    pieces = read_plog("c.met")
+    # The top and bottom rectangles, then the four upright edges.
+    assert [len(p) for p in pieces] == [5, 5, 2, 2, 2, 2]
+    for corner in top:
+        assert min(np.hypot(x - corner[0], y - corner[1]) for x, y in pieces[0]) < 1.0

@@ -281,6 +281,9 @@ void draw_columns(glbblk *b, UserPen &pen, const Columns &c, const Sweep &X, con
             // horizon, so that a column's own edges do not hide each other.
             set_mode(b, 0);
             column(pen, c.x[i], c.y[j], hx, hy, z, base);
+            // Without hidden lines the second pass would only draw the
+            // same edges again.
+            if (!b->dev.horizon) continue;
             set_mode(b, 2);
             column(pen, c.x[i], c.y[j], hx, hy, z, base);
         }
