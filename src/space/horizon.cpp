@@ -8,10 +8,10 @@
 // sends the visible runs on through the shield test to the driver.
 #include <cstdlib>
 
-#include "core/glbblk.h"
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 
@@ -46,18 +46,18 @@ void update(SpaceState &s, int x, int y) {
 }
 
 // The colour of a side under surclr; -1 is the caller's colour.
-void side_colour(glbblk *b, int side) {
+void side_colour(SpaceBlock *b, int side) {
     SpaceState &s = b->sp;
     s.hzside = side;
     if (!s.surclrset) return;
     int c = s.surclr[side == 1 ? 0 : 1];
     if (c == -1) c = s.hzbase;
-    if (c != b->dev.curclr) qqsetc(b, c);
+    if (c != b->clr.curclr) qqsetc(b, c);
 }
 
 // The pen of the walk: the last position sent to the driver.
 struct WalkPen {
-    glbblk *b;
+    SpaceBlock *b;
     double x, y;
     void move(int px, int py) {
         x = px;
@@ -72,7 +72,7 @@ struct WalkPen {
 };
 
 // Walks from the current pixel to (x1, y1) by Bresenham steps.
-void walk(glbblk *b, int x1, int y1, bool moved) {
+void walk(SpaceBlock *b, int x1, int y1, bool moved) {
     SpaceState &s = b->sp;
     const int mode = s.hzmode;
     const bool test = mode != 2, keep = mode != 0;
@@ -139,14 +139,15 @@ void walk(glbblk *b, int x1, int y1, bool moved) {
 }
 
 // A move flag means that the driver's pen is not at the start yet.
-void hook(glbblk *b, double x0, double y0, double x1, double y1, int move) {
+void hook(DeviceBlock *dev, double x0, double y0, double x1, double y1, int move) {
+    SpaceBlock *b = qqspcblk(dev);
     qqhorz(b, pixel(x0), pixel(y0), 3);
     walk(b, pixel(x1), pixel(y1), move != 0);
 }
 
 }  // namespace
 
-int qqhorz(glbblk *b, int x, int y, int mode) noexcept {
+int qqhorz(SpaceBlock *b, int x, int y, int mode) noexcept {
     SpaceState &s = b->sp;
     switch (mode) {
         case 0: {
@@ -191,7 +192,7 @@ int qqhorz(glbblk *b, int x, int y, int mode) noexcept {
     }
 }
 
-void qqhorzon(glbblk *b, int on) noexcept {
+void qqhorzon(SpaceBlock *b, int on) noexcept {
     qqflsh(b);
     b->dev.horizon = on && b->sp.hzlow ? hook : nullptr;
 }

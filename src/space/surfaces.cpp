@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <initializer_list>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
@@ -18,6 +17,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ const double kMaxPoints = 1e8;
 // The 3-D pen in user coordinates: a point that has no place in the box
 // (a NaN, a value at or below 0 on a logarithmic axis) breaks the line.
 struct UserPen {
-    glbblk *b;
+    SpaceBlock *b;
     bool down;
     void to(double x, double y, double z, bool draw) {
         double ax = qqusr2abs(b, 0, x), ay = qqusr2abs(b, 1, y), az = qqusr2abs(b, 2, z);
@@ -51,11 +51,11 @@ struct UserPen {
 // sides, and at the end the horizon off unless shlsur keeps it for the
 // lines that follow.
 struct HiddenFrame {
-    glbblk *b;
-    explicit HiddenFrame(glbblk *blk) : b(blk) {
+    SpaceBlock *b;
+    explicit HiddenFrame(SpaceBlock *blk) : b(blk) {
         SpaceState &s = b->sp;
         qqflsh(b);
-        s.hzbase = b->dev.curclr;
+        s.hzbase = b->clr.curclr;
         s.hzside = 0;
         if (!s.nohide && qqhorz(b, 0, 0, 0))
             qqhorzon(b, 1);
@@ -68,23 +68,23 @@ struct HiddenFrame {
         qqflsh(b);
         s.hzmode = 0;
         if (!b->shl.surf) qqhorzon(b, 0);
-        if (b->dev.curclr != s.hzbase) qqsetc(b, s.hzbase);
+        if (b->clr.curclr != s.hzbase) qqsetc(b, s.hzbase);
     }
 };
 
 // A new pass starts from an empty horizon.
-void reset_pass(glbblk *b) {
+void reset_pass(SpaceBlock *b) {
     if (!b->dev.horizon) return;
     qqflsh(b);
     qqhorz(b, 0, 0, 0);
 }
 
-void set_mode(glbblk *b, int mode) {
+void set_mode(SpaceBlock *b, int mode) {
     qqflsh(b);
     b->sp.hzmode = mode;
 }
 
-bool in_graf3d(glbblk *b) {
+bool in_graf3d(SpaceBlock *b) {
     if (b->sp.open) return true;
     qqwar0(b, 35);
     return false;
@@ -92,7 +92,7 @@ bool in_graf3d(glbblk *b) {
 
 // The limits of the x and y axes as user values: xa, xe, ya, ye, powers
 // of ten on logarithmic axes.
-void axis_limits(const glbblk *b, double r[4]) {
+void axis_limits(const SpaceBlock *b, double r[4]) {
     const SpaceState &s = b->sp;
     for (int k = 0; k < 2; ++k) {
         r[2 * k] = s.logax[k] ? std::pow(10.0, s.a[k]) : s.a[k];
@@ -101,7 +101,7 @@ void axis_limits(const glbblk *b, double r[4]) {
 }
 
 // The x and y range of a matrix: the extent of sursze, else the axes.
-void extent(const glbblk *b, double r[4]) {
+void extent(const SpaceBlock *b, double r[4]) {
     const ColourPlotState &c = b->cpl;
     if (!c.sszset) {
         axis_limits(b, r);
@@ -196,7 +196,7 @@ void cross_pieces(UserPen &pen, const Mesh &g, const Sweep &Y, int i, int i2, do
     }
 }
 
-void draw_mesh(glbblk *b, const Mesh &g, int ixpts, int iypts) {
+void draw_mesh(SpaceBlock *b, const Mesh &g, int ixpts, int iypts) {
     const SpaceState &s = b->sp;
     Sweep X = make_sweep(g.n, ixpts, s.ex < 0), Y = make_sweep(g.m, iypts, s.ey < 0);
     HiddenFrame frame(b);
@@ -237,7 +237,7 @@ void draw_mesh(glbblk *b, const Mesh &g, int ixpts, int iypts) {
 
 // Refuses a call of more than kMaxPoints points with warning 2 and the
 // larger count of lines per step.
-bool too_many(glbblk *b, int n, int m, int ixpts, int iypts) {
+bool too_many(SpaceBlock *b, int n, int m, int ixpts, int iypts) {
     double cx = ixpts > 1 ? ixpts : 1, cy = iypts > 1 ? iypts : 1;
     if ((double)n * m * cx * cy <= kMaxPoints) return false;
     qqwarn(b, 2, ixpts > iypts ? ixpts : iypts);
@@ -266,7 +266,7 @@ void column(UserPen &pen, double x, double y, double hx, double hy, double top, 
     }
 }
 
-void draw_columns(glbblk *b, UserPen &pen, const Columns &c, const Sweep &X, const Sweep &Y) {
+void draw_columns(SpaceBlock *b, UserPen &pen, const Columns &c, const Sweep &X, const Sweep &Y) {
     const SpaceState &s = b->sp;
     double f = b->crv.barwth * 0.5;
     double hx = (c.x[1] - c.x[0]) * X.step * f, hy = (c.y[1] - c.y[0]) * Y.step * f;
@@ -298,7 +298,7 @@ bool ascending(double first, double last, double a, double e, double eye) {
     return (eye < 0 && q > 0) || (eye > 0 && q < 0);
 }
 
-void draw_surfce(glbblk *b, const Columns &c) {
+void draw_surfce(SpaceBlock *b, const Columns &c) {
     const SpaceState &s = b->sp;
     double lim[4];
     axis_limits(b, lim);
@@ -346,21 +346,26 @@ void draw_surfce(glbblk *b, const Columns &c) {
 // ---------------------------------------------------------------------------
 // The subsystem: the horizon dies with the session; the reset rows.
 
-void release(glbblk *b) {
+void release(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
     qqhorz(b, 0, 0, 999);
 }
 
-void r_nohide(glbblk *b) {
+void r_nohide(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
     b->sp.nohide = 0;
 }
-void r_surclr(glbblk *b) {
+void r_surclr(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
     b->sp.surclr[0] = b->sp.surclr[1] = -1;
     b->sp.surclrset = 0;
 }
-void r_sursze(glbblk *b) {
+void r_sursze(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
     b->cpl.sszset = 0;
 }
-void r_survis(glbblk *b) {
+void r_survis(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
     b->sp.survis = 0;
 }
 
@@ -375,7 +380,7 @@ const ResetEntry kResets[] = {{"NOHI", r_nohide},
 extern const Subsystem kxsub_surfaces = {"surfaces", nullptr, nullptr, release, kResets, release};
 
 void surmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
-    glbblk *b = KX_ENTRY("surmat");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surmat"));
     if (!b || !in_graf3d(b)) return;
     if (n < 2 || m < 2) {
         qqwarn(b, 2, n < 2 ? n : m);
@@ -392,7 +397,7 @@ void surmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
 
 void surfun(double (*zfun)(double, double), int ixpts, double xdel, int iypts,
             double ydel) noexcept {
-    glbblk *b = KX_ENTRY("surfun");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surfun"));
     if (!b || !in_graf3d(b)) return;
     if (!(xdel > 0) || !(ydel > 0)) {
         qqwarnd(b, 2, !(xdel > 0) ? xdel : ydel);
@@ -424,7 +429,7 @@ void surfun(double (*zfun)(double, double), int ixpts, double xdel, int iypts,
 }
 
 void surfce(const double *xray, int n, const double *yray, int m, const double *zmat) noexcept {
-    glbblk *b = KX_ENTRY("surfce");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surfce"));
     if (!b || !in_graf3d(b)) return;
     if (n < 2 || m < 2) {
         qqwarn(b, 2, n < 2 ? n : m);
@@ -434,7 +439,7 @@ void surfce(const double *xray, int n, const double *yray, int m, const double *
 }
 
 void sursze(double xa, double xe, double ya, double ye) noexcept {
-    glbblk *b = KX_ENTRY("sursze");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("sursze"));
     if (!b) return;
     if (xa == xe || ya == ye) {
         qqwar0(b, 10);
@@ -449,27 +454,27 @@ void sursze(double xa, double xe, double ya, double ye) noexcept {
 }
 
 void suropt(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("suropt");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("suropt"));
     if (!b) return;
     int k = qqkey(b, "BOTH+XISO+YISO", 3, copt);
     if (k > 0) b->sp.suropt = k - 1;
 }
 
 void survis(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("survis");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("survis"));
     if (!b) return;
     int k = qqkey(b, "AUTO+TOP +BOTT+BOTH", 4, copt);
     if (k > 0) b->sp.survis = k - 1;
 }
 
 void nohide() noexcept {
-    glbblk *b = KX_ENTRY("nohide");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("nohide"));
     if (!b) return;
     b->sp.nohide = 1;
 }
 
 void surclr(int ictop, int icbot) noexcept {
-    glbblk *b = KX_ENTRY("surclr");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surclr"));
     if (!b) return;
     if (ictop < -1 || icbot < -1) {
         qqwarn(b, 2, ictop < -1 ? ictop : icbot);

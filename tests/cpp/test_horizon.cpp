@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/glbblk.h"
+#include "glbblk.h"
 #include "devices/device.h"
 #include "space/space.h"
 #include "testkit.h"
