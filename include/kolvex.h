@@ -505,6 +505,16 @@ KOLVEX_API double y3dpos(double x, double y, double z) KOLVEX_NOEXCEPT;
 KOLVEX_API double y3drel(double x, double y, double z) KOLVEX_NOEXCEPT;
 KOLVEX_API float z3dpos(double x, double y, double z) KOLVEX_NOEXCEPT;
 
+/* Hidden-line surfaces */
+KOLVEX_API void nohide(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void surclr(int ictop, int icbot) KOLVEX_NOEXCEPT;
+KOLVEX_API void surfce(const double *xray, int n, const double *yray, int m, const double *zmat) KOLVEX_NOEXCEPT;
+KOLVEX_API void surfun(double (*zfun)(double, double), int ixpts, double xdel, int iypts, double ydel) KOLVEX_NOEXCEPT;
+KOLVEX_API void surmat(const double *zmat, int n, int m, int ixpts, int iypts) KOLVEX_NOEXCEPT;
+KOLVEX_API void suropt(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void sursze(double xa, double xe, double ya, double ye) KOLVEX_NOEXCEPT;
+KOLVEX_API void survis(const char *copt) KOLVEX_NOEXCEPT;
+
 /* Z-buffer, lighting and shaded surfaces */
 KOLVEX_API void dbffin(void) KOLVEX_NOEXCEPT;
 KOLVEX_API int dbfini(void) KOLVEX_NOEXCEPT;

@@ -381,10 +381,10 @@ def test_reset_of_unit_and_nochek(capfd):
 
 def test_reset_takes_only_names_that_a_subsystem_answers(capfd):
     kolvex.kolini()
-    for name in ("WINSIZ", "PSMETA", "colr", "SURVIS"):
+    for name in ("WINSIZ", "PSMETA", "colr", "SURVIS", "MAPMOD"):
         kolvex.reset(name)
-    # No subsystem of this build resets the surfaces yet.
-    assert warnings_of(capfd.readouterr().out) == [" <<<< Warning 2: Incorrect parameter in reset!   (SURVIS)"]
+    # No subsystem of this build resets the map settings yet.
+    assert warnings_of(capfd.readouterr().out) == [" <<<< Warning 2: Incorrect parameter in reset!   (MAPMOD)"]
 
 
 def test_reset_answers_the_settings_of_included_files_views_and_z_scale(capfd):

@@ -10,9 +10,10 @@
 
 namespace {
 
-PyObject *pysrffn = nullptr;  // the function of surfcp (one reference held)
-// The function of the surfcp call that runs now: a callable that calls
-// surfcp itself replaces the slot, but not the function of the outer call.
+PyObject *pysrffn = nullptr;  // the function of surfun and surfcp (one reference held)
+// The function of the surfun or surfcp call that runs now: a callable that
+// draws a surface itself replaces the slot, but not the function of the
+// outer call.
 PyObject *srf_active = nullptr;
 
 // The exception of the callable during the current surface call: the first
@@ -31,6 +32,15 @@ double float_result(PyObject *result) {
     double v = PyFloat_Check(result) ? PyFloat_AsDouble(result) : 0.0;
     Py_DECREF(result);
     return v;
+}
+
+double surfun_trampoline(double x, double y) {
+    if (!srf_active || (srf_error && srf_error->failed())) return 0.0;
+    PyObject *args = Py_BuildValue("(dd)", x, y);
+    if (!args) return float_result(nullptr);
+    PyObject *result = PyObject_CallObject(srf_active, args);
+    Py_DECREF(args);
+    return float_result(result);
 }
 
 double surfcp_trampoline(double p, double q, int iopt) {
@@ -111,11 +121,12 @@ PyObject *kxs_setcbk(PyObject *, PyObject *args) {
     Py_RETURN_NONE;
 }
 
-PyObject *kxs_surfcp(PyObject *, PyObject *args) {
-    PyObject *fn = nullptr;
-    double pmin, pmax, pstp, qmin, qmax, qstp;
-    if (!PyArg_ParseTuple(args, "Odddddd:surfcp", &fn, &pmin, &pmax, &pstp, &qmin, &qmax, &qstp))
-        return kxpy_argfail();
+namespace {
+
+// Runs one surface call with fn as the active function; raises what the
+// function raised first, once the library has returned.
+template <class Call>
+PyObject *run_surface(PyObject *fn, Call call) {
     if (!store_callable(&pysrffn, fn)) return nullptr;
     KxErrStash err;
     KxErrStash *outer = srf_error;
@@ -123,10 +134,29 @@ PyObject *kxs_surfcp(PyObject *, PyObject *args) {
     srf_error = &err;
     srf_active = fn;
     Py_INCREF(fn);  // held for the call, whatever happens to the slot
-    surfcp(surfcp_trampoline, pmin, pmax, pstp, qmin, qmax, qstp);
+    call();
     srf_active = outer_fn;
     srf_error = outer;
     Py_DECREF(fn);
     if (err.restore()) return nullptr;
     Py_RETURN_NONE;
+}
+
+}  // namespace
+
+PyObject *kxs_surfun(PyObject *, PyObject *args) {
+    PyObject *fn = nullptr;
+    int ixpts, iypts;
+    double xdel, ydel;
+    if (!PyArg_ParseTuple(args, "Oidid:surfun", &fn, &ixpts, &xdel, &iypts, &ydel))
+        return kxpy_argfail();
+    return run_surface(fn, [&] { surfun(surfun_trampoline, ixpts, xdel, iypts, ydel); });
+}
+
+PyObject *kxs_surfcp(PyObject *, PyObject *args) {
+    PyObject *fn = nullptr;
+    double pmin, pmax, pstp, qmin, qmax, qstp;
+    if (!PyArg_ParseTuple(args, "Odddddd:surfcp", &fn, &pmin, &pmax, &pstp, &qmin, &qmax, &qstp))
+        return kxpy_argfail();
+    return run_surface(fn, [&] { surfcp(surfcp_trampoline, pmin, pmax, pstp, qmin, qmax, qstp); });
 }

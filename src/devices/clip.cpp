@@ -133,6 +133,15 @@ bool qqallin(DeviceBlock *b, const double *x, const double *y, int n) noexcept {
 }
 
 void qqout(DeviceBlock *b, double x0, double y0, double x1, double y1, bool move) noexcept {
+    const DeviceState &d = b->dev;
+    if (d.horizon) {
+        d.horizon(b, x0, y0, x1, y1, move ? 1 : 0);
+        return;
+    }
+    qqshout(b, x0, y0, x1, y1, move);
+}
+
+void qqshout(DeviceBlock *b, double x0, double y0, double x1, double y1, bool move) noexcept {
     if (move) qqplot(b, x0, y0, QQ_MOVE);
     DeviceState &d = b->dev;
     if (d.segtest && d.segtest(b, x0, y0, x1, y1)) return;

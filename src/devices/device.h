@@ -111,6 +111,10 @@ void qqrmov(DeviceBlock *b, double x, double y) noexcept;
 void qqrdrw(DeviceBlock *b, double x, double y) noexcept;
 void qqflsh(DeviceBlock *b) noexcept;
 void qqplot(DeviceBlock *b, double x, double y, int op) noexcept;
+// Sends a segment that the clipper and the hidden-line test passed on
+// through the shield test to the driver: a move to its start first when
+// asked.  The horizon of hidden-line surfaces draws its pieces by it.
+void qqshout(DeviceBlock *b, double x0, double y0, double x1, double y1, bool move) noexcept;
 void qqsetc(DeviceBlock *b, int value) noexcept;
 void qqclip(DeviceBlock *b, int back) noexcept;
 int qqin(DeviceBlock *b, double x, double y) noexcept;

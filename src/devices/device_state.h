@@ -61,6 +61,10 @@ struct DeviceState {
     // segment test of hidden lines or shields.  Null when not in use.
     void (*planemap)(DeviceBlock *b, double *x, double *y);
     int (*segtest)(DeviceBlock *b, double x0, double y0, double x1, double y1);
+    // The floating horizon of hidden-line surfaces: takes every segment
+    // that passed the clipping (move 1: the pen is not at its start yet)
+    // and sends the visible pieces on through qqshout.  Null when off.
+    void (*horizon)(DeviceBlock *b, double x0, double y0, double x1, double y1, int move);
     // Strokes a hardware character that the driver refused (the text
     // subsystem sets it at kolini); null draws nothing.
     void (*strokechar)(DeviceBlock *b, const QQHwChar *c);

@@ -85,6 +85,6 @@ int qqdevsolid(DeviceBlock *b, const double *x, const double *y, int n) noexcept
     const DeviceState &d = b->dev;
     // Segment tests (hidden lines, shields), the 3-D plane and the map
     // projections must see every point, which only hatch lines give them.
-    if (!d.hwshd || d.segtest != nullptr || d.pl3on != 0 || d.softfill) return 0;
+    if (!d.hwshd || d.segtest != nullptr || d.horizon != nullptr || d.pl3on != 0 || d.softfill) return 0;
     return qqdevpoly(b, x, y, n);
 }

@@ -88,6 +88,7 @@ void devices_init(CoreBlock *blk) {
     d.lnsmooth = 0;
     d.planemap = nullptr;
     d.segtest = nullptr;
+    d.horizon = nullptr;
     // The session starts with a thin line and the whole page as clip
     // window; the colour table's share then sets the foreground colour.
     d.lnwid = 1;

@@ -336,7 +336,7 @@ void qqflsh(DeviceBlock *b) noexcept {
     // or a hook that flushes cannot see the same points twice.
     d.npol = 0;
     const DriverOps *drv = d.drv;
-    if (n >= 2 && drv && drv->polyline && !d.segtest && qqallin(b, d.polx, d.poly, n)) {
+    if (n >= 2 && drv && drv->polyline && !d.segtest && !d.horizon && qqallin(b, d.polx, d.poly, n)) {
         // Nothing to clip or test: the driver takes the piece at once.
         b->sess.nvec += n - 1;
         drv->polyline(b, d.polx, d.poly, n);

@@ -15,7 +15,7 @@ namespace {
 // Whether a shape may go to the driver whole, in plot coordinates.
 bool direct(const DeviceBlock *b) {
     const DeviceState &d = b->dev;
-    return d.pl3on == 0 && d.trfon == 0 && !d.segtest && d.clpcir == 0;
+    return d.pl3on == 0 && d.trfon == 0 && !d.segtest && !d.horizon && d.clpcir == 0;
 }
 
 // Lines of the fallbacks are solid and, for fills, of the thinnest width,
@@ -184,7 +184,7 @@ bool qqhwmark(DeviceBlock *b, int kind, double x, double y, double size) noexcep
     if (kind < 0 || kind > 23 || !(size >= 0 && size < 1e6)) return false;
     const DeviceState &d = b->dev;
     const DriverOps *drv = d.drv;
-    if (!drv || !drv->marker || d.pl3on || d.trfon || d.segtest) return false;
+    if (!drv || !drv->marker || d.pl3on || d.trfon || d.segtest || d.horizon) return false;
     qqflsh(b);
     return drv->marker(b, kind, x + d.nxsh, y + d.nysh, size) != 0;
 }

@@ -41,8 +41,15 @@ inline double bilinear(const double *z, int m, int i, int j, double u, double v)
 }
 
 // The user limits of one axis of the system for the colour plots, with
-// the logarithm as the call has it.
+// the logarithm as the call has it; the extent of sursze in its place once
+// set (user values as they stand).
 void axis_limits(const FieldBlock *b, int axis, double *a, double *e) {
+    const ColourPlotState &c = b->cpl;
+    if (c.sszset) {
+        *a = c.ssz[2 * axis];
+        *e = c.ssz[2 * axis + 1];
+        return;
+    }
     const ScaleRecord &r = b->ax.rec;
     *a = r.a[axis];
     *e = r.e[axis];
@@ -136,7 +143,14 @@ void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
     }
     if (mode == 1 || mode > 2) {
         long long gx = (long long)(ax.autrx - 1) * ixpts + 1, gy = (long long)(ax.autry - 1) * iypts + 1;
-        qqautres(b, (int)std::min(gx, 1000000000LL), (int)std::min(gy, 1000000000LL), ax.rec.nxl, ax.rec.nyl);
+        int wx = ax.rec.nxl, wy = ax.rec.nyl;
+        if (cp.sszset) {
+            // The matrix covers the rectangle of its extent only.
+            const double *e = cp.ssz;
+            wx = (int)std::min(std::trunc(std::fabs(qqxpos(b, e[1]) - qqxpos(b, e[0])) + 1.5), 1e9);
+            wy = (int)std::min(std::trunc(std::fabs(qqypos(b, e[3]) - qqypos(b, e[2])) + 1.5), 1e9);
+        }
+        qqautres(b, (int)std::min(gx, 1000000000LL), (int)std::min(gy, 1000000000LL), wx, wy);
     }
     double xa, xe, ya, ye;
     axis_limits(b, 0, &xa, &xe);

@@ -26,4 +26,8 @@ struct ColourPlotState {
     // system is open, gives the ends of its X and Y axes (exponents on a
     // logarithmic axis) and their log flags and returns 1; else 0.
     int (*xyends3d)(const FieldBlock *b, double a[2], double e[2], int log[2]);
+    // The extent of a matrix of sursze: xa, xe, ya, ye in user values,
+    // used in place of the axis limits once set.
+    int sszset;
+    double ssz[4];
 };

@@ -65,8 +65,8 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
         qqwarn(b, 2, n < 1 ? n : nx < 2 ? nx : ny);
         return;
     }
-    // The grid spans the X and Y axes of the system in force: the 3-D one
-    // while it is open, else the 2-D one.
+    // The grid spans the extent of sursze, else the X and Y axes of the
+    // system in force: the 3-D one while it is open, else the 2-D one.
     const ScaleRecord &r = b->ax.rec;
     double a[2] = {r.a[0], r.a[1]}, e[2] = {r.e[0], r.e[1]};
     int lg[2] = {r.log[0] != 0, r.log[1] != 0};
@@ -75,6 +75,10 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
     for (int k = 0; k < 2; ++k) {
         lim[k][0] = lg[k] ? std::pow(10.0, a[k]) : a[k];
         lim[k][1] = lg[k] ? std::pow(10.0, e[k]) : e[k];
+    }
+    if (b->cpl.sszset) {
+        const double *ext = b->cpl.ssz;
+        lim[0][0] = ext[0], lim[0][1] = ext[1], lim[1][0] = ext[2], lim[1][1] = ext[3];
     }
     double xa = lim[0][0], ya = lim[1][0];
     double dx = (lim[0][1] - xa) / (nx - 1), dy = (lim[1][1] - ya) / (ny - 1);

@@ -198,8 +198,14 @@ void conmat(const double *zmat, int n, int m, double zlev) noexcept {
         return;
     }
     double *y = x + n;
-    for (int i = 0; i < n; ++i) x[i] = am.xlow + i * (am.xhigh - am.xlow) / (n - 1);
-    for (int j = 0; j < m; ++j) y[j] = am.ylow + j * (am.yhigh - am.ylow) / (m - 1);
+    // The extent of sursze, else the range of the axes.
+    double xa = am.xlow, xe = am.xhigh, ya = am.ylow, ye = am.yhigh;
+    if (b->cpl.sszset) {
+        const double *e = b->cpl.ssz;
+        xa = e[0], xe = e[1], ya = e[2], ye = e[3];
+    }
+    for (int i = 0; i < n; ++i) x[i] = xa + i * (xe - xa) / (n - 1);
+    for (int j = 0; j < m; ++j) y[j] = ya + j * (ye - ya) / (m - 1);
     ConGrid g{x, y, zmat, n, m, false};
     draw_level(b, &g, nullptr, nullptr, 0, zlev);
     std::free(x);

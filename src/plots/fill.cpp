@@ -187,7 +187,7 @@ void qqframe(PlotBlock *b, int x, int y, int w, int h, int t, double angle, int 
     int at = t < 0 ? (t == INT_MIN ? INT_MAX : -t) : t;
     int kind = qqdevkind(b);
     double s = b->sess.devscl;
-    bool device = std::fabs(angle) <= 0.001 && d.pl3on == 0 && d.trfon != 1 && d.segtest == nullptr &&
+    bool device = std::fabs(angle) <= 0.001 && d.pl3on == 0 && d.trfon != 1 && d.segtest == nullptr && d.horizon == nullptr &&
                   (kind == QQ_KIND_SCREEN || kind == QQ_KIND_RASTER) && s > 0;
     double ox = x + d.nxsh, oy = y + d.nysh;
     if (device) {

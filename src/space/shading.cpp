@@ -32,6 +32,7 @@ void defaults(CoreBlock *blk) {
     std::free(s.zbuf);
     std::free(s.dpol);
     std::free(s.dpts);
+    std::free(s.hzlow);  // the horizon pair is one block
     qqplyfree(b);
     s = SpaceState{};
     s.len[0] = s.len[1] = s.len[2] = 2;

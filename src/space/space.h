@@ -56,3 +56,14 @@ void qqplyadd(SpaceBlock *b, const double *x, const double *y, const double *z, 
 void qqplypoly(SpaceBlock *b, const double *x, const double *y, const double *z, int n,
                const double *r, const double *g, const double *bl, int clr) noexcept;
 void qqplyfree(SpaceBlock *b) noexcept;
+
+// The floating horizon of hidden-line surfaces, in plot coordinates
+// rounded to whole units.  mode 0 makes the two arrays of the page width
+// (once a session) or resets them, and returns 0 after warning 53 when
+// there is no memory; 3 sets the current pixel; 2 walks from it to (x, y)
+// under the horizon mode, drawing what shows; 999 frees the arrays and
+// takes the line pen off the horizon.
+int qqhorz(SpaceBlock *b, int x, int y, int mode) noexcept;
+// Routes the line pen through the horizon (on 1, once the arrays exist)
+// or lets it draw plainly again (on 0).
+void qqhorzon(SpaceBlock *b, int on) noexcept;

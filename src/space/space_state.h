@@ -87,6 +87,18 @@ struct SpaceState {
     int survis;     // 0 AUTO, 1 TOP, 2 BOTT, 3 BOTH
     int surclr[2];  // surface colours of surclr, -1 none
     int surclrset;
+    // Hidden-line surfaces.
+    int nohide;  // 1 after nohide: every line is drawn
+    int suropt;  // 0 BOTH, 1 XISO, 2 YISO
+    // The floating horizon: per plot x from 0 to nxp, the largest (lower
+    // edge) and smallest (upper edge) plot y drawn so far in that column.
+    // Made by the first surface of a session, freed at kolfin.
+    int *hzlow, *hzup;
+    int hzn;       // entries of each array
+    int hzmode;    // 0 test only, 1 test and update, 2 update only
+    int hzx, hzy;  // the current pixel of the walk
+    int hzside;    // side seen last: 0 none yet, 1 top, 2 bottom
+    int hzbase;    // the colour of the surface's caller
     // Lights.
     int lights;
     Light3 lit[8];
