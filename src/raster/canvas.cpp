@@ -70,7 +70,6 @@ int qqcnvnew(qqcanvas *cv, int w, int h, int rgb, int rev) noexcept {
     cv->lw = 1;
     cv->lcap = 2;
     cv->ljoin = 2;
-    cv->miter = 2.0;
     cv->ptn = 0;
     cv->ptmove = 0;
     cv->smooth = 0;
@@ -310,7 +309,6 @@ void qqcnvpen(glbblk *b) noexcept {
     const DeviceState &d = b->dev;
     qqcoption(cv, 27, d.lncp);
     qqcoption(cv, 28, d.lnjn);
-    cv->miter = d.lnml >= 1.0 ? d.lnml : 1.0;
     qqcoption(cv, 34, d.lnsmooth ? 2 : 1);
 }
 

@@ -39,7 +39,7 @@ void qqcputrow(qqcanvas *cv, int x, int y, int n, int rgb, const unsigned char *
 
 // The canvas of a block while it has planes, else null.
 qqcanvas *qqcanvasof(glbblk *b) noexcept;
-// Sends the pen of the device layer (width, cap, join, miter limit, smooth
+// Sends the pen of the device layer (width, cap, join, smooth
 // lines) to the canvas of the session.
 void qqcnvpen(glbblk *b) noexcept;
 // Gives the block's canvas the current colour table and colour.

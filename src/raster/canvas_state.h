@@ -27,7 +27,6 @@ struct qqcanvas {
     int lw;        // line width in pixels
     int lcap;      // 0 CUT, 1 ROUN, 2 LONG
     int ljoin;     // 0 SHAR, 1 ROUN, 2 TRUN
-    double miter;  // miter limit of sharp joins, in half-widths
     // The transparent colour of the pixel routines: an index (-1 none)
     // and its red, green, blue.
     int tcol;

@@ -2,9 +2,10 @@
 // quadrilateral; joins fill the wedge between two of them, caps extend the
 // ends.
 //
-// Sharp joins respect the miter limit of the device layer: a miter point
-// that lies farther than the limit times the half-width from its vertex is
-// cut flat instead, so that a zig-zag line does not grow long spikes.
+// A sharp join reaches the meeting point of the two outer edges however far
+// out it lies: the miter limit belongs to the page formats, which draw
+// their joins themselves, and the canvas draws the same picture at any
+// limit.
 #include <cmath>
 
 #include "raster/paint.h"
@@ -76,11 +77,9 @@ void paint_join(const Painter<Pen> &p, int vx, int vy, const Side &a, const Side
         double sx = vx + side * b.s, sy = vy + side * b.c;  // start corner of b
         if (c.ljoin == 0) {
             double mx, my;
-            if (!meet(ex, ey, a.ux, a.uy, sx, sy, b.ux, b.uy, &mx, &my)) continue;
-            if (std::hypot(mx - vx, my - vy) <= c.miter * h) {
+            if (meet(ex, ey, a.ux, a.uy, sx, sy, b.ux, b.uy, &mx, &my))
                 fill4(p, ex, ey, mx, my, sx, sy, (double)vx, (double)vy);
-                continue;
-            }
+            continue;
         }
         fill3(p, ex, ey, sx, sy, (double)vx, (double)vy);
     }
