@@ -121,6 +121,8 @@ void rimage(const char *cfl) noexcept {
         qqwar0(b, 40);
         return;
     }
+    // The lines still waiting in the layer are part of the picture.
+    b->cnv.flush(b);
     qqwritefile(b, cfl, QQ_WIMAG);
 }
 
@@ -137,6 +139,7 @@ void wimage(const char *cfl) noexcept {
         qqwar0(b, 36);
         return;
     }
+    b->cnv.flush(b);
     qqcflush(cv);
     int num[9];
     int r = read_header(fp, num);
