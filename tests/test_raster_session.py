@@ -335,6 +335,12 @@ def test_transparency_rules(capfd):
     kolvex.imgini()
     kolvex.tprini()
     kolvex.imgfin()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.zbfini()  # image mode of a z-buffer takes the layer
+    kolvex.tprini()
+    kolvex.tprfin()
+    kolvex.zbffin()
+    kolvex.endgrf()
     kolvex.kolfin()
     assert warnings(capfd) == [
         " <<<< Warning 169: Output format must be a raster format in tprini!",

@@ -358,6 +358,7 @@ void canvas_release(glbblk *b) {
     qqcnvfree(&b->cnv.cv);
     b->cnv.imgact = 0;
     b->cnv.tprlvl = 0;
+    b->cnv.zbfon = 0;
 }
 
 void canvas_end(glbblk *b) {

@@ -70,6 +70,7 @@ struct CanvasState {
     int tpralpha;           // tprval alpha 0 to 255
     int tprauto, tprnoop;   // tprmod NOAU/AUTO and OPAQ/NOOP
     int tprlvl;             // nesting depth of the transparency layer
+    unsigned char zbfon;    // a z-buffer is open: the layer may be used in image mode
     int ownsiz[2];          // wsiz of the session while image mode changes it
     unsigned char owncnv;   // 1: image mode made the canvas and frees it
     unsigned char tifwflg;  // tifwin given
