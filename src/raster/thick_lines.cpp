@@ -24,7 +24,10 @@ Side side_of(int xa, int ya, int xb, int yb, double h) {
         a = ya < yb ? -1.570796 : 1.570796;
     else
         a = std::atan2((double)(ya - yb), (double)(xb - xa));
-    return {std::sin(a) * h, std::cos(a) * h, std::cos(a), -std::sin(a)};
+    // The corners keep the offset of the rounded right angle; the direction
+    // of a vertical segment is exactly vertical, so that two of them never
+    // meet far out at a sharp join.
+    return {std::sin(a) * h, std::cos(a) * h, xa == xb ? 0.0 : std::cos(a), -std::sin(a)};
 }
 
 template <class Pen>
