@@ -171,6 +171,18 @@ def test_rbfpng_outside_a_raster_session(capfd):
     assert kolvex.rbfpng(100) == (b"", 0)
     assert "Warning 40" in capfd.readouterr().out
     kolvex.kolfin()
+    # The picture of a page format's image mode is no image file either.
+    kolvex.metafl("PS")
+    kolvex.kolini()
+    kolvex.imgini()
+    kolvex.rimage("page.img")
+    kolvex.wimage("page.img")
+    kolvex.imgfin()
+    kolvex.kolfin()
+    out = capfd.readouterr().out
+    assert "Warning 40: File format and output device are incompatible in rimage!" in out
+    assert "Warning 40: File format and output device are incompatible in wimage!" in out
+    assert not os.path.exists("page.img")
 
 
 @pytest.mark.parametrize("device", sorted(EXT))

@@ -1,5 +1,6 @@
 """The raster canvas in a session: line settings, colours, the pixel
 routines, transparency, and what bad input does."""
+import io
 import os
 import subprocess
 import sys
@@ -55,6 +56,31 @@ def test_penwid_rounds_to_the_width_of_linwid():
         return finish()
 
     assert (border(lambda: kolvex.penwid(5.4)) == border(lambda: kolvex.linwid(5))).all()
+
+
+def test_thin_lines_cover_the_same_pixels_either_way():
+    rng = np.random.default_rng(5)
+    lines = rng.integers(0, 2000, size=(40, 4))
+    pictures = []
+    for forward in (True, False):
+        start()
+        for x0, y0, x1, y1 in lines.tolist():
+            kolvex.line(x0, y0, x1, y1) if forward else kolvex.line(x1, y1, x0, y0)
+        pictures.append(finish("kolvex.png" if forward else "kolvex_1.png"))
+    assert pictures[0].any() and np.array_equal(*pictures)
+
+
+def test_pictures_taken_in_the_session_hold_the_lines_drawn_so_far():
+    start()
+    kolvex.linwid(20)
+    kolvex.line(100, 100, 2000, 1500)
+    kolvex.rimage("now.img")
+    png, n = kolvex.rbfpng(100000)
+    final = finish()
+    from_memory = np.asarray(Image.open(io.BytesIO(png)).convert("RGB"))
+    raw = np.frombuffer(open("now.img", "rb").read()[80:], np.uint8).reshape(603, 853)
+    assert np.array_equal(from_memory, final)
+    assert np.array_equal(raw != 0, (final != 0).any(axis=2))
 
 
 def test_emulated_width_with_hwmode_off():
@@ -343,6 +369,12 @@ def test_transparency_rules(capfd):
     kolvex.imgini()
     kolvex.tprini()
     kolvex.imgfin()
+    kolvex.graf3d(-1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1)
+    kolvex.zbfini()  # image mode of a z-buffer takes the layer
+    kolvex.tprini()
+    kolvex.tprfin()
+    kolvex.zbffin()
+    kolvex.endgrf()
     kolvex.kolfin()
     assert warnings(capfd) == [
         " <<<< Warning 169: Output format must be a raster format in tprini!",

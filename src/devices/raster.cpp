@@ -26,7 +26,6 @@ void qqcnvpen(DeviceBlock *b) noexcept {
     const DeviceState &d = b->dev;
     qqcoption(cv, 27, d.lncp);
     qqcoption(cv, 28, d.lnjn);
-    cv->miter = d.lnml >= 1.0 ? d.lnml : 1.0;
     qqcoption(cv, 34, d.lnsmooth ? 2 : 1);
 }
 

@@ -70,7 +70,6 @@ int qqcnvnew(qqcanvas *cv, int w, int h, int rgb, int rev) noexcept {
     cv->lw = 1;
     cv->lcap = 2;
     cv->ljoin = 2;
-    cv->miter = 2.0;
     cv->ptn = 0;
     cv->ptmove = 0;
     cv->smooth = 0;
@@ -353,6 +352,7 @@ void canvas_release(CoreBlock *blk) {
     qqcnvfree(&b->cnv.cv);
     b->cnv.imgact = 0;
     b->cnv.tprlvl = 0;
+    b->cnv.zbfon = 0;
 }
 
 void canvas_end(CoreBlock *blk) {

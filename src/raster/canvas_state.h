@@ -27,7 +27,6 @@ struct qqcanvas {
     int lw;        // line width in pixels
     int lcap;      // 0 CUT, 1 ROUN, 2 LONG
     int ljoin;     // 0 SHAR, 1 ROUN, 2 TRUN
-    double miter;  // miter limit of sharp joins, in half-widths
     // The transparent colour of the pixel routines: an index (-1 none)
     // and its red, green, blue.
     int tcol;
@@ -71,6 +70,7 @@ struct CanvasState {
     int tpralpha;           // tprval alpha 0 to 255
     int tprauto, tprnoop;   // tprmod NOAU/AUTO and OPAQ/NOOP
     int tprlvl;             // nesting depth of the transparency layer
+    unsigned char zbfon;    // a z-buffer is open: the layer may be used in image mode
     int ownsiz[2];          // wsiz of the session while image mode changes it
     unsigned char owncnv;   // 1: image mode made the canvas and frees it
     unsigned char tifwflg;  // tifwin given
@@ -78,7 +78,7 @@ struct CanvasState {
     int tiforgx, tiforgy;   // where wtiff puts the window's first pixel
     // Set by the device layer with its first values: sends the pending
     // polyline, hands the canvas of image mode to a page format, and gives
-    // the canvas the layer's pen (cap, join, miter limit, smooth lines).
+    // the canvas the layer's pen (cap, join, smooth lines).
     void (*flush)(RasterBlock *b);
     void (*embed)(RasterBlock *b);
     void (*pen)(RasterBlock *b);

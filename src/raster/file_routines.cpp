@@ -31,6 +31,8 @@ int rbfpng(unsigned char *cbuf, int nmax) noexcept {
         qqwarn(b, 2, nmax);
         return 0;
     }
+    // The lines still waiting in the layer are part of the picture.
+    b->cnv.flush(b);
     bool started = !b->cnv.imgact;
     if (started) {
         imgini();

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/family.h"
 #include "core/guard.h"
 #include "core/text.h"
 #include "core/warnings.h"
@@ -113,15 +114,24 @@ int read_pixels(FILE *fp, qqcanvas *cv, const int num[9]) {
     return 0;
 }
 
+// Image files belong to the screen and the raster formats; the picture of
+// a page format's image mode is not one of them.
+bool screen_or_raster(RasterBlock *b) {
+    int kind = qqdevkind(b);
+    return kind == QQ_KIND_SCREEN || kind == QQ_KIND_RASTER;
+}
+
 }  // namespace
 
 void rimage(const char *cfl) noexcept {
     RasterBlock *b = qqrstblk(KX_ENTRY("rimage"));
     if (!b) return;
-    if (!qqcanvasof(b)) {
+    if (!screen_or_raster(b) || !qqcanvasof(b)) {
         qqwar0(b, 40);
         return;
     }
+    // The lines still waiting in the layer are part of the picture.
+    b->cnv.flush(b);
     qqwritefile(b, cfl, QQ_WIMAG);
 }
 
@@ -129,7 +139,7 @@ void wimage(const char *cfl) noexcept {
     RasterBlock *b = qqrstblk(KX_ENTRY("wimage"));
     if (!b) return;
     qqcanvas *cv = qqcanvasof(b);
-    if (!cv) {
+    if (!screen_or_raster(b) || !cv) {
         qqwar0(b, 40);
         return;
     }
@@ -138,6 +148,7 @@ void wimage(const char *cfl) noexcept {
         qqwar0(b, 36);
         return;
     }
+    b->cnv.flush(b);
     qqcflush(cv);
     int num[9];
     int r = read_header(fp, num);

@@ -42,11 +42,26 @@ void vspan(const Painter<Pen> &p, int x, int ya, int yb, int lw, bool clip) {
     for (int k = 1; k < lw; ++k) p.column(x + side_offset(k), ya, yb);
 }
 
-// The line without any test: every pixel lies in the canvas.
+// The ends of a sloped segment in the order of the clipped line: rising y
+// when y is the major direction, rising x otherwise.  Where the error term
+// ties, the pixels depend on the direction of the walk; with the order
+// fixed a segment covers the same pixels whichever way it is drawn.
+void order_ends(int &xa, int &ya, int &xb, int &yb) {
+    int dx = std::abs(xb - xa), dy = std::abs(yb - ya);
+    if ((dx <= dy && ya > yb) || (dx > dy && xa > xb)) {
+        std::swap(xa, xb);
+        std::swap(ya, yb);
+    }
+}
+
+// The line without any test: every pixel lies in the canvas.  With the
+// clip on it is the clipped line without its tests, so it walks in that
+// line's order; with the clip off it walks from the first point.
 template <class Pen>
-void fast_segment(const Painter<Pen> &p, int xa, int ya, int xb, int yb) {
+void fast_segment(const Painter<Pen> &p, int xa, int ya, int xb, int yb, bool ordered) {
     if (ya == yb) return hspan(p, ya, xa, xb, 1, false);
     if (xa == xb) return vspan(p, xa, ya, yb, 1, false);
+    if (ordered) order_ends(xa, ya, xb, yb);
     int dx = std::abs(xb - xa), dy = std::abs(yb - ya);
     const std::ptrdiff_t px = Pen::size;
     std::ptrdiff_t sx = xb > xa ? px : -px;
@@ -84,11 +99,8 @@ template <class Pen>
 void clipped_segment(const Painter<Pen> &p, int xa, int ya, int xb, int yb, int lw) {
     if (ya == yb) return hspan(p, ya, xa, xb, lw, true);
     if (xa == xb) return vspan(p, xa, ya, yb, lw, true);
+    order_ends(xa, ya, xb, yb);
     int dx = std::abs(xb - xa), dy = std::abs(yb - ya);
-    if ((dx <= dy && ya > yb) || (dx > dy && xa > xb)) {
-        std::swap(xa, xb);
-        std::swap(ya, yb);
-    }
     int sx = xb > xa ? 1 : -1, sy = yb > ya ? 1 : -1;
     int x = xa, y = ya;
     if (dx <= dy) {
@@ -220,7 +232,7 @@ void paint_polyline(qqcanvas &c, const int *x, const int *y, int n) {
     bool inside = true;
     for (int i = 0; i < n && inside; ++i) inside = p.inside(x[i], y[i]);
     if (inside && c.lw < 2) {
-        for (int i = 1; i < n; ++i) fast_segment(p, x[i - 1], y[i - 1], x[i], y[i]);
+        for (int i = 1; i < n; ++i) fast_segment(p, x[i - 1], y[i - 1], x[i], y[i], c.clipon != 0);
         return;
     }
     int lw = c.lw < 1 ? 1 : (c.lw > 3 ? 3 : c.lw);

@@ -193,6 +193,8 @@ void imgfin() noexcept {
         qqwar0(b, 55);
         return;
     }
+    // Lines still waiting in the layer belong to the image.
+    b->cnv.flush(b);
     qqimgend(b);
 }
 

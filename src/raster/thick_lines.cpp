@@ -2,9 +2,10 @@
 // quadrilateral; joins fill the wedge between two of them, caps extend the
 // ends.
 //
-// Sharp joins respect the miter limit of the device layer: a miter point
-// that lies farther than the limit times the half-width from its vertex is
-// cut flat instead, so that a zig-zag line does not grow long spikes.
+// A sharp join reaches the meeting point of the two outer edges however far
+// out it lies: the miter limit belongs to the page formats, which draw
+// their joins themselves, and the canvas draws the same picture at any
+// limit.
 #include <cmath>
 
 #include "raster/paint.h"
@@ -23,7 +24,10 @@ Side side_of(int xa, int ya, int xb, int yb, double h) {
         a = ya < yb ? -1.570796 : 1.570796;
     else
         a = std::atan2((double)(ya - yb), (double)(xb - xa));
-    return {std::sin(a) * h, std::cos(a) * h, std::cos(a), -std::sin(a)};
+    // The corners keep the offset of the rounded right angle; the direction
+    // of a vertical segment is exactly vertical, so that two of them never
+    // meet far out at a sharp join.
+    return {std::sin(a) * h, std::cos(a) * h, xa == xb ? 0.0 : std::cos(a), -std::sin(a)};
 }
 
 template <class Pen>
@@ -76,11 +80,9 @@ void paint_join(const Painter<Pen> &p, int vx, int vy, const Side &a, const Side
         double sx = vx + side * b.s, sy = vy + side * b.c;  // start corner of b
         if (c.ljoin == 0) {
             double mx, my;
-            if (!meet(ex, ey, a.ux, a.uy, sx, sy, b.ux, b.uy, &mx, &my)) continue;
-            if (std::hypot(mx - vx, my - vy) <= c.miter * h) {
+            if (meet(ex, ey, a.ux, a.uy, sx, sy, b.ux, b.uy, &mx, &my))
                 fill4(p, ex, ey, mx, my, sx, sy, (double)vx, (double)vy);
-                continue;
-            }
+            continue;
         }
         fill3(p, ex, ey, sx, sy, (double)vx, (double)vy);
     }

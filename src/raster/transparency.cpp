@@ -128,7 +128,7 @@ void tprini() noexcept {
         qqwar1(b, 171, "Transparency is already in use");
         return;
     }
-    if (s.imgact) {
+    if (s.imgact && !s.zbfon) {
         qqwar1(b, 172, "Routine cannot be used between IMGINI and IMGFIN");
         return;
     }
@@ -148,7 +148,7 @@ void tprfin() noexcept {
         qqwar1(b, 174, "Transparency is not in use");
         return;
     }
-    if (s.imgact) {
+    if (s.imgact && !s.zbfon) {
         qqwar1(b, 172, "Routine cannot be used between IMGINI and IMGFIN");
         return;
     }

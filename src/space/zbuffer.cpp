@@ -207,6 +207,7 @@ int qqzbfopen(SpaceBlock *b) noexcept {
         s.zh = cv->ch;
     }
     s.zopen = 1;
+    b->cnv.zbfon = 1;
     return 0;
 }
 
@@ -217,6 +218,7 @@ void qqzbfclose(SpaceBlock *b) noexcept {
     s.zbuf = nullptr;
     s.zw = s.zh = 0;
     s.zopen = 0;
+    b->cnv.zbfon = 0;
     if (s.zimg) {
         imgfin();
         if (qqdevkind(b) == QQ_KIND_PAGE) {
