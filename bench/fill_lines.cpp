@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "bench_io.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"
@@ -45,7 +45,7 @@ int main(int argc, char **argv) {
     metafl("VIRT");
     kolini();
     unit(0);
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     if (!b || !qqcanvasof(b)) return 1;
     double s = b->sess.devscl;
     // The polygon as areaf takes it, in plot coordinates.

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "bench_io.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 
 int main(int argc, char **argv) {
@@ -32,7 +32,7 @@ int main(int argc, char **argv) {
     metafl("PS");
     kolini();
     unit(0);  // no protocol: the output is the timing line
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     if (!b || !b->dev.drv) return 1;
     qqmove(b, xy[0], xy[1]);
     for (size_t i = 1; i < n; ++i) qqdraw(b, xy[2 * i], xy[2 * i + 1]);

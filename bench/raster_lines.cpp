@@ -11,9 +11,9 @@
 #include <zlib.h>
 
 #include "bench_io.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"
@@ -35,7 +35,7 @@ int main(int argc, char **argv) {
     metafl("PNG");
     kolini();
     unit(0);  // no protocol: the output is the timing line
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     if (!b || !qqcanvasof(b)) return 1;
     // Plot positions that land exactly on the given pixels.
     double s = b->sess.devscl;

@@ -1,12 +1,14 @@
 // The library as a whole: the subsystems it is made of, in the order in
-// which their shares of a new block, of qqinit and of kolfin run.  This is
-// the one place that names them all; the core receives the list when the
-// library is loaded and knows none of them itself.
+// which their shares of a new block, of qqinit and of kolfin run, and the
+// size of the record they compose (glbblk.h).  This is the one place that
+// names them all; the core receives the list and the size when the library
+// is loaded and knows none of them itself.
 //
 // The build compiles this file into every program and module that uses
 // the library (not into the static archive, where nothing would pull it
 // in), so its registration always runs.
 #include "core/subsystems.h"
+#include "glbblk.h"
 
 // Declared by each subsystem in its own source.
 extern const Subsystem kxsub_core;
@@ -46,7 +48,8 @@ const Subsystem *const kSubsystems[] = {
 // Hands the list over before any routine can make a block.
 const struct Register {
     Register() noexcept {
-        qqsetsubsystems(kSubsystems, (int)(sizeof kSubsystems / sizeof kSubsystems[0]));
+        qqsetsubsystems(kSubsystems, (int)(sizeof kSubsystems / sizeof kSubsystems[0]),
+                        sizeof(glbblk));
     }
 } kRegister;
 

@@ -32,16 +32,27 @@ def upward_includes():
         for target, header in INCLUDE.findall(text):
             if target not in LAYERS or LAYERS.index(target) <= LAYERS.index(layer):
                 continue
-            # The block is composed of every subsystem's state record: that
-            # header alone names the records of the layers above.
-            if rel == os.path.join("core", "glbblk.h") and header.endswith("_state.h"):
-                continue
             bad.append(f"{rel} includes {target}/{header}")
     return bad
 
 
 def test_no_layer_includes_one_above_it():
     assert upward_includes() == []
+
+
+QUOTED = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
+
+
+def core_headers_reaching_out():
+    """Headers of the core that include a header of this tree outside the
+    core: every user of the core would see that header too."""
+    return [f"{rel} includes {inc}" for rel, text in sources()
+            if rel.startswith("core" + os.sep) and rel.endswith(".h")
+            for inc in QUOTED.findall(text) if not inc.startswith("core/")]
+
+
+def test_core_headers_include_only_the_core():
+    assert core_headers_reaching_out() == []
 
 
 # An object that a source uses by declaring it, and one that it defines.
@@ -139,6 +150,8 @@ def test_the_checks_catch_what_they_look_for(tmp_path, monkeypatch, line, caught
     (core / "x.cpp").write_text(line + "\nint f(int dev) { return dev == 501; }\n")
     monkeypatch.setattr(__import__(__name__), "SRC", str(tmp_path))
     assert bool(upward_includes()) == caught
+    (core / "x.h").write_text(line + "\n")
+    assert bool(core_headers_reaching_out()) == caught
     assert device_numbers() == ["core/x.cpp: dev == 501"]
     (core / "list.cpp").write_text("extern const Subsystem kxsub_axes;\n")
     (tmp_path / "axes").mkdir()

@@ -5,7 +5,7 @@
 // Lengths are plot coordinates.  Texts are plain zero-terminated bytes.
 #pragma once
 
-struct glbblk;
+struct AxesBlock;
 
 enum { QQ_NMYLAB = 100, QQ_MYLABLEN = 32, QQ_NAMELEN = 132 };
 
@@ -112,13 +112,13 @@ struct AxesState {
     double chkx[2], chky[2], chkz[2];  // lower and upper limits
     // What higher layers end at endgrf (curve counters, legends); each
     // registers itself in its share of the session defaults.
-    void (*endhook[4])(glbblk *b);
+    void (*endhook[4])(AxesBlock *b);
     // The frame of boxes drawn by the fill layer (box at x, y of size w by
     // h, thickness t, angle, colour -1 current), so that an axis system's
     // frame steps by device pixels as every other frame does.
-    void (*framefn)(glbblk *b, int x, int y, int w, int h, int t, double angle, int colour);
+    void (*framefn)(AxesBlock *b, int x, int y, int w, int h, int t, double angle, int colour);
 };
 
 // The defaults of a session for the axis settings (used by qqinit and by
 // the reset rows).
-void qqaxdefaults(glbblk *b, AxesState *out) noexcept;
+void qqaxdefaults(AxesBlock *b, AxesState *out) noexcept;

@@ -11,8 +11,8 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/label_text.h"
-#include "core/glbblk.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -32,17 +32,17 @@ bool is_power(const AxesState &ax, const AxisCall &c) { return c.logax && ax.log
 
 }  // namespace
 
-int qqaxclron(glbblk *b, int clr) noexcept {
-    int cur = b->dev.curclr;
+int qqaxclron(AxesBlock *b, int clr) noexcept {
+    int cur = b->clr.curclr;
     if (clr != -1 && clr != cur) qqsetc(b, clr);
     return cur;
 }
 
-void qqaxclroff(glbblk *b, int clr, int saved) noexcept {
+void qqaxclroff(AxesBlock *b, int clr, int saved) noexcept {
     if (clr != -1 && clr != saved) qqsetc(b, saved);
 }
 
-void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept {
+void qqticks(AxesBlock *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept {
     if (n < 1) return;
     double s = c.step;
     bool logminor = qqlogminor(b, c, &n, &s);
@@ -82,7 +82,7 @@ void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centre
         });
 }
 
-bool qqlogminor(const glbblk *b, const AxisCall &c, int *n, double *step) noexcept {
+bool qqlogminor(const AxesBlock *b, const AxisCall &c, int *n, double *step) noexcept {
     double s = *step;
     if (!c.logax || *n < 2 || std::fabs(c.orl - std::nearbyint(c.orl)) >= 1e-4) return false;
     bool ok = b->ax.logtic == 0 ? std::fabs(std::fabs(s) - 1.0) < 1e-4
@@ -138,7 +138,7 @@ double label_value(const AxesState &ax, const AxisCall &c, int i) {
 
 }  // namespace
 
-int qqlabplan(const glbblk *b, const AxisCall &c, int *first, int *last, int *inc) noexcept {
+int qqlabplan(const AxesBlock *b, const AxisCall &c, int *first, int *last, int *inc) noexcept {
     LabelPlan p;
     if (!plan_labels(b->ax, c, &p)) return 0;
     *first = p.first;
@@ -147,9 +147,11 @@ int qqlabplan(const glbblk *b, const AxisCall &c, int *first, int *last, int *in
     return 1;
 }
 
-double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept { return label_value(b->ax, c, i); }
+double qqlabval(const AxesBlock *b, const AxisCall &c, int i) noexcept {
+    return label_value(b->ax, c, i);
+}
 
-int qqlabmix(glbblk *b, const AxisCall &c, AxMixSave *mix) noexcept {
+int qqlabmix(AxesBlock *b, const AxisCall &c, AxMixSave *mix) noexcept {
     const AxesState &ax = b->ax;
     int lab = ax.lab[c.axis];
     if (is_power(ax, c)) {
@@ -165,7 +167,7 @@ int qqlabmix(glbblk *b, const AxisCall &c, AxMixSave *mix) noexcept {
 
 namespace {
 
-int draw_labels(glbblk *b, const AxisCall &c, double base) {
+int draw_labels(AxesBlock *b, const AxisCall &c, double base) {
     AxesState &ax = b->ax;
     int axis = c.axis;
     int lab = ax.lab[axis];
@@ -298,7 +300,7 @@ int draw_labels(glbblk *b, const AxisCall &c, double base) {
     return E;
 }
 
-void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
+void draw_name(AxesBlock *b, const AxisCall &c, int E, bool labels_on) {
     const AxesState &ax = b->ax;
     int axis = c.axis;
     const char *nm = ax.name[axis];
@@ -334,7 +336,7 @@ void draw_name(glbblk *b, const AxisCall &c, int E, bool labels_on) {
 
 }  // namespace
 
-int qqaxis(glbblk *b, const AxisCall &c) noexcept {
+int qqaxis(AxesBlock *b, const AxisCall &c) noexcept {
     AxesState &ax = b->ax;
     int axis = c.axis;
     if (c.measure) {

@@ -1,9 +1,12 @@
 // Drawing of one axis: line, ticks, labels and name, in that order.
 #pragma once
 
+#include "axes/axes_block.h"
+#include "devices/device.h"
+
 #include <cmath>
 
-struct glbblk;
+struct AxesBlock;
 
 struct AxisCall {
     int axis;          // 0 X, 1 Y (the settings of that axis are used)
@@ -25,31 +28,31 @@ inline int qqaxgeo(const AxisCall &c) {
 }
 
 // Draws the axis; returns the extent of its labels across the axis.
-int qqaxis(glbblk *b, const AxisCall &c) noexcept;
+int qqaxis(AxesBlock *b, const AxisCall &c) noexcept;
 
 // The labels that the axis shows, after labpos and axends: the values
 // qqlabval(i) for i from first to last by inc.  Returns 0 when none.
-int qqlabplan(const glbblk *b, const AxisCall &c, int *first, int *last, int *inc) noexcept;
+int qqlabplan(const AxesBlock *b, const AxisCall &c, int *first, int *last, int *inc) noexcept;
 // Label value i: orl + i * step, with a rounding residue near 0 made 0.
-double qqlabval(const glbblk *b, const AxisCall &c, int i) noexcept;
+double qqlabval(const AxesBlock *b, const AxisCall &c, int i) noexcept;
 
 // Switches on the text modes that the labels of the axis need (raised
 // exponents); returns 1 when it did, and qqaxmixend(b, mix) undoes it.
-int qqlabmix(glbblk *b, const AxisCall &c, struct AxMixSave *mix) noexcept;
+int qqlabmix(AxesBlock *b, const AxisCall &c, struct AxMixSave *mix) noexcept;
 
 // An element colour of an axis (-1: the current colour) for the time of
 // drawing: qqaxclron returns the colour to give back to qqaxclroff.
-int qqaxclron(glbblk *b, int clr) noexcept;
-void qqaxclroff(glbblk *b, int clr, int saved) noexcept;
+int qqaxclron(AxesBlock *b, int clr) noexcept;
+void qqaxclroff(AxesBlock *b, int clr, int saved) noexcept;
 
 // Ticks alone, with lengths given (signed: positive toward the label side),
 // n intervals per label; used by the axes and by grid lines.
-void qqticks(glbblk *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept;
+void qqticks(AxesBlock *b, const AxisCall &c, int n, int lmaj, int lmin, int centred) noexcept;
 
 // Whether a logarithmic axis with n tick intervals per label gets minor
 // ticks at 2 to 9 times each decade (logtic).  When it does, *step becomes
 // one decade with the sign of the label step and *n becomes 1.
-bool qqlogminor(const glbblk *b, const AxisCall &c, int *n, double *step) noexcept;
+bool qqlogminor(const AxesBlock *b, const AxisCall &c, int *n, double *step) noexcept;
 
 // Calls tick(v) for the exponent v of every value 2 to 9 times a decade
 // that lies within the limits, from the decade before the axis start to
@@ -66,5 +69,3 @@ void qqlogminorticks(const AxisCall &c, F tick) {
         }
 }
 
-// One line between two plot positions (the device layer's line entry).
-void qqline(glbblk *b, double x0, double y0, double x1, double y1) noexcept;

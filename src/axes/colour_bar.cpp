@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/axis_draw.h"
 #include "core/family.h"
 #include "core/guard.h"
@@ -18,7 +19,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 
-void qqdecades(const glbblk *b, double za, double ze, double *e0, double *e1) noexcept {
+void qqdecades(const AxesBlock *b, double za, double ze, double *e0, double *e1) noexcept {
     // The cut is towards zero with the library's tolerance, so a negative
     // whole exponent at the start still moves a decade out.
     double t = b->core.eps;
@@ -49,7 +50,7 @@ bool vertical(const AxesState &ax) {
 
 // The z limits that the bar's axis runs over: whole exponents on a
 // logarithmic axis with expzlb, else the scaling itself.
-void bar_limits(const glbblk *b, double *e0, double *e1) {
+void bar_limits(const AxesBlock *b, double *e0, double *e1) {
     const ScaleRecord &r = b->ax.rec;
     *e0 = r.a[2];
     *e1 = r.e[2];
@@ -58,7 +59,7 @@ void bar_limits(const glbblk *b, double *e0, double *e1) {
 
 // The call that draws the bar's axis: the attributes of Z, placed as an
 // X axis for a horizontal bar, as a Y axis for a vertical one.
-AxisCall bar_axis(const glbblk *b, int bx, int by) {
+AxisCall bar_axis(const AxesBlock *b, int bx, int by) {
     const AxesState &ax = b->ax;
     const ScaleRecord &r = ax.rec;
     double e0, e1;
@@ -90,7 +91,7 @@ AxisCall bar_axis(const glbblk *b, int bx, int by) {
 
 // The room that the bar's axis takes beyond its line: ticks, labels and
 // name.
-int bar_axis_room(glbblk *b) {
+int bar_axis_room(AxesBlock *b) {
     AxesState &ax = b->ax;
     AxisCall c = bar_axis(b, 0, 0);
     c.measure = 1;
@@ -108,14 +109,14 @@ int bar_axis_room(glbblk *b) {
 
 }  // namespace
 
-void qqbarsides(glbblk *b, int ext[4]) noexcept {
+void qqbarsides(AxesBlock *b, int ext[4]) noexcept {
     const AxesState &ax = b->ax;
     if (!ax.bar3 || ax.nobar || ax.nogrf) return;
     static const int side[5] = {3, 1, 3, 0, 2};
     ext[side[ax.posbar]] += ax.spcbar + ax.widbar + bar_axis_room(b);
 }
 
-void qqbar3(glbblk *b) noexcept {
+void qqbar3(AxesBlock *b) noexcept {
     AxesState &ax = b->ax;
     const ScaleRecord &r = ax.rec;
     int nxa = r.nxa, nya = r.nya, nxl = r.nxl, nyl = r.nyl;
@@ -152,7 +153,7 @@ void qqbar3(glbblk *b) noexcept {
     }
     int lo = b->clr.minidx, hi = b->clr.maxidx;
     int n = hi - lo + 1;
-    int saved = b->dev.curclr;
+    int saved = b->clr.curclr;
     // PostScript and PDF renderers show a seam at the ends of the bar
     // unless the colours reach a unit beyond them.
     bool seamless = qqdevkind(b) == QQ_KIND_PAGE;
@@ -167,7 +168,7 @@ void qqbar3(glbblk *b) noexcept {
         else
             qqfrect(b, bx + q0, by - w + 1, bx + q1, by, lo + i - 1);
     }
-    if (b->dev.curclr != saved) qqsetc(b, saved);
+    if (b->clr.curclr != saved) qqsetc(b, saved);
     if (ax.frmbar != 0) {
         if (vertical(ax))
             qqaxframe(b, bx, by - len + 1, bx + w - 1, by, ax.frmbar, -1);
@@ -184,7 +185,7 @@ void qqbar3(glbblk *b) noexcept {
 }
 
 void ax3len(int nxl, int nyl, int nzl) noexcept {
-    glbblk *b = KX_ENTRY("ax3len");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("ax3len"));
     if (!b) return;
     int longer = b->core.nxp > b->core.nyp ? b->core.nxp : b->core.nyp;
     if (qqchki(b, nzl, 2, longer)) return;

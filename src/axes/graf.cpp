@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/axis_draw.h"
 #include "axes/label_text.h"
 #include "core/family.h"
@@ -20,13 +21,13 @@ namespace {
 
 // Draws the frame of thickness t round the rectangle: t lines outward,
 // or inward for a negative t.
-void draw_frame(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) {
+void draw_frame(AxesBlock *b, int x1, int y1, int x2, int y2, int t, int clr) {
     if (t == 0) return;
     if (b->ax.framefn) {
         b->ax.framefn(b, x1, y1, x2 - x1 + 1, y2 - y1 + 1, t, 0.0, clr);
         return;
     }
-    int saved = b->dev.curclr;
+    int saved = b->clr.curclr;
     if (clr != -1 && clr != saved) qqsetc(b, clr);
     // Without the fill layer: |t| in the page's units: one rectangle a plot unit, at least one.
     double uf = b->core.unitf > 0 ? b->core.unitf : 1.0;
@@ -46,8 +47,8 @@ void draw_frame(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) {
 }
 
 // Fills a rectangle of plot coordinates in a colour.
-void fill_box(glbblk *b, int x1, int y1, int x2, int y2, int clr) {
-    int saved = b->dev.curclr;
+void fill_box(AxesBlock *b, int x1, int y1, int x2, int y2, int clr) {
+    int saved = b->clr.curclr;
     qqsetc(b, clr);
     qqflsh(b);
     const double xs[4] = {(double)x1, (double)x2, (double)x2, (double)x1};
@@ -65,7 +66,7 @@ void fill_box(glbblk *b, int x1, int y1, int x2, int y2, int clr) {
 // The extents of the four sides of the system for center: below, left,
 // above, right.  Without titles they are the room of ticks, labels and
 // names alone.
-void side_extents(glbblk *b, const double v[2][4], int ext[4], bool titles = true) {
+void side_extents(AxesBlock *b, const double v[2][4], int ext[4], bool titles = true) {
     const AxesState &ax = b->ax;
     int h = qqaxth(b);
     for (int s = 0; s < 4; ++s) {
@@ -113,7 +114,7 @@ void side_extents(glbblk *b, const double v[2][4], int ext[4], bool titles = tru
     }
 }
 
-void do_center(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) {
+void do_center(AxesBlock *b, const double v[2][4], int px, int py, int xl, int yl) {
     int ext[4];
     side_extents(b, v, ext);
     int bottom = ext[0], left = ext[1], top = ext[2], right = ext[3];
@@ -126,12 +127,12 @@ void do_center(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) 
 
 }  // namespace
 
-void qqcenter(glbblk *b, const double v[2][4], int px, int py, int xl, int yl) noexcept {
+void qqcenter(AxesBlock *b, const double v[2][4], int px, int py, int xl, int yl) noexcept {
     const AxesState &ax = b->ax;
     if (ax.center && (!ax.centdone || ax.centpage != b->sess.pageno)) do_center(b, v, px, py, xl, yl);
 }
 
-void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept {
+void qqaxrect(AxesBlock *b, int x, int y, int w, int h) noexcept {
     const DeviceState &d = b->dev;
     int g = b->ax.grace;
     int l = d.nxsh + x - g, t = d.nysh + y - h + 1 - g;
@@ -145,25 +146,27 @@ void qqaxrect(glbblk *b, int x, int y, int w, int h) noexcept {
     qqaxclip(b, rect, circ, 0);
 }
 
-void qqaxfill(glbblk *b, int x1, int y1, int x2, int y2, int clr) noexcept { fill_box(b, x1, y1, x2, y2, clr); }
+void qqaxfill(AxesBlock *b, int x1, int y1, int x2, int y2, int clr) noexcept {
+    fill_box(b, x1, y1, x2, y2, clr);
+}
 
-void qqaxframe(glbblk *b, int x1, int y1, int x2, int y2, int t, int clr) noexcept {
+void qqaxframe(AxesBlock *b, int x1, int y1, int x2, int y2, int t, int clr) noexcept {
     draw_frame(b, x1, y1, x2, y2, t, clr);
 }
 
-void qqaxsides(glbblk *b, int ext[4]) noexcept {
+void qqaxsides(AxesBlock *b, int ext[4]) noexcept {
     const ScaleRecord &r = b->ax.rec;
     double v[2][4] = {{r.a[0], r.e[0], r.orl[0], r.stp[0]}, {r.a[1], r.e[1], r.orl[1], r.stp[1]}};
     side_extents(b, v, ext, false);
 }
 
 void graf(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor, double ystp) noexcept {
-    glbblk *b = KX_ENTRY("graf");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("graf"));
     if (b) qqgraf(b, xa, xe, xor_, xstp, ya, ye, yor, ystp);
 }
 
-int qqgraf(glbblk *b, double xa, double xe, double xor_, double xstp, double ya, double ye, double yor,
-           double ystp) noexcept {
+int qqgraf(AxesBlock *b, double xa, double xe, double xor_, double xstp, double ya, double ye,
+           double yor, double ystp) noexcept {
     AxesState &ax = b->ax;
     b->core.level = 2;
     ax.rec.type = 0;
@@ -244,7 +247,7 @@ int qqgraf(glbblk *b, double xa, double xe, double xor_, double xstp, double ya,
     ax.legy = py - yl + 1;
     ax.ncx = px + xl / 2;
     ax.ncy = py - yl / 2;
-    ax.savclr = b->dev.curclr;
+    ax.savclr = b->clr.curclr;
     ax.savlev = 1;
     if (ax.nogrf) return 0;
     if (ax.bgclr != -1) fill_box(b, px, py - yl + 1, px + xl - 1, py, ax.bgclr);
@@ -270,7 +273,7 @@ int qqgraf(glbblk *b, double xa, double xe, double xor_, double xstp, double ya,
     return 0;
 }
 
-void qqaxhook(glbblk *b, void (*fn)(glbblk *)) noexcept {
+void qqaxhook(AxesBlock *b, void (*fn)(AxesBlock *)) noexcept {
     AxesState &ax = b->ax;
     for (auto &h : ax.endhook)
         if (!h || h == fn) {
@@ -280,7 +283,7 @@ void qqaxhook(glbblk *b, void (*fn)(glbblk *)) noexcept {
 }
 
 void endgrf() noexcept {
-    glbblk *b = KX_ENTRY("endgrf");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("endgrf"));
     if (!b) return;
     AxesState &ax = b->ax;
     DeviceState &d = b->dev;
@@ -293,7 +296,7 @@ void endgrf() noexcept {
     ax.chkaxis = 0;
     ax.bar3 = 0;
     if (ax.savlev) {
-        if (d.curclr != ax.savclr) qqsetc(b, ax.savclr);
+        if (b->clr.curclr != ax.savclr) qqsetc(b, ax.savclr);
         ax.savlev = 0;
     }
     ax.rec.type = 0;
@@ -307,8 +310,8 @@ void endgrf() noexcept {
 
 namespace {
 
-void free_axis(glbblk *b, int axis, int logax, double a, double e, double orl, double step, int len,
-               const char *cname, int side, int nx, int ny) {
+void free_axis(AxesBlock *b, int axis, int logax, double a, double e, double orl, double step,
+               int len, const char *cname, int side, int nx, int ny) {
     AxesState &ax = b->ax;
     if (side != 0 && side != 1) {
         qqwarn(b, 2, side);
@@ -329,22 +332,22 @@ void free_axis(glbblk *b, int axis, int logax, double a, double e, double orl, d
 }  // namespace
 
 void xaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("xaxis");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("xaxis"));
     if (b) free_axis(b, 0, 0, a, e, orl, step, nl, cstr, it, nx, ny);
 }
 
 void yaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("yaxis");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("yaxis"));
     if (b) free_axis(b, 1, 0, a, e, orl, step, nl, cstr, it, nx, ny);
 }
 
 void xaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("xaxlg");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("xaxlg"));
     if (b) free_axis(b, 0, 1, a, e, orl, step, nl, cstr, it, nx, ny);
 }
 
 void yaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("yaxlg");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("yaxlg"));
     if (b) free_axis(b, 1, 1, a, e, orl, step, nl, cstr, it, nx, ny);
 }
 
@@ -352,7 +355,7 @@ void yaxlg(double a, double e, double orl, double step, int nl, const char *cstr
 // Titles, grids, lines through the origin.
 
 void title() noexcept {
-    glbblk *b = KX_ENTRY("title");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("title"));
     if (!b) return;
     AxesState &ax = b->ax;
     int savh = -1;
@@ -377,7 +380,7 @@ void title() noexcept {
 }
 
 void grid(int igrid, int jgrid) noexcept {
-    glbblk *b = KX_ENTRY("grid");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("grid"));
     if (!b) return;
     AxesState &ax = b->ax;
     if (ax.rec.type == 4) {
@@ -404,7 +407,7 @@ void grid(int igrid, int jgrid) noexcept {
 
 namespace {
 
-void origin_lines(glbblk *b, int which) {
+void origin_lines(AxesBlock *b, int which) {
     const ScaleRecord &r = b->ax.rec;
     if (r.type != 0) return;
     double eps = 0;
@@ -422,22 +425,22 @@ void origin_lines(glbblk *b, int which) {
 }  // namespace
 
 void axgit() noexcept {
-    glbblk *b = KX_ENTRY("axgit");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axgit"));
     if (b) origin_lines(b, 0);
 }
 
 void xaxgit() noexcept {
-    glbblk *b = KX_ENTRY("xaxgit");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("xaxgit"));
     if (b) origin_lines(b, 1);
 }
 
 void yaxgit() noexcept {
-    glbblk *b = KX_ENTRY("yaxgit");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("yaxgit"));
     if (b) origin_lines(b, 2);
 }
 
 void axsers() noexcept {
-    glbblk *b = KX_ENTRY("axsers");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axsers"));
     if (!b) return;
     const ScaleRecord &r = b->ax.rec;
     int clr = b->ax.bgclr != -1 ? b->ax.bgclr : b->clr.bckclr;
@@ -451,7 +454,7 @@ void axsers() noexcept {
 }
 
 void addlab(const char *cstr, double v, int itic, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("addlab");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("addlab"));
     if (!b) return;
     AxesState &ax = b->ax;
     if (ax.rec.type == 3) {
@@ -518,8 +521,8 @@ void addlab(const char *cstr, double v, int itic, const char *cax) noexcept {
 
 namespace {
 
-void colour_bar(glbblk *b, int logax, double a, double e, double orl, double step, int nl, const char *cname,
-                int it, int ndir, int nx, int ny) {
+void colour_bar(AxesBlock *b, int logax, double a, double e, double orl, double step, int nl,
+                const char *cname, int it, int ndir, int nx, int ny) {
     AxesState &ax = b->ax;
     if (it != 0 && it != 1) {
         qqwarn(b, 2, it);
@@ -580,13 +583,13 @@ void colour_bar(glbblk *b, int logax, double a, double e, double orl, double ste
 
 void zaxis(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx,
            int ny) noexcept {
-    glbblk *b = KX_ENTRY("zaxis");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("zaxis"));
     if (b) colour_bar(b, 0, a, e, orl, step, nl, cstr, it, ndir, nx, ny);
 }
 
 void zaxlg(double a, double e, double orl, double step, int nl, const char *cstr, int it, int ndir, int nx,
            int ny) noexcept {
-    glbblk *b = KX_ENTRY("zaxlg");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("zaxlg"));
     if (!b) return;
     // The bar reaches to whole decades as expzlb asks; a moved start is
     // also the origin of the labels, so that they stand on decades.

@@ -3,15 +3,15 @@
 #include <cmath>
 #include <cstring>
 
+#include "axes/axes_block.h"
 #include "axes/label_text.h"
-#include "core/glbblk.h"
 #include "core/text.h"
 #include "text/numbers.h"
 
 namespace {
 
 // Map labels: degrees with the degree sign and the hemisphere letter.
-int map_label(glbblk *b, double v, int axis, int lab, char *out) {
+int map_label(AxesBlock *b, double v, int axis, int lab, char *out) {
     int mode = lab == 6 || lab == 15 ? 2 : lab == 7 ? 1 : lab == 8 ? 3 : 2;
     if (mode >= 2) {
         if (axis == 0) {
@@ -42,7 +42,7 @@ int map_label(glbblk *b, double v, int axis, int lab, char *out) {
 
 }  // namespace
 
-int qqlabtxt(glbblk *b, double v, int idx, int logax, int axis, char *out) noexcept {
+int qqlabtxt(AxesBlock *b, double v, int idx, int logax, int axis, char *out) noexcept {
     const AxesState &ax = b->ax;
     int lab = ax.lab[axis];
     int nd = ax.ndig[axis];

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/label_text.h"
 #include "core/family.h"
 #include "core/guard.h"
@@ -14,8 +15,8 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
-#include "text/numbers.h"
 #include "kolvex.h"
+#include "text/numbers.h"
 
 namespace {
 
@@ -48,21 +49,21 @@ int tdiv(int l, int d) { return d == 0 ? 0 : l / d; }
 // ---------------------------------------------------------------------------
 // Conversions.
 
-double qqxpos(glbblk *b, double x) noexcept {
+double qqxpos(AxesBlock *b, double x) noexcept {
     const ScaleRecord &r = b->ax.rec;
     if (r.log[0]) x = logv(b->ax, x);
     double v = (x - r.a[0]) * r.xfac + r.xorg;
     return r.type == 0 ? clamp6(v) : v;
 }
 
-double qqypos(glbblk *b, double y) noexcept {
+double qqypos(AxesBlock *b, double y) noexcept {
     const ScaleRecord &r = b->ax.rec;
     if (r.log[1]) y = logv(b->ax, y);
     double v = r.yorg - (y - r.a[1]) * r.yfac;
     return r.type == 0 ? clamp6(v) : v;
 }
 
-void qqpos2(glbblk *b, double x, double y, double *xp, double *yp) noexcept {
+void qqpos2(AxesBlock *b, double x, double y, double *xp, double *yp) noexcept {
     const ScaleRecord &r = b->ax.rec;
     if (r.type == 1) {
         // Polar: radius along X, angle in degrees.
@@ -76,13 +77,13 @@ void qqpos2(glbblk *b, double x, double y, double *xp, double *yp) noexcept {
     *yp = qqypos(b, y);
 }
 
-double qqxinv(glbblk *b, double xp) noexcept {
+double qqxinv(AxesBlock *b, double xp) noexcept {
     const ScaleRecord &r = b->ax.rec;
     double v = r.xfac != 0 ? (xp - r.xorg) / r.xfac + r.a[0] : r.a[0];
     return r.log[0] ? std::pow(10.0, v) : v;
 }
 
-double qqyinv(glbblk *b, double yp) noexcept {
+double qqyinv(AxesBlock *b, double yp) noexcept {
     const ScaleRecord &r = b->ax.rec;
     double v = r.yfac != 0 ? (r.yorg - yp) / r.yfac + r.a[1] : r.a[1];
     return r.log[1] ? std::pow(10.0, v) : v;
@@ -109,7 +110,7 @@ double first_label(double a, double s, bool *outside) {
 
 }  // namespace
 
-void qqautscl(glbblk *b, int axis, double *pa, double *pe, double *por, double *pstep) noexcept {
+void qqautscl(AxesBlock *b, int axis, double *pa, double *pe, double *por, double *pstep) noexcept {
     AxesState &ax = b->ax;
     if (!ax.autscl[axis]) return;
     double a = ax.autmin[axis], e = ax.autmax[axis];
@@ -213,7 +214,8 @@ void qqautscl(glbblk *b, int axis, double *pa, double *pe, double *por, double *
     *pstep = s;
 }
 
-int qqtstscl(glbblk *b, double a, double e, double orl, double step, int len, int pos, int which) noexcept {
+int qqtstscl(AxesBlock *b, double a, double e, double orl, double step, int len, int pos,
+             int which) noexcept {
     // A NaN fails the comparisons as a zero range or step does.
     if (!(std::fabs(e - a) >= 1e-35)) {
         qqwar0(b, 10);
@@ -267,10 +269,12 @@ void set_label_kind(AxesState &ax, int i, int k) {
 
 int qqaxsmask(const char *s) noexcept { return axes_of(s); }
 
-void qqlabkind(glbblk *b, int axis, int k) noexcept { set_label_kind(b->ax, axis, k); }
+void qqlabkind(AxesBlock *b, int axis, int k) noexcept {
+    set_label_kind(b->ax, axis, k);
+}
 
 void setscl(const double *ray, int n, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("setscl");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("setscl"));
     if (!b) return;
     char key[4] = {' ', ' ', ' ', '\0'};
     int len = 0;
@@ -329,7 +333,7 @@ void setscl(const double *ray, int n, const char *copt) noexcept {
 }
 
 void scale(const char *cscl, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("scale");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("scale"));
     if (!b) return;
     int k = qqkey(b, "LIN +LOG ", 2, cscl);
     if (k < 1) return;
@@ -341,7 +345,7 @@ void scale(const char *cscl, const char *cax) noexcept {
 void axsscl(const char *cscl, const char *cax) noexcept { scale(cscl, cax); }
 
 void labdig(int ndig, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("labdig");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("labdig"));
     if (!b) return;
     if (ndig < -2 || ndig > 100) {
         qqwarn(b, 2, ndig);
@@ -371,7 +375,7 @@ void labdig(int ndig, const char *cax) noexcept {
 void digits(int ndig, const char *cax) noexcept { labdig(ndig, cax); }
 
 void ticks(int ntic, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("ticks");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("ticks"));
     if (!b) return;
     if (ntic < 0 || ntic > 1000) {
         qqwarn(b, 2, ntic);
@@ -383,7 +387,7 @@ void ticks(int ntic, const char *cax) noexcept {
 }
 
 void intax() noexcept {
-    glbblk *b = KX_ENTRY("intax");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("intax"));
     if (!b) return;
     for (int i = 0; i < 3; ++i) {
         b->ax.ndig[i] = -1;
@@ -392,14 +396,14 @@ void intax() noexcept {
 }
 
 void logtic(const char *cmod) noexcept {
-    glbblk *b = KX_ENTRY("logtic");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("logtic"));
     if (!b) return;
     int k = qqkey(b, "AUTO+FULL", 2, cmod);
     if (k > 0) b->ax.logtic = k - 1;
 }
 
 void neglog(double eps) noexcept {
-    glbblk *b = KX_ENTRY("neglog");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("neglog"));
     if (!b) return;
     if (!(eps > 0) || !std::isfinite(eps)) {
         qqwarnd(b, 2, eps);
@@ -410,11 +414,11 @@ void neglog(double eps) noexcept {
 }
 
 void axslen(int nxl, int nyl) noexcept {
-    glbblk *b = KX_ENTRY("axslen");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axslen"));
     if (b) qqaxslen(b, nxl, nyl);
 }
 
-bool qqaxslen(glbblk *b, int nxl, int nyl) noexcept {
+bool qqaxslen(AxesBlock *b, int nxl, int nyl) noexcept {
     if (nxl < 2) {
         qqwarn(b, 2, nxl);
         return false;
@@ -429,7 +433,7 @@ bool qqaxslen(glbblk *b, int nxl, int nyl) noexcept {
 }
 
 void axspos(int nxa, int nya) noexcept {
-    glbblk *b = KX_ENTRY("axspos");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axspos"));
     if (!b) return;
     int y = qqyflpi(b, nya);
     if (nxa + b->dev.nxsh < 0 || nxa + b->dev.nxsh > b->core.nxp) qqwarn(b, 4, nxa);
@@ -440,7 +444,7 @@ void axspos(int nxa, int nya) noexcept {
 }
 
 void axsorg(int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("axsorg");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axsorg"));
     if (!b) return;
     int y = qqyflpi(b, ny);
     if (nx + b->dev.nxsh < 0 || nx + b->dev.nxsh > b->core.nxp) qqwarn(b, 4, nx);
@@ -451,7 +455,7 @@ void axsorg(int nx, int ny) noexcept {
 }
 
 void origin(int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("origin");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("origin"));
     if (!b) return;
     qqflsh(b);
     b->dev.nxsh = nx;
@@ -459,7 +463,7 @@ void origin(int nx, int ny) noexcept {
 }
 
 void setres(int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("setres");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("setres"));
     if (!b) return;
     // A negative size is refused alone: the other size and the mode are
     // set all the same.
@@ -475,7 +479,7 @@ void setres(int nx, int ny) noexcept {
 }
 
 void autres(int ixdim, int iydim) noexcept {
-    glbblk *b = KX_ENTRY("autres");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("autres"));
     if (!b) return;
     AxesState &ax = b->ax;
     int mode;
@@ -504,7 +508,7 @@ void autres(int ixdim, int iydim) noexcept {
     if (b->core.level > 1) qqautres(b, nx, ny, ax.rec.nxl, ax.rec.nyl);
 }
 
-void qqautres(glbblk *b, int nx, int ny, int wx, int wy) noexcept {
+void qqautres(AxesBlock *b, int nx, int ny, int wx, int wy) noexcept {
     // Rounded up, and one more on every device but the screen, so that
     // neighbouring rectangles overlap instead of leaving seams.
     auto size = [b](int n, int w) {
@@ -519,13 +523,13 @@ void qqautres(glbblk *b, int nx, int ny, int wx, int wy) noexcept {
 }
 
 void axsbgd(int iclr) noexcept {
-    glbblk *b = KX_ENTRY("axsbgd");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axsbgd"));
     if (!b) return;
     b->ax.bgclr = iclr;
 }
 
 double xposn(double x) noexcept {
-    glbblk *b = KX_ENTRY("xposn");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("xposn"));
     if (!b) return 0;
     double xp, yp;
     qqpos2(b, x, b->ax.rec.a[1], &xp, &yp);
@@ -533,7 +537,7 @@ double xposn(double x) noexcept {
 }
 
 double yposn(double y) noexcept {
-    glbblk *b = KX_ENTRY("yposn");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("yposn"));
     if (!b) return 0;
     if (b->ax.rec.type == 1) {
         qqwar1(b, 109, "Routine does not work for polar axis systems");
@@ -543,13 +547,13 @@ double yposn(double y) noexcept {
 }
 
 int nxposn(double x) noexcept {
-    glbblk *b = KX_ENTRY("nxposn");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("nxposn"));
     if (!b) return 0;
     return qqround(qqxpos(b, x));
 }
 
 int nyposn(double y) noexcept {
-    glbblk *b = KX_ENTRY("nyposn");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("nyposn"));
     if (!b) return 0;
     if (b->ax.rec.type == 1) {
         qqwar1(b, 109, "Routine does not work for polar axis systems");
@@ -559,20 +563,20 @@ int nyposn(double y) noexcept {
 }
 
 double xinvrs(int nx) noexcept {
-    glbblk *b = KX_ENTRY("xinvrs");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("xinvrs"));
     if (!b) return 0;
     return qqxinv(b, nx);
 }
 
 double yinvrs(int ny) noexcept {
-    glbblk *b = KX_ENTRY("yinvrs");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("yinvrs"));
     if (!b) return 0;
     return qqyinv(b, qqyflp(b, ny));
 }
 
 void getgrf(double *a, double *e, double *orl, double *step, const char *cax) noexcept {
     *a = *e = *orl = *step = 0;
-    glbblk *b = KX_ENTRY("getgrf");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getgrf"));
     if (!b) return;
     int m = axes_of(cax);
     int i = m & 1 ? 0 : m & 2 ? 1 : m & 4 ? 2 : -1;
@@ -591,7 +595,7 @@ void getgrf(double *a, double *e, double *orl, double *step, const char *cax) no
 
 void getscl(int *nx, int *ny, int *nz) noexcept {
     *nx = *ny = *nz = 0;
-    glbblk *b = KX_ENTRY("getscl");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getscl"));
     if (!b) return;
     *nx = b->ax.scl[0];
     *ny = b->ax.scl[1];
@@ -600,7 +604,7 @@ void getscl(int *nx, int *ny, int *nz) noexcept {
 
 void getscm(int *nx, int *ny, int *nz) noexcept {
     *nx = *ny = *nz = 0;
-    glbblk *b = KX_ENTRY("getscm");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getscm"));
     if (!b) return;
     *nx = b->ax.autscl[0];
     *ny = b->ax.autscl[1];
@@ -609,7 +613,7 @@ void getscm(int *nx, int *ny, int *nz) noexcept {
 
 void getdig(int *nx, int *ny, int *nz) noexcept {
     *nx = *ny = *nz = 0;
-    glbblk *b = KX_ENTRY("getdig");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getdig"));
     if (!b) return;
     *nx = b->ax.ndig[0];
     *ny = b->ax.ndig[1];
@@ -618,7 +622,7 @@ void getdig(int *nx, int *ny, int *nz) noexcept {
 
 void getlen(int *nx, int *ny, int *nz) noexcept {
     *nx = *ny = *nz = 0;
-    glbblk *b = KX_ENTRY("getlen");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getlen"));
     if (!b) return;
     *nx = b->ax.nlen[0];
     *ny = b->ax.nlen[1];
@@ -627,7 +631,7 @@ void getlen(int *nx, int *ny, int *nz) noexcept {
 
 void gettic(int *nx, int *ny, int *nz) noexcept {
     *nx = *ny = *nz = 0;
-    glbblk *b = KX_ENTRY("gettic");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("gettic"));
     if (!b) return;
     *nx = b->ax.ntic[0];
     *ny = b->ax.ntic[1];
@@ -636,7 +640,7 @@ void gettic(int *nx, int *ny, int *nz) noexcept {
 
 void getpos(int *nxa, int *nya) noexcept {
     *nxa = *nya = 0;
-    glbblk *b = KX_ENTRY("getpos");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getpos"));
     if (!b) return;
     *nxa = b->ax.nxa;
     *nya = qqyflpi(b, b->ax.nya);
@@ -644,7 +648,7 @@ void getpos(int *nxa, int *nya) noexcept {
 
 void getor(int *nx, int *ny) noexcept {
     *nx = *ny = 0;
-    glbblk *b = KX_ENTRY("getor");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getor"));
     if (!b) return;
     *nx = b->dev.nxsh;
     *ny = b->dev.nysh;
@@ -652,7 +656,7 @@ void getor(int *nx, int *ny) noexcept {
 
 void getres(int *nx, int *ny) noexcept {
     *nx = *ny = 0;
-    glbblk *b = KX_ENTRY("getres");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getres"));
     if (!b) return;
     *nx = b->ax.nxres;
     *ny = b->ax.nyres;
@@ -660,7 +664,7 @@ void getres(int *nx, int *ny) noexcept {
 
 void getran(int *nca, int *nce) noexcept {
     *nca = *nce = 0;
-    glbblk *b = KX_ENTRY("getran");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getran"));
     if (!b) return;
     *nca = b->clr.minidx;
     *nce = b->clr.maxidx;
@@ -673,7 +677,7 @@ const char *const kLabelNames[17] = {"NONE", "FLOA", "EXP",  "LOG",  "CLOG", "EL
 
 void getlab(char *cx, char *cy, char *cz) noexcept {
     cx[0] = cy[0] = cz[0] = '\0';
-    glbblk *b = KX_ENTRY("getlab");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getlab"));
     if (!b) return;
     qqscpy(cx, kLabelNames[b->ax.lab[0]], 4);
     qqscpy(cy, kLabelNames[b->ax.lab[1]], 4);
@@ -684,7 +688,7 @@ void gaxpar(double a1, double a2, const char *copt, const char *cax, double *a, 
             double *step, int *ndig) noexcept {
     *a = *e = *orl = *step = 0;
     *ndig = 0;
-    glbblk *b = KX_ENTRY("gaxpar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("gaxpar"));
     if (!b) return;
     int k = qqkey(b, "NOEX+EXTE", 2, copt);
     if (k < 1) return;
@@ -755,7 +759,7 @@ namespace {
 
 // Devices that draw in pixels: the screen, the raster formats, and the
 // Windows metafiles, whose units are device pixels too.
-bool pixel_device(const glbblk *b) {
+bool pixel_device(const AxesBlock *b) {
     const DeviceFamily *f = b->core.fam;
     if (!f) return false;
     if (f->kind == QQ_KIND_SCREEN || f->kind == QQ_KIND_RASTER) return true;
@@ -765,7 +769,7 @@ bool pixel_device(const glbblk *b) {
 }  // namespace
 
 int nxpixl(int ix, int iy) noexcept {
-    glbblk *b = KX_ENTRY("nxpixl");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("nxpixl"));
     if (!b) return 0;
     if (!pixel_device(b)) {
         qqwar1(b, 161, "Bad output device");
@@ -776,7 +780,7 @@ int nxpixl(int ix, int iy) noexcept {
 }
 
 int nypixl(int ix, int iy) noexcept {
-    glbblk *b = KX_ENTRY("nypixl");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("nypixl"));
     if (!b) return 0;
     if (!pixel_device(b)) {
         qqwar1(b, 161, "Bad output device");

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "axes/axes_block.h"
 #include "axes/axes_state.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -13,8 +14,7 @@
 #include "core/warnings.h"
 #include "kolvex.h"
 
-
-void qqaxdefaults(glbblk *b, AxesState *o) noexcept {
+void qqaxdefaults(AxesBlock *b, AxesState *o) noexcept {
     std::memset(o, 0, sizeof *o);
     const SessionState &s = b->sess;
     auto px = [b](double v) { return qqpxu(b, v); };
@@ -54,14 +54,16 @@ void qqaxdefaults(glbblk *b, AxesState *o) noexcept {
 namespace {
 
 // User coordinates of the axis system for rlmess and rlnumb.
-int user_position(glbblk *b, double x, double y, double *px, double *py) {
+int user_position(TextBlock *tb, double x, double y, double *px, double *py) {
+    AxesBlock *b = qqaxsblk(tb);
     if (b->core.level < 2) return 0;
     qqpos2(b, x, y, px, py);
     return 1;
 }
 
 // The limits of the coordinate check: the diagnostics ask for them.
-int check_limits(const glbblk *b, double lim[6]) {
+int check_limits(const CoreBlock *cb, double lim[6]) {
+    const AxesBlock *b = qqaxsblk(cb);
     const AxesState &a = b->ax;
     lim[0] = a.chkx[0];
     lim[1] = a.chkx[1];
@@ -72,7 +74,8 @@ int check_limits(const glbblk *b, double lim[6]) {
     return a.chkaxis;
 }
 
-void axes_init(glbblk *b) {
+void axes_init(CoreBlock *blk) {
+    AxesBlock *b = qqaxsblk(blk);
     // The scaling record and the saved state die with the session too.
     qqaxdefaults(b, &b->ax);
     b->txt.userpos = user_position;
@@ -80,12 +83,13 @@ void axes_init(glbblk *b) {
 }
 
 // Each reset row copies its fields from a fresh set of defaults.
-#define KX_RESET(fn, ...)                      \
-    void fn(glbblk *b) {                       \
-        AxesState d;                           \
-        qqaxdefaults(b, &d);                   \
-        AxesState &a = b->ax;                  \
-        __VA_ARGS__;                           \
+#define KX_RESET(fn, ...)             \
+    void fn(CoreBlock *blk) {         \
+        AxesBlock *b = qqaxsblk(blk); \
+        AxesState d;                  \
+        qqaxdefaults(b, &d);          \
+        AxesState &a = b->ax;         \
+        __VA_ARGS__;                  \
     }
 #define CP(f) std::memcpy(&a.f, &d.f, sizeof a.f)
 
@@ -135,7 +139,10 @@ KX_RESET(r_autr, CP(resmod))
 KX_RESET(r_expz, CP(expzlb))
 KX_RESET(r_axis, CP(axtyp); CP(grtyp); CP(ax2))
 
-void r_orig(glbblk *b) { b->dev.nxsh = b->dev.nysh = 0; }
+void r_orig(CoreBlock *blk) {
+    AxesBlock *b = qqaxsblk(blk);
+    b->dev.nxsh = b->dev.nysh = 0;
+}
 
 const ResetEntry kResets[] = {
     {"AXCL", r_axcl}, {"AXEN", r_axen}, {"AXSL", r_axsl}, {"AXSP", r_axsp}, {"CENT", r_cent},
@@ -151,7 +158,8 @@ const ResetEntry kResets[] = {
 };
 
 // Stores a keyword's position (from 0) in the named axes.
-void per_axis(glbblk *b, int *field, const char *list, int count, const char *key, const char *cax) {
+void per_axis(AxesBlock *b, int *field, const char *list, int count, const char *key,
+              const char *cax) {
     int k = qqkey(b, list, count, key);
     if (k < 1) return;
     int m = qqaxsmask(cax);
@@ -176,7 +184,7 @@ int special_word(const char *cax) {
 extern const Subsystem kxsub_axes = {"axes", axes_init, axes_init, nullptr, kResets, nullptr};
 
 void labels(const char *clab, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("labels");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("labels"));
     if (!b) return;
     switch (special_word(cax)) {
     case 1: {
@@ -206,7 +214,7 @@ void labels(const char *clab, const char *cax) noexcept {
 }
 
 void labtyp(const char *ctyp, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("labtyp");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("labtyp"));
     if (!b) return;
     int sw = special_word(cax);
     if (sw == 2) {
@@ -233,7 +241,7 @@ void labtyp(const char *ctyp, const char *cax) noexcept {
 }
 
 void labpos(const char *cpos, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("labpos");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("labpos"));
     if (!b) return;
     int sw = special_word(cax);
     if (sw == 1) {
@@ -250,31 +258,31 @@ void labpos(const char *cpos, const char *cax) noexcept {
 }
 
 void labjus(const char *cjus, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("labjus");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("labjus"));
     if (!b) return;
     per_axis(b, b->ax.labjus, "AUTO+LEFT+RIGH+OUTW+INWA", 5, cjus, cax);
 }
 
 void axends(const char *ckey, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("axends");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axends"));
     if (!b) return;
     per_axis(b, b->ax.axends, "NONE+NOFI+NOLA+NOEN+ENDS+FIRS+LAST", 7, ckey, cax);
 }
 
 void ticpos(const char *cpos, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("ticpos");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("ticpos"));
     if (!b) return;
     per_axis(b, b->ax.ticpos, "LABE+REVE+CENT", 3, cpos, cax);
 }
 
 void namjus(const char *cjus, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("namjus");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("namjus"));
     if (!b) return;
     per_axis(b, b->ax.namjus, "CENT+LEFT+RIGH", 3, cjus, cax);
 }
 
 void labdis(int ndis, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("labdis");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("labdis"));
     if (!b) return;
     if (special_word(cax) == 3) {
         if (ndis < 1 || ndis > 10000) {
@@ -290,7 +298,7 @@ void labdis(int ndis, const char *cax) noexcept {
 }
 
 void namdis(int ndis, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("namdis");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("namdis"));
     if (!b) return;
     int m = qqaxsmask(cax);
     for (int i = 0; i < 3; ++i)
@@ -298,7 +306,7 @@ void namdis(int ndis, const char *cax) noexcept {
 }
 
 void name(const char *cstr, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("name");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("name"));
     if (!b) return;
     int m = qqaxsmask(cax);
     for (int i = 0; i < 3; ++i)
@@ -306,7 +314,7 @@ void name(const char *cstr, const char *cax) noexcept {
 }
 
 void hname(int nh) noexcept {
-    glbblk *b = KX_ENTRY("hname");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("hname"));
     if (!b) return;
     if (nh < 1 || nh > 10000) {
         qqwarn(b, 2, nh);
@@ -316,7 +324,7 @@ void hname(int nh) noexcept {
 }
 
 void ticlen(int nmaj, int nmin) noexcept {
-    glbblk *b = KX_ENTRY("ticlen");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("ticlen"));
     if (!b) return;
     if (nmaj < 1 || nmaj > 10000) {
         qqwarn(b, 2, nmaj);
@@ -331,7 +339,7 @@ void ticlen(int nmaj, int nmin) noexcept {
 }
 
 void mylab(const char *cstr, int itick, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("mylab");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("mylab"));
     if (!b) return;
     if (itick < 1 || itick > QQ_NMYLAB) {
         qqwarn(b, 2, itick);
@@ -350,17 +358,17 @@ void mylab(const char *cstr, int itick, const char *cax) noexcept {
 }
 
 void rgtlab() noexcept {
-    glbblk *b = KX_ENTRY("rgtlab");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("rgtlab"));
     if (b) b->ax.rgtlab = 1;
 }
 
 void rvynam() noexcept {
-    glbblk *b = KX_ENTRY("rvynam");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("rvynam"));
     if (b) b->ax.rvynam = 1;
 }
 
 void axclrs(int nclr, const char *copt, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("axclrs");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axclrs"));
     if (!b) return;
     int k = qqkey(b, "LINE+TICK+LABE+NAME+ALL ", 5, copt);
     if (k < 1) return;
@@ -372,17 +380,17 @@ void axclrs(int nclr, const char *copt, const char *cax) noexcept {
 }
 
 void frame(int nfrm) noexcept {
-    glbblk *b = KX_ENTRY("frame");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("frame"));
     if (b) b->ax.frmthk = nfrm;
 }
 
 void frmclr(int nclr) noexcept {
-    glbblk *b = KX_ENTRY("frmclr");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("frmclr"));
     if (b) b->ax.frmcol = nclr;
 }
 
 void axstyp(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("axstyp");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("axstyp"));
     if (!b) return;
     int k = qqkey(b, "RECT+CROS+IMPE+ADMI", 4, copt);
     if (k == 1 || k == 2) b->ax.axtyp = k - 1;
@@ -390,30 +398,30 @@ void axstyp(const char *copt) noexcept {
 }
 
 void ax2grf() noexcept {
-    glbblk *b = KX_ENTRY("ax2grf");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("ax2grf"));
     if (b) b->ax.ax2 = 1;
 }
 
 void nograf() noexcept {
-    glbblk *b = KX_ENTRY("nograf");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("nograf"));
     if (b) b->ax.nogrf = 1;
 }
 
 void grace(int ngrace) noexcept {
-    glbblk *b = KX_ENTRY("grace");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("grace"));
     if (!b) return;
     b->ax.grace = ngrace;
 }
 
 void center() noexcept {
-    glbblk *b = KX_ENTRY("center");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("center"));
     if (!b) return;
     b->ax.center = 1;
     b->ax.centdone = 0;
 }
 
 void setgrf(const char *c1, const char *c2, const char *c3, const char *c4) noexcept {
-    glbblk *b = KX_ENTRY("setgrf");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("setgrf"));
     if (!b) return;
     const char *w[4] = {c1, c2, c3, c4};
     for (int i = 0; i < 4; ++i) {
@@ -423,7 +431,7 @@ void setgrf(const char *c1, const char *c2, const char *c3, const char *c4) noex
 }
 
 void noline(const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("noline");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("noline"));
     if (!b) return;
     int m = qqaxsmask(cax);
     for (int i = 0; i < 3; ++i)
@@ -431,7 +439,7 @@ void noline(const char *cax) noexcept {
 }
 
 void titlin(const char *cstr, int nlin) noexcept {
-    glbblk *b = KX_ENTRY("titlin");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("titlin"));
     if (!b) return;
     int n = nlin < 0 ? (nlin == INT_MIN ? INT_MAX : -nlin) : nlin;
     if (n < 1 || n > 4) {
@@ -443,7 +451,7 @@ void titlin(const char *cstr, int nlin) noexcept {
 }
 
 void htitle(int nh) noexcept {
-    glbblk *b = KX_ENTRY("htitle");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("htitle"));
     if (!b) return;
     if (nh < 0) {
         qqwarn(b, 2, nh);
@@ -453,82 +461,82 @@ void htitle(int nh) noexcept {
 }
 
 void titjus(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("titjus");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("titjus"));
     if (!b) return;
     int k = qqkey(b, "CENT+LEFT+RIGH", 3, copt);
     if (k > 0) b->ax.titjus = k - 1;
 }
 
 void lfttit() noexcept {
-    glbblk *b = KX_ENTRY("lfttit");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("lfttit"));
     if (b) b->ax.titjus = 1;
 }
 
 void titpos(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("titpos");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("titpos"));
     if (!b) return;
     int k = qqkey(b, "ABOV+BELO", 2, copt);
     if (k > 0) b->ax.titpos = k - 1;
 }
 
 void vkytit(int nshift) noexcept {
-    glbblk *b = KX_ENTRY("vkytit");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("vkytit"));
     if (b) b->ax.vkytit = nshift;
 }
 
 void vkxbar(int nshift) noexcept {
-    glbblk *b = KX_ENTRY("vkxbar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("vkxbar"));
     if (b) b->ax.vkxbar = nshift;
 }
 
 void vkybar(int nshift) noexcept {
-    glbblk *b = KX_ENTRY("vkybar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("vkybar"));
     if (b) b->ax.vkybar = nshift;
 }
 
 void widbar(int nwid) noexcept {
-    glbblk *b = KX_ENTRY("widbar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("widbar"));
     if (b && !qqchki(b, nwid, 0, 10000)) b->ax.widbar = nwid;
 }
 
 void spcbar(int nspc) noexcept {
-    glbblk *b = KX_ENTRY("spcbar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("spcbar"));
     if (b) b->ax.spcbar = nspc;
 }
 
 void frmbar(int nfrm) noexcept {
-    glbblk *b = KX_ENTRY("frmbar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("frmbar"));
     if (b) b->ax.frmbar = nfrm;
 }
 
 void posbar(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("posbar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("posbar"));
     if (!b) return;
     int k = qqkey(b, "FIXE+LEFT+RIGH+BOTT+TOP ", 5, copt);
     if (k > 0) b->ax.posbar = k - 1;
 }
 
 void jusbar(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("jusbar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("jusbar"));
     if (!b) return;
     int k = qqkey(b, "STAR+CENT+END ", 3, copt);
     if (k > 0) b->ax.jusbar = k - 1;
 }
 
 void nobar() noexcept {
-    glbblk *b = KX_ENTRY("nobar");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("nobar"));
     if (b) b->ax.nobar = 1;
 }
 
 void expzlb(const char *cstr) noexcept {
-    glbblk *b = KX_ENTRY("expzlb");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("expzlb"));
     if (!b) return;
     int k = qqkey(b, "NONE+FIRS+BOTH", 3, cstr);
     if (k > 0) b->ax.expzlb = k - 1;
 }
 
 void labclr(int nclr, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("labclr");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("labclr"));
     if (!b) return;
     int k = qqkey(b, "BAR +PIE +CON ", 3, copt);
     if (k > 0) b->ax.labclr[k - 1] = nclr;
@@ -536,7 +544,7 @@ void labclr(int nclr, const char *copt) noexcept {
 
 void getvk(int *nytit, int *nxbar, int *nybar) noexcept {
     *nytit = *nxbar = *nybar = 0;
-    glbblk *b = KX_ENTRY("getvk");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getvk"));
     if (!b) return;
     *nytit = b->ax.vkytit;
     *nxbar = b->ax.vkxbar;
@@ -544,6 +552,6 @@ void getvk(int *nytit, int *nxbar, int *nybar) noexcept {
 }
 
 int getwid() noexcept {
-    glbblk *b = KX_ENTRY("getwid");
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getwid"));
     return b ? b->ax.widbar : 0;
 }

@@ -2,14 +2,16 @@
 // name and title texts at positions of the page grid.
 #include <cmath>
 
+#include "axes/axes_block.h"
 #include "axes/label_text.h"
-#include "core/glbblk.h"
 #include "core/text.h"
 #include "text/text.h"
 
-double qqaxtw(glbblk *b, const char *text) noexcept { return qqtxtlen(b, text); }
+double qqaxtw(AxesBlock *b, const char *text) noexcept {
+    return qqtxtlen(b, text);
+}
 
-void qqaxtxt(glbblk *b, const char *text, double x, double y, int angle) noexcept {
+void qqaxtxt(AxesBlock *b, const char *text, double x, double y, int angle) noexcept {
     if (!text || !text[0]) return;
     TextState &t = b->txt;
     // The axes place every text themselves: no justification, no page flip.
@@ -23,11 +25,15 @@ void qqaxtxt(glbblk *b, const char *text, double x, double y, int angle) noexcep
     t.vjus = vj;
 }
 
-int qqaxth(glbblk *b) noexcept { return b->txt.height; }
+int qqaxth(AxesBlock *b) noexcept {
+    return b->txt.height;
+}
 
-void qqaxtext(glbblk *b, const char *text, int *nh, int *nu) noexcept { qqtxtext(b, text, nh, nu); }
+void qqaxtext(AxesBlock *b, const char *text, int *nh, int *nu) noexcept {
+    qqtxtext(b, text, nh, nu);
+}
 
-int qqaxsth(glbblk *b, int h) noexcept {
+int qqaxsth(AxesBlock *b, int h) noexcept {
     int old = b->txt.height;
     if (h >= 1 && h != old) {
         b->txt.height = h;
@@ -36,7 +42,7 @@ int qqaxsth(glbblk *b, int h) noexcept {
     return old;
 }
 
-void qqaxmix(glbblk *b, int xexp, AxMixSave *s) noexcept {
+void qqaxmix(AxesBlock *b, int xexp, AxMixSave *s) noexcept {
     TextState &t = b->txt;
     s->mixon = t.mixon;
     s->texon = t.texon;
@@ -56,7 +62,7 @@ void qqaxmix(glbblk *b, int xexp, AxMixSave *s) noexcept {
     t.cachesec = 0;
 }
 
-void qqaxmixend(glbblk *b, const AxMixSave *s) noexcept {
+void qqaxmixend(AxesBlock *b, const AxMixSave *s) noexcept {
     TextState &t = b->txt;
     t.mixon = s->mixon;
     t.texon = s->texon;
@@ -67,5 +73,9 @@ void qqaxmixend(glbblk *b, const AxMixSave *s) noexcept {
     t.cachesec = 0;
 }
 
-double qqaxbase(glbblk *b) noexcept { return b->txt.basfac + b->txt.expfac; }
-double qqaxlinesp(glbblk *b) noexcept { return b->txt.linsp; }
+double qqaxbase(AxesBlock *b) noexcept {
+    return b->txt.basfac + b->txt.expfac;
+}
+double qqaxlinesp(AxesBlock *b) noexcept {
+    return b->txt.linsp;
+}

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "colour/colour_block.h"
 #include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -98,8 +99,10 @@ void swap(int &a, int &c) {
 
 // The colour and the table on their way to the device, through the hooks
 // that the device layer sets.
-void set_colour(glbblk *b, int value) { b->clr.setc(b, value); }
-void send_table(glbblk *b) {
+void set_colour(ColourBlock *b, int value) {
+    b->clr.setc(b, value);
+}
+void send_table(ColourBlock *b) {
     if (b->core.level > 0) b->clr.table(b);
 }
 
@@ -110,20 +113,25 @@ int part_byte(double v) {
     return k < 0 ? 0 : (k > 255 ? 255 : k);
 }
 
-void colour_init(glbblk *b) {
-    b->dev.curclr = 0;
+void colour_init(CoreBlock *blk) {
+    ColourBlock *b = qqclrblk(blk);
+    b->clr.curclr = 0;
     b->clr.vltfnm[0] = '\0';
     qqsetvlt(b, (qqdevclr(b) & QQ_CLR_GREY_TABLE) ? RGRE : RAIN);
 }
 
-void reset_colour(glbblk *b) { qqcolorfore(b); }
+void reset_colour(CoreBlock *b) {
+    qqcolorfore(qqclrblk(b));
+}
 
-void reset_range(glbblk *b) {
+void reset_range(CoreBlock *blk) {
+    ColourBlock *b = qqclrblk(blk);
     b->clr.minidx = 1;
     b->clr.maxidx = b->clr.whtidx - 1;
 }
 
-void reset_cycle(glbblk *b) {
+void reset_cycle(CoreBlock *blk) {
+    ColourBlock *b = qqclrblk(blk);
     for (int k = 1; k <= 30; ++k) b->clr.clrcycl[k - 1] = b->clr.named[(k % 8 == 0 ? 8 : k % 8) - 1];
 }
 
@@ -132,10 +140,12 @@ const ResetEntry kResets[] = {
     {"CLRC", reset_cycle},  {nullptr, nullptr},
 };
 
-void colour_first(glbblk *b) { b->clr.vltkind = RAIN; }
+void colour_first(CoreBlock *b) {
+    qqclrblk(b)->clr.vltkind = RAIN;
+}
 
 // Entries of the table that a search for the nearest colour looks at.
-int table_entries(const glbblk *b) {
+int table_entries(const ColourBlock *b) {
     switch (b->clr.vltkind) {
     case 0: return 9;    // the small table
     case 7: return 16;   // the VGA table
@@ -147,7 +157,7 @@ int table_entries(const glbblk *b) {
 
 extern const Subsystem kxsub_colour = {"colour", colour_first, colour_init, nullptr, kResets, nullptr};
 
-int qqnearest(const glbblk *b, int r, int g, int bl) noexcept {
+int qqnearest(const ColourBlock *b, int r, int g, int bl) noexcept {
     int best = 0, bestd = 0x7fffffff;
     int n = table_entries(b);
     for (int i = 0; i < n; ++i) {
@@ -162,8 +172,7 @@ int qqnearest(const glbblk *b, int r, int g, int bl) noexcept {
     return best;
 }
 
-
-void qqclrrgb(const glbblk *b, int value, int *r, int *g, int *bl) noexcept {
+void qqclrrgb(const ColourBlock *b, int value, int *r, int *g, int *bl) noexcept {
     if (qqexplicit(value)) {
         *r = value & 255;
         *g = (value >> 8) & 255;
@@ -176,7 +185,7 @@ void qqclrrgb(const glbblk *b, int value, int *r, int *g, int *bl) noexcept {
     *bl = e & 255;
 }
 
-void qqsetvlt(glbblk *b, int kind) noexcept {
+void qqsetvlt(ColourBlock *b, int kind) noexcept {
     ColourState &c = b->clr;
     unsigned dev = qqdevclr(b);
     bool white_sheet = dev & QQ_CLR_WHITE_SHEET;
@@ -292,12 +301,14 @@ void qqsetvlt(glbblk *b, int kind) noexcept {
     }
 }
 
-void qqcolorfore(glbblk *b) noexcept { set_colour(b, b->clr.forclr); }
+void qqcolorfore(ColourBlock *b) noexcept {
+    set_colour(b, b->clr.forclr);
+}
 
 // ---- public routines -------------------------------------------------------------
 
 void color(const char *col) noexcept {
-    glbblk *b = KX_ENTRY("color");
+    ColourBlock *b = qqclrblk(KX_ENTRY("color"));
     if (!b) return;
     int k = qqkey(b, "WHIT+RED +GREE+YELL+BLUE+ORAN+CYAN+MAGE+BLAC+FORE+BACK+GRAY+HALF", 13, col);
     if (k == 0) return;
@@ -313,7 +324,7 @@ void color(const char *col) noexcept {
     } else {
         // Halfway between the current colour and the background.
         int r0, g0, b0, r1, g1, b1;
-        qqclrrgb(b, b->dev.curclr, &r0, &g0, &b0);
+        qqclrrgb(b, b->clr.curclr, &r0, &g0, &b0);
         qqclrrgb(b, c.bckclr, &r1, &g1, &b1);
         set_colour(b, qqrgbval(part_byte((r0 + r1) / 510.0), part_byte((g0 + g1) / 510.0),
                            part_byte((b0 + b1) / 510.0)));
@@ -321,7 +332,7 @@ void color(const char *col) noexcept {
 }
 
 void setclr(int ncol) noexcept {
-    glbblk *b = KX_ENTRY("setclr");
+    ColourBlock *b = qqclrblk(KX_ENTRY("setclr"));
     if (!b || qqchki(b, ncol, 0, -1)) return;
     set_colour(b, ncol);
 }
@@ -332,7 +343,7 @@ int intrgb(double xr, double xg, double xb) noexcept {
 }
 
 void setrgb(double xr, double xg, double xb) noexcept {
-    glbblk *b = KX_ENTRY("setrgb");
+    ColourBlock *b = qqclrblk(KX_ENTRY("setrgb"));
     if (!b) return;
     int v = intrgb(xr, xg, xb);
     if (v == -1) {
@@ -343,7 +354,7 @@ void setrgb(double xr, double xg, double xb) noexcept {
 }
 
 int indrgb(double xr, double xg, double xb) noexcept {
-    glbblk *b = KX_ENTRY("indrgb");
+    ColourBlock *b = qqclrblk(KX_ENTRY("indrgb"));
     if (!b) return -1;
     if (!part_ok(xr, 0.001) || !part_ok(xg, 0.001) || !part_ok(xb, 0.001)) {
         qqwarn(b, 2, 0);
@@ -353,22 +364,22 @@ int indrgb(double xr, double xg, double xb) noexcept {
 }
 
 int getclr() noexcept {
-    glbblk *b = KX_ENTRY("getclr");
-    return b ? b->dev.curclr : 0;
+    ColourBlock *b = qqclrblk(KX_ENTRY("getclr"));
+    return b ? b->clr.curclr : 0;
 }
 
 void getrgb(double *xr, double *xg, double *xb) noexcept {
-    glbblk *b = KX_ENTRY("getrgb");
+    ColourBlock *b = qqclrblk(KX_ENTRY("getrgb"));
     if (!b) return;
     int r, g, bl;
-    qqclrrgb(b, b->dev.curclr, &r, &g, &bl);
+    qqclrrgb(b, b->clr.curclr, &r, &g, &bl);
     *xr = r / 255.0;
     *xg = g / 255.0;
     *xb = bl / 255.0;
 }
 
 void getind(int i, double *xr, double *xg, double *xb) noexcept {
-    glbblk *b = KX_ENTRY("getind");
+    ColourBlock *b = qqclrblk(KX_ENTRY("getind"));
     if (!b) return;
     if (!qqexplicit(i) && (i < 0 || i > 255)) {
         qqwarn(b, 2, i);
@@ -382,7 +393,7 @@ void getind(int i, double *xr, double *xg, double *xb) noexcept {
 }
 
 void setind(int i, double xr, double xg, double xb) noexcept {
-    glbblk *b = KX_ENTRY("setind");
+    ColourBlock *b = qqclrblk(KX_ENTRY("setind"));
     if (!b) return;
     if (i < 0 || i > 255) {
         qqwarn(b, 2, i);
@@ -397,7 +408,7 @@ void setind(int i, double xr, double xg, double xb) noexcept {
 }
 
 void setvlt(const char *ctab) noexcept {
-    glbblk *b = KX_ENTRY("setvlt");
+    ColourBlock *b = qqclrblk(KX_ENTRY("setvlt"));
     if (!b) return;
     int k = qqkey(b, kKinds, NKINDS, ctab);
     if (k > 0) qqsetvlt(b, k - 1);
@@ -407,14 +418,14 @@ const char *getvlt() noexcept {
     static const char *const names[NKINDS] = {"SMALL", "RAIN",  "SPEC", "GREY",    "RRAIN",
                                               "RSPEC", "RGREY", "VGA",  "TEMP",    "VIRIDIS",
                                               "MAGMA", "INFERNO", "PLASMA"};
-    glbblk *b = KX_ENTRY("getvlt");
+    ColourBlock *b = qqclrblk(KX_ENTRY("getvlt"));
     if (!b) return "";
     int k = b->clr.vltkind;
     return k >= 0 && k < NKINDS ? names[k] : "";
 }
 
 void myvlt(const double *xr, const double *xg, const double *xb, int n) noexcept {
-    glbblk *b = KX_ENTRY("myvlt");
+    ColourBlock *b = qqclrblk(KX_ENTRY("myvlt"));
     if (!b) return;
     if (n < 1 || n > 256) {
         qqwarn(b, 2, n);
@@ -435,19 +446,19 @@ void myvlt(const double *xr, const double *xg, const double *xb, int n) noexcept
 }
 
 void revscr() noexcept {
-    glbblk *b = KX_ENTRY("revscr");
+    ColourBlock *b = qqclrblk(KX_ENTRY("revscr"));
     if (!b) return;
     ColourState &c = b->clr;
     int fg = c.vltkind == SMAL ? 1 : (c.vltkind == VGA ? 15 : 255);
     swap(c.colmap[0], c.colmap[fg]);
     if (qqdevkind(b) == QQ_KIND_PAGE)
-        set_colour(b, b->dev.curclr);
+        set_colour(b, b->clr.curclr);
     else
         send_table(b);
 }
 
 void vltfil(const char *cfl, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("VLTFIL");
+    ColourBlock *b = qqclrblk(KX_ENTRY("VLTFIL"));
     if (!b) return;
     int k = qqkey(b, "SAVE+LOAD", 2, copt);
     if (k == 0) return;
@@ -506,7 +517,7 @@ void vltfil(const char *cfl, const char *copt) noexcept {
 }
 
 void hsvrgb(double xh, double xs, double xv, double *xr, double *xg, double *xb) noexcept {
-    glbblk *b = KX_ENTRY("hsvrgb");
+    ColourBlock *b = qqclrblk(KX_ENTRY("hsvrgb"));
     if (!b) return;
     if (!(xh >= -0.0001 && xh <= 360.0001) || !(xs >= -0.0001 && xs <= 1.0001) ||
         !(xv >= -0.0001 && xv <= 1.0001)) {
@@ -525,7 +536,7 @@ void hsvrgb(double xh, double xs, double xv, double *xr, double *xg, double *xb)
 }
 
 void rgbhsv(double xr, double xg, double xb, double *xh, double *xs, double *xv) noexcept {
-    glbblk *b = KX_ENTRY("rgbhsv");
+    ColourBlock *b = qqclrblk(KX_ENTRY("rgbhsv"));
     if (!b) return;
     for (double v : {xr, xg, xb})
         if (!(v >= -0.0001 && v <= 1.0001)) {
@@ -553,19 +564,13 @@ void rgbhsv(double xr, double xg, double xb, double *xh, double *xs, double *xv)
 }
 
 void clrcyc(int index, int iclr) noexcept {
-    glbblk *b = KX_ENTRY("clrcyc");
+    ColourBlock *b = qqclrblk(KX_ENTRY("clrcyc"));
     if (!b || qqchki(b, index, 1, 30) || qqchki(b, iclr, 0, -1)) return;
     b->clr.clrcycl[index - 1] = iclr;
 }
 
-void lincyc(int index, int ityp) noexcept {
-    glbblk *b = KX_ENTRY("lincyc");
-    if (!b || qqchki(b, index, 1, 30) || qqchki(b, ityp, 0, 7)) return;
-    b->dev.lincycl[index - 1] = ityp;
-}
-
 void colran(int nca, int nce) noexcept {
-    glbblk *b = KX_ENTRY("colran");
+    ColourBlock *b = qqclrblk(KX_ENTRY("colran"));
     if (!b) return;
     if (qqchki(b, nca, 0, 255) || qqchki(b, nce, 0, 255)) return;
     // A range that runs downward is taken as its ascending twin: the bands

@@ -7,20 +7,22 @@
 // drawing routine means that the current colour stays.
 #pragma once
 
-struct glbblk;
+#include "colour/colour_block.h"
+
+struct ColourBlock;
 
 inline bool qqexplicit(int value) { return ((unsigned)value >> 24) == 1; }
 inline int qqrgbval(int r, int g, int b) { return 0x01000000 | (b << 16) | (g << 8) | r; }
 
 // Red, green and blue (0 to 255) of a colour value: explicit bytes or the
 // table entry of an index.
-void qqclrrgb(const glbblk *b, int value, int *r, int *g, int *bl) noexcept;
+void qqclrrgb(const ColourBlock *b, int value, int *r, int *g, int *bl) noexcept;
 // Loads table kind 0 to 8 (the order of setvlt) with the named colours and
 // the fore- and background, sends the table to the device and sets the
 // foreground colour.
-void qqsetvlt(glbblk *b, int kind) noexcept;
+void qqsetvlt(ColourBlock *b, int kind) noexcept;
 // The entry of the colour table nearest to a colour (sum of the absolute
 // differences; the first minimum wins).
-int qqnearest(const glbblk *b, int r, int g, int bl) noexcept;
+int qqnearest(const ColourBlock *b, int r, int g, int bl) noexcept;
 // The colour of color("FORE").
-void qqcolorfore(glbblk *b) noexcept;
+void qqcolorfore(ColourBlock *b) noexcept;

@@ -2,7 +2,7 @@
 // colours.  The colour value itself is described in colour/colour.h.
 #pragma once
 
-struct glbblk;
+struct ColourBlock;
 
 struct ColourState {
     int colmap[256];        // table entries 0x00RRGGBB
@@ -13,9 +13,10 @@ struct ColourState {
     int minidx, maxidx;     // index range of colour scales
     int named[9];           // values of WHIT RED GREE YELL BLUE ORAN CYAN MAGE BLAC
     int clrcycl[30];        // colour cycle of clrcyc
+    int curclr;             // current colour value
     char vltfnm[257];       // the file vltfil saved or loaded this session, for symfil
     // Set by the device layer with its first values: the current colour
     // and the changed table on their way to the driver.
-    void (*setc)(glbblk *b, int value);
-    void (*table)(glbblk *b);
+    void (*setc)(ColourBlock *b, int value);
+    void (*table)(ColourBlock *b);
 };

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/core_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -38,7 +39,7 @@ bool installed_dir(char *buf) {
 
 }  // namespace
 
-void qqdatadir(glbblk *b, char *buf) noexcept {
+void qqdatadir(CoreBlock *b, char *buf) noexcept {
     if (b && b->sess.envset && b->sess.envdir[0]) {
         qqscpy(buf, b->sess.envdir, DIRMAX);
         return;
@@ -53,7 +54,7 @@ void qqdatadir(glbblk *b, char *buf) noexcept {
 }
 
 void kolenv(const char *cstr) noexcept {
-    glbblk *b = KX_ENTRY("kolenv");
+    CoreBlock *b = KX_ENTRY("kolenv");
     if (!b) return;
     SessionState &s = b->sess;
     char key[5];

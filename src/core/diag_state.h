@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-struct glbblk;
+struct CoreBlock;
 
 struct DiagState {
     int nwarn;              // warnings of the session
@@ -26,5 +26,5 @@ struct DiagState {
     // limits of X, Y and Z and returns 0 without limits, 1 for an axis
     // scaling, 2 for a grafr system, 3 for a polar one.  Set by the axes
     // in their share of the session defaults; null checks nothing.
-    int (*chklimits)(const glbblk *b, double lim[6]);
+    int (*chklimits)(const CoreBlock *b, double lim[6]);
 };

@@ -2,6 +2,7 @@
 // nochek, nancrv.
 #include <cstring>
 
+#include "core/core_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
@@ -11,7 +12,7 @@
 
 namespace {
 
-void diag_first(glbblk *b) {
+void diag_first(CoreBlock *b) {
     DiagState &d = b->diag;
     d.outu = 6;
     d.errfp = nullptr;
@@ -22,7 +23,7 @@ void diag_first(glbblk *b) {
 }
 
 // The session's share: warnings, checks and protocol on again.
-void diag_init(glbblk *b) {
+void diag_init(CoreBlock *b) {
     DiagState &d = b->diag;
     d.erron = 1;
     d.chkon = 1;
@@ -30,15 +31,19 @@ void diag_init(glbblk *b) {
     d.nanon = 0;
 }
 
-void diag_release(glbblk *b) { qqerrc(b); }
+void diag_release(CoreBlock *b) {
+    qqerrc(b);
+}
 
-void reset_unit(glbblk *b) {
+void reset_unit(CoreBlock *b) {
     DiagState &d = b->diag;
     d.outu = d.erropn ? 17 : 6;
     d.errfp = d.erropn ? d.errhnd : nullptr;
 }
 
-void reset_nochek(glbblk *b) { b->diag.chkon = 1; }
+void reset_nochek(CoreBlock *b) {
+    b->diag.chkon = 1;
+}
 
 const ResetEntry kResets[] = {
     {"UNIT", reset_unit},
@@ -52,7 +57,7 @@ extern const Subsystem kxsub_diagnostics = {"diagnostics", diag_first, diag_init
                                             kResets, nullptr};
 
 void errmod(const char *cstr, const char *cmode) noexcept {
-    glbblk *b = KX_ENTRY("errmod");
+    CoreBlock *b = KX_ENTRY("errmod");
     if (!b) return;
     int what = qqkey(b, "WARN+CHEC+PROT+ALL ", 4, cstr);
     if (what == 0) return;
@@ -73,21 +78,21 @@ void errmod(const char *cstr, const char *cmode) noexcept {
 }
 
 void errdev(const char *cdev) noexcept {
-    glbblk *b = KX_ENTRY("errdev");
+    CoreBlock *b = KX_ENTRY("errdev");
     if (!b) return;
     int k = qqkey(b, "CONS+FILE+APPE", 3, cdev);
     if (k > 0) b->diag.errdv = (unsigned char)(k - 1);
 }
 
 void errfil(const char *cfil) noexcept {
-    glbblk *b = KX_ENTRY("errfil");
+    CoreBlock *b = KX_ENTRY("errfil");
     if (!b) return;
     qqscpy(b->diag.errnam, cfil ? cfil : "", 256);
     b->diag.errnmf = 1;
 }
 
 void unit(int nu) noexcept {
-    glbblk *b = KX_ENTRY("unit");
+    CoreBlock *b = KX_ENTRY("unit");
     if (!b) return;
     // A stream number means nothing at this interface: anything but 0 turns
     // output on; 6 keeps the stream that warnings go to.
@@ -99,13 +104,13 @@ void unit(int nu) noexcept {
 }
 
 void nochek() noexcept {
-    glbblk *b = KX_ENTRY("nochek");
+    CoreBlock *b = KX_ENTRY("nochek");
     if (!b) return;
     b->diag.chkon = 0;
 }
 
 void nancrv(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("nancrv");
+    CoreBlock *b = KX_ENTRY("nancrv");
     if (!b) return;
     int k = qqkey(b, "OFF +ON  ", 2, copt);
     if (k > 0) b->diag.nanon = k - 1;

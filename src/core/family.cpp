@@ -2,16 +2,18 @@
 
 #include <cstring>
 
-#include "core/glbblk.h"
+#include "core/core_block.h"
 
-unsigned qqdevclr(const glbblk *b) noexcept {
+unsigned qqdevclr(const CoreBlock *b) noexcept {
     const DeviceKey *k = qqfamkey(b->core.fam, b->core.devcod);
     return k ? k->colour : 0;
 }
 
-int qqdevkind(const glbblk *b) noexcept { return b->core.fam ? b->core.fam->kind : 0; }
+int qqdevkind(const CoreBlock *b) noexcept {
+    return b->core.fam ? b->core.fam->kind : 0;
+}
 
-void qqdefdev(glbblk *b) noexcept {
+void qqdefdev(CoreBlock *b) noexcept {
     CoreState &c = b->core;
     c.fam = c.deffam;
     c.devcod = c.fam->keys[0].code;

@@ -10,6 +10,8 @@
 // knowing any driver; the operations stay opaque to them.
 #pragma once
 
+#include "core/core_block.h"
+
 struct DriverOps;
 
 // Colour behaviour of a device code (flags of DeviceKey::colour).
@@ -89,10 +91,10 @@ inline const DeviceKey *qqfamkey(const DeviceFamily *f, int code) {
     return nullptr;
 }
 
-struct glbblk;
+struct CoreBlock;
 // The colour flags and kind of the session's device: of the code metafl
 // chose, 0 before any choice (the default device has none).
-unsigned qqdevclr(const glbblk *b) noexcept;
-int qqdevkind(const glbblk *b) noexcept;
+unsigned qqdevclr(const CoreBlock *b) noexcept;
+int qqdevkind(const CoreBlock *b) noexcept;
 // Chooses the family a session falls back on (CoreState::deffam).
-void qqdefdev(glbblk *b) noexcept;
+void qqdefdev(CoreBlock *b) noexcept;

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "core/core_block.h"
 #include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -59,7 +60,7 @@ int create_temp(const char *name, char *temp, size_t size) {
 
 // The open of QQOutFile on the fields of a caller (a QQOutFile, or the
 // session's plot file).
-int open_out(glbblk *b, char *name, char *temp, size_t tsize, int *reserved, FILE **fp,
+int open_out(CoreBlock *b, char *name, char *temp, size_t tsize, int *reserved, FILE **fp,
              const char *mode) {
     *fp = nullptr;
     temp[0] = '\0';
@@ -96,7 +97,7 @@ int open_out(glbblk *b, char *name, char *temp, size_t tsize, int *reserved, FIL
     return w;
 }
 
-int close_out(glbblk *b, const char *name, char *temp, int *reserved, FILE **fp, int keep) {
+int close_out(CoreBlock *b, const char *name, char *temp, int *reserved, FILE **fp, int keep) {
     bool ok = true;
     if (*fp && std::fclose(*fp) != 0) ok = false;  // a full disk shows here
     *fp = nullptr;
@@ -118,7 +119,7 @@ int close_out(glbblk *b, const char *name, char *temp, int *reserved, FILE **fp,
 
 }  // namespace
 
-int qqvers(glbblk *b, char *name) noexcept {
+int qqvers(CoreBlock *b, char *name) noexcept {
     if (!file_exists(name)) return 0;
     const SessionState &s = b->sess;
     if (s.fmode == 1) {
@@ -178,27 +179,27 @@ int qqvers(glbblk *b, char *name) noexcept {
     return 170;
 }
 
-int qqoutopen(glbblk *b, QQOutFile *f, const char *mode) noexcept {
+int qqoutopen(CoreBlock *b, QQOutFile *f, const char *mode) noexcept {
     return open_out(b, f->name, f->temp, sizeof f->temp, &f->reserved, &f->fp, mode);
 }
 
-int qqoutclose(glbblk *b, QQOutFile *f, int keep) noexcept {
+int qqoutclose(CoreBlock *b, QQOutFile *f, int keep) noexcept {
     return close_out(b, f->name, f->temp, &f->reserved, &f->fp, keep);
 }
 
-int qqopenf(glbblk *b, const char *mode) noexcept {
+int qqopenf(CoreBlock *b, const char *mode) noexcept {
     SessionState &s = b->sess;
     int w = open_out(b, s.fname, s.ftemp, sizeof s.ftemp, &s.freserved, &s.fhnd, mode);
     if (w != 0) qqkolfail(b);
     return w;
 }
 
-int qqplotclose(glbblk *b, int keep) noexcept {
+int qqplotclose(CoreBlock *b, int keep) noexcept {
     SessionState &s = b->sess;
     return close_out(b, s.fname, s.ftemp, &s.freserved, &s.fhnd, keep);
 }
 
-int qqopenplot(glbblk *b) noexcept {
+int qqopenplot(CoreBlock *b) noexcept {
     SessionState &s = b->sess;
     const DeviceFamily *fam = b->core.fam;
     const char *ext = qqfamkey(fam, b->core.devcod)->ext;
@@ -224,42 +225,4 @@ int qqopenplot(glbblk *b) noexcept {
         }
     }
     return qqopenf(b, (fam->file & QQ_FILE_BINARY) ? "wb" : "w");
-}
-
-void setfil(const char *cfil) noexcept {
-    glbblk *b = KX_ENTRY("setfil");
-    if (!b) return;
-    qqscpy(b->sess.fname, cfil ? cfil : "", 256);
-    b->sess.fstate = 1;
-}
-
-void filmod(const char *cmod) noexcept {
-    glbblk *b = KX_ENTRY("filmod");
-    if (!b) return;
-    int k = qqkey(b, "COUN+DELE+BREA+VERS", 4, cmod);
-    if (k > 0) b->sess.fmode = (unsigned char)(k - 1);
-}
-
-void filopt(const char *copt, const char *ckey) noexcept {
-    glbblk *b = KX_ENTRY("filopt");
-    if (!b) return;
-    int what = qqkey(b, "SEPA+NUMB+DIGI+SCAL", 4, ckey);
-    SessionState &s = b->sess;
-    int k;
-    switch (what) {
-    case 1:
-        if ((k = qqkey(b, "UNDE+HYPH+NONE", 3, copt)) > 0) s.fsep = (unsigned char)(k - 1);
-        break;
-    case 2:
-        if ((k = qqkey(b, "SHOR+LONG", 2, copt)) > 0) s.flong = (unsigned char)(k - 1);
-        break;
-    case 3:
-        if ((k = qqkey(b, "2   +3   +4   +5   +6   ", 5, copt)) > 0) s.fdig = (unsigned char)(k + 1);
-        break;
-    case 4:
-        // OFF, PAGE, VIEW, and ON which is PAGE.
-        if ((k = qqkey(b, "OFF +PAGE+VIEW+ON  ", 4, copt)) > 0)
-            s.fscal = (unsigned char)(k == 4 ? 1 : k - 1);
-        break;
-    }
 }

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/core_block.h"
 #include "core/guard.h"
 #include "core/session.h"
 #include "core/warnings.h"
@@ -157,7 +158,7 @@ int qqfiletype(const char *name, int *w, int *h) noexcept {
 }
 
 int filtyp(const char *cfil) noexcept {
-    glbblk *b = KX_ENTRY("filtyp");
+    CoreBlock *b = KX_ENTRY("filtyp");
     if (!b) return -1;
     int w, h;
     int kind = qqfiletype(cfil ? cfil : "", &w, &h);
@@ -167,7 +168,7 @@ int filtyp(const char *cfil) noexcept {
 
 int filsiz(const char *cfil, int *nw, int *nh) noexcept {
     *nw = *nh = 0;
-    glbblk *b = KX_ENTRY("filsiz");
+    CoreBlock *b = KX_ENTRY("filsiz");
     if (!b) return -1;
     int w, h;
     int kind = qqfiletype(cfil ? cfil : "", &w, &h);

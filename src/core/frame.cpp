@@ -2,6 +2,7 @@
 // first values of the core fields.
 #include <cmath>
 
+#include "core/core_block.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -12,7 +13,7 @@
 
 namespace {
 
-void core_first(glbblk *b) {
+void core_first(CoreBlock *b) {
     CoreState &c = b->core;
     c.level = 0;
     c.devcod = 0;
@@ -28,31 +29,35 @@ void core_first(glbblk *b) {
     c.ynoflp = 0;
 }
 
-void core_init(glbblk *b) { b->core.yorig = 0; }
+void core_init(CoreBlock *b) {
+    b->core.yorig = 0;
+}
 
 }  // namespace
 
 extern const Subsystem kxsub_core = {"core", core_first, core_init, nullptr, nullptr, nullptr};
 
-double qqyflp(glbblk *b, double y) noexcept {
+double qqyflp(CoreBlock *b, double y) noexcept {
     if (b->core.yorig == 1 && b->core.ynoflp != 1) return b->core.nyp - y;
     return y;
 }
 
-int qqyflpi(glbblk *b, int y) noexcept {
+int qqyflpi(CoreBlock *b, int y) noexcept {
     if (b->core.yorig == 1 && b->core.ynoflp != 1) return b->core.nyp - y;
     return y;
 }
 
-int qqpxu(glbblk *b, double length) noexcept { return (int)std::trunc(length / b->core.unitf + 0.5); }
+int qqpxu(CoreBlock *b, double length) noexcept {
+    return (int)std::trunc(length / b->core.unitf + 0.5);
+}
 
 int getlev() noexcept {
-    glbblk *b = KX_ENTRY("getlev");
+    CoreBlock *b = KX_ENTRY("getlev");
     return b ? (int)b->core.level : 0;
 }
 
 void units(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("units");
+    CoreBlock *b = KX_ENTRY("units");
     if (!b) return;
     // The factors as the library has always stored them: single precision.
     static const double factors[4] = {1.0, 2.5399999618530273, 0.35277798771858215,
@@ -62,7 +67,7 @@ void units(const char *copt) noexcept {
 }
 
 void pagorg(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("pagorg");
+    CoreBlock *b = KX_ENTRY("pagorg");
     if (!b) return;
     int k = qqkey(b, "TOP +BOTT", 2, copt);
     if (k > 0) b->core.yorig = (unsigned char)(k - 1);
@@ -73,6 +78,6 @@ void upstr(char *cstr) noexcept {
 }
 
 int getuni() noexcept {
-    glbblk *b = KX_ENTRY("getuni");
+    CoreBlock *b = KX_ENTRY("getuni");
     return b ? b->diag.outu : 0;
 }

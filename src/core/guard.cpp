@@ -6,6 +6,7 @@
 // changes its slot after the claim, and claims and deletes run under the
 // library lock.  The slot fields are atomics so that the unlocked scan is
 // well defined while another thread claims a slot.
+#include "core/core_block.h"
 #include "core/guard.h"
 
 #include <atomic>
@@ -15,6 +16,7 @@
 #include <mutex>
 #include <new>
 
+#include "core/lock.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/threads.h"
@@ -27,14 +29,12 @@ namespace {
 struct Slot {
     std::atomic<unsigned> id;
     std::atomic<int> state;  // 0 free, 1 in use
-    std::atomic<glbblk *> blk;
+    std::atomic<CoreBlock *> blk;
 };
 
-std::atomic<int> thrmod{0};
 int thrmax = 0;
 Slot *slots = nullptr;
-glbblk *oneblk = nullptr;
-std::mutex *liblock = nullptr;
+CoreBlock *oneblk = nullptr;
 std::mutex tablelock;  // serialises thrini/thrfin against each other
 
 unsigned thread_id() noexcept {
@@ -47,8 +47,8 @@ unsigned thread_id() noexcept {
     std::exit(status);
 }
 
-glbblk *new_block() noexcept {
-    auto *b = static_cast<glbblk *>(std::calloc(1, sizeof(glbblk)));
+CoreBlock *new_block() noexcept {
+    auto *b = static_cast<CoreBlock *>(std::calloc(1, qqblocksize()));
     if (!b) fatal("Not enough memory for global variables!\n", 1);
     return b;
 }
@@ -61,39 +61,29 @@ void qqconsole(const char *text) noexcept {
     std::fflush(stdout);
 }
 
-int qqthrmode() noexcept { return thrmod.load(std::memory_order_acquire) == 1 ? 1 : 0; }
-
-void qqlock(int release) noexcept {
-    if (thrmod.load(std::memory_order_acquire) != 1 || !liblock) return;
-    if (release)
-        liblock->unlock();
-    else
-        liblock->lock();
-}
-
-glbblk *qqglob(int op, int *value) noexcept {
+CoreBlock *qqglob(int op, int *value) noexcept {
     switch (op) {
     case QQ_FIND: {
         if (value) *value = 1;
-        if (thrmod.load(std::memory_order_acquire) == 1) {
+        if (qqthrmode() == 1) {
             unsigned me = thread_id();
             for (int i = 0; i < thrmax; ++i)
                 if (slots[i].state.load(std::memory_order_acquire) == 1 &&
                     slots[i].id.load(std::memory_order_relaxed) == me)
                     return slots[i].blk.load(std::memory_order_acquire);
-            liblock->lock();
+            qqlock(0);
             int free = -1;
             for (int i = 0; i < thrmax && free < 0; ++i)
                 if (slots[i].state.load(std::memory_order_relaxed) == 0) free = i;
             if (free < 0) {
-                liblock->unlock();
+                qqlock(1);
                 fatal(">>>> Too many threads!\n", 1);
             }
             slots[free].id.store(me, std::memory_order_relaxed);
             slots[free].blk.store(nullptr, std::memory_order_relaxed);
             slots[free].state.store(1, std::memory_order_release);
-            liblock->unlock();
-            glbblk *b = new_block();
+            qqlock(1);
+            CoreBlock *b = new_block();
             slots[free].blk.store(b, std::memory_order_release);
             if (value) *value = 0;
             return b;
@@ -104,9 +94,9 @@ glbblk *qqglob(int op, int *value) noexcept {
         return oneblk;
     }
     case QQ_DELETE:
-        if (thrmod.load(std::memory_order_acquire) == 1) {
+        if (qqthrmode() == 1) {
             unsigned me = thread_id();
-            liblock->lock();
+            qqlock(0);
             for (int i = 0; i < thrmax; ++i) {
                 if (slots[i].state.load() == 1 && slots[i].id.load() == me) {
                     std::free(slots[i].blk.load());
@@ -115,7 +105,7 @@ glbblk *qqglob(int op, int *value) noexcept {
                     break;
                 }
             }
-            liblock->unlock();
+            qqlock(1);
         } else {
             std::free(oneblk);
             oneblk = nullptr;
@@ -123,15 +113,14 @@ glbblk *qqglob(int op, int *value) noexcept {
         return nullptr;
     case QQ_OPEN: {
         int n = *value;
-        if (thrmod.load() == 1) {  // a table is open already: keep it
+        if (qqthrmode() == 1) {  // a table is open already: keep it
             *value = 3;
             return nullptr;
         }
-        liblock = new (std::nothrow) std::mutex;
+        bool locked = qqlockmake();
         slots = static_cast<Slot *>(std::calloc((size_t)n, sizeof(Slot)));
-        if (!liblock || !slots) {
-            delete liblock;
-            liblock = nullptr;
+        if (!locked || !slots) {
+            qqlockfree();
             std::free(slots);
             slots = nullptr;
             *value = 2;
@@ -140,18 +129,17 @@ glbblk *qqglob(int op, int *value) noexcept {
         for (int i = 0; i < n; ++i) new (&slots[i]) Slot();
         thrmax = n;
         *value = oneblk ? 3 : 0;
-        thrmod.store(1, std::memory_order_release);
+        qqsetthrmode(1);
         return nullptr;
     }
     case QQ_CLOSE:
-        thrmod.store(0, std::memory_order_release);
+        qqsetthrmode(0);
         for (int i = 0; i < thrmax; ++i)
             if (slots[i].state.load() == 1) std::free(slots[i].blk.load());
         std::free(slots);
         slots = nullptr;
         thrmax = 0;
-        delete liblock;
-        liblock = nullptr;
+        qqlockfree();
         return nullptr;
     case QQ_BYINDEX: {
         int i = *value;
@@ -166,8 +154,8 @@ glbblk *qqglob(int op, int *value) noexcept {
     return nullptr;
 }
 
-glbblk *qqcur() noexcept {
-    if (thrmod.load(std::memory_order_acquire) != 1) return oneblk;
+CoreBlock *qqcur() noexcept {
+    if (qqthrmode() != 1) return oneblk;
     unsigned me = thread_id();
     for (int i = 0; i < thrmax; ++i)
         if (slots[i].state.load(std::memory_order_acquire) == 1 &&
@@ -176,16 +164,16 @@ glbblk *qqcur() noexcept {
     return nullptr;
 }
 
-static glbblk *find_block(const char *name) noexcept {
+static CoreBlock *find_block(const char *name) noexcept {
     int found = 1;
-    glbblk *b = qqglob(QQ_FIND, &found);
+    CoreBlock *b = qqglob(QQ_FIND, &found);
     if (!found) qqfirst(b);
     qqscpy(b->core.rtnam, name, 8);
     return b;
 }
 
-glbblk *qqentry(int minlevel, int maxlevel, const char *name) noexcept {
-    glbblk *b = find_block(name);
+CoreBlock *qqentry(int minlevel, int maxlevel, const char *name) noexcept {
+    CoreBlock *b = find_block(name);
     int lev = (int)b->core.level;
     if (lev >= minlevel && lev <= maxlevel) return b;
     if (lev == 0) b->diag.outu = 6;
@@ -193,8 +181,8 @@ glbblk *qqentry(int minlevel, int maxlevel, const char *name) noexcept {
     return nullptr;
 }
 
-glbblk *qqsoft(const char *name) noexcept {
-    glbblk *b = qqcur();
+CoreBlock *qqsoft(const char *name) noexcept {
+    CoreBlock *b = qqcur();
     if (b) {
         qqscpy(b->core.rtnam, name, 8);
         if (b->core.level < 1 || b->core.level > 3) qqwarn(b, 3, (int)b->core.level);
@@ -204,14 +192,18 @@ glbblk *qqsoft(const char *name) noexcept {
     return qqcur();
 }
 
-glbblk *qqfree(const char *name) noexcept { return find_block(name); }
+CoreBlock *qqfree(const char *name) noexcept {
+    return find_block(name);
+}
 
 // ---- thread routines ---------------------------------------------------------
 
 namespace {
 int thrcal = 0;  // slot count of a successful thrini, 0 without one
 
-void release_block_state(glbblk *b) noexcept { qqrelease(b); }
+void release_block_state(CoreBlock *b) noexcept {
+    qqrelease(b);
+}
 }  // namespace
 
 void thrini(int n) noexcept {
@@ -242,7 +234,7 @@ void thrfin() noexcept {
     }
     for (int i = 0; i < thrcal; ++i) {
         int value = i;
-        glbblk *b = qqglob(QQ_BYINDEX, &value);
+        CoreBlock *b = qqglob(QQ_BYINDEX, &value);
         if (b) release_block_state(b);
     }
     qqglob(QQ_CLOSE, nullptr);
@@ -250,7 +242,7 @@ void thrfin() noexcept {
 }
 
 void delglb() noexcept {
-    glbblk *b = qqcur();
+    CoreBlock *b = qqcur();
     if (!b || b->core.level != 0) return;
     release_block_state(b);
     qqglob(QQ_DELETE, nullptr);

@@ -2,7 +2,7 @@
 
 #include <initializer_list>
 
-#include "core/glbblk.h"
+#include "core/core_block.h"
 #include "core/warnings.h"
 
 void qqkeyword(const char *word, char *out) noexcept {
@@ -35,13 +35,13 @@ int qqkeyq(const char *list, int count, const char *word) noexcept {
     return 0;
 }
 
-int qqkey(glbblk *b, const char *list, int count, const char *word) noexcept {
+int qqkey(CoreBlock *b, const char *list, int count, const char *word) noexcept {
     int k = qqkeyq(list, count, word);
     if (k == 0) qqwarc(b, 2, word ? word : "");
     return k;
 }
 
-int qqchki(glbblk *b, int value, int low, int high) noexcept {
+int qqchki(CoreBlock *b, int value, int low, int high) noexcept {
     if (value < low || (low <= high && value > high)) {
         qqwarn(b, 2, value);
         return 1;
@@ -49,7 +49,7 @@ int qqchki(glbblk *b, int value, int low, int high) noexcept {
     return 0;
 }
 
-int qqchkrect(glbblk *b, int nx, int ny, int nw, int nh) noexcept {
+int qqchkrect(CoreBlock *b, int nx, int ny, int nw, int nh) noexcept {
     if (nx >= 0 && ny >= 0 && nw >= 1 && nh >= 1) return 0;
     int bad = 0x7fffffff;
     for (int v : {nx, ny})
@@ -60,7 +60,7 @@ int qqchkrect(glbblk *b, int nx, int ny, int nw, int nh) noexcept {
     return 1;
 }
 
-int qqkeyopt(glbblk *b, const char *option, const char *copt, const char *list, int count,
+int qqkeyopt(CoreBlock *b, const char *option, const char *copt, const char *list, int count,
              const char *cval) noexcept {
     if (qqkey(b, option, 1, copt) == 0) return 0;
     return qqkey(b, list, count, cval);

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/core_block.h"
 #include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -26,7 +27,7 @@ const PageRow kPages[] = {
 }  // namespace
 
 void setpag(const char *cpag) noexcept {
-    glbblk *b = KX_ENTRY("setpag");
+    CoreBlock *b = KX_ENTRY("setpag");
     if (!b) return;
     char key[5];
     qqkeyword(cpag, key);
@@ -44,7 +45,7 @@ void setpag(const char *cpag) noexcept {
 }
 
 void page(int nxp, int nyp) noexcept {
-    glbblk *b = KX_ENTRY("page");
+    CoreBlock *b = KX_ENTRY("page");
     if (!b) return;
     if (nxp < 1 || nyp < 1) {
         qqwarn(b, 2, nxp < nyp ? nxp : nyp);
@@ -56,14 +57,14 @@ void page(int nxp, int nyp) noexcept {
 }
 
 void pagmod(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("pagmod");
+    CoreBlock *b = KX_ENTRY("pagmod");
     if (!b) return;
     int k = qqkey(b, "COMI+MOVI+LAND+PORT+NONE", 5, copt);
     if (k > 0) b->sess.pagrot = (unsigned char)(k > 2 ? k - 3 : k - 1);
 }
 
 void scrmod(const char *cmode) noexcept {
-    glbblk *b = KX_ENTRY("scrmod");
+    CoreBlock *b = KX_ENTRY("scrmod");
     if (!b) return;
     static const unsigned char modes[5] = {0, 1, 2, 0, 4};  // NORE counts as ERAS
     int k = qqkey(b, "ERAS+NOER+REVE+NORE+AUTO", 5, cmode);
@@ -71,7 +72,7 @@ void scrmod(const char *cmode) noexcept {
 }
 
 void sclmod(const char *cmode) noexcept {
-    glbblk *b = KX_ENTRY("sclmod");
+    CoreBlock *b = KX_ENTRY("sclmod");
     if (!b) return;
     int k = qqkey(b, "DOWN+FULL+NONE", 3, cmode);
     if (k > 0) b->sess.sclm = (unsigned char)(k - 1);
@@ -79,7 +80,7 @@ void sclmod(const char *cmode) noexcept {
 
 namespace {
 // A positive, finite factor; else warning 2.
-bool positive_factor(glbblk *b, double x) {
+bool positive_factor(CoreBlock *b, double x) {
     if (x > 0 && std::isfinite(x)) return true;
     qqwarnd(b, 2, x);
     return false;
@@ -87,20 +88,20 @@ bool positive_factor(glbblk *b, double x) {
 }  // namespace
 
 void sclfac(double xfac) noexcept {
-    glbblk *b = KX_ENTRY("sclfac");
+    CoreBlock *b = KX_ENTRY("sclfac");
     if (!b || !positive_factor(b, xfac)) return;
     b->sess.sclf = xfac;
     b->sess.sclm = 0;
 }
 
 void hwscal(double xfac) noexcept {
-    glbblk *b = KX_ENTRY("hwscal");
+    CoreBlock *b = KX_ENTRY("hwscal");
     if (!b || !positive_factor(b, xfac)) return;
     b->sess.hwscl = xfac;
 }
 
 void hwpage(int nxp, int nyp) noexcept {
-    glbblk *b = KX_ENTRY("hwpage");
+    CoreBlock *b = KX_ENTRY("hwpage");
     if (!b) return;
     if (nxp < 1 || nyp < 1) {
         qqwarn(b, 2, nxp < nyp ? nxp : nyp);
@@ -112,7 +113,7 @@ void hwpage(int nxp, int nyp) noexcept {
 }
 
 void hworig(int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("hworig");
+    CoreBlock *b = KX_ENTRY("hworig");
     if (!b) return;
     b->sess.hworg[0] = nx;
     b->sess.hworg[1] = ny;

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "core/glbblk.h"
+#include "core/core_block.h"
 #include "core/numfmt.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -42,7 +42,7 @@ struct Text {
 
 }  // namespace
 
-int qqbanner(glbblk *b, int flag, char *out, int size) noexcept {
+int qqbanner(CoreBlock *b, int flag, char *out, int size) noexcept {
     // The whole banner is limited to 650 characters.
     if (size > 651) size = 651;
     Text t{out, size};

@@ -7,6 +7,7 @@
 // until their subsystem is built.
 #include <cstring>
 
+#include "core/core_block.h"
 #include "core/guard.h"
 #include "core/subsystems.h"
 #include "core/text.h"
@@ -44,7 +45,7 @@ int qqresetcount() noexcept {
 }
 
 void reset(const char *cname) noexcept {
-    glbblk *b = KX_ENTRY("reset");
+    CoreBlock *b = KX_ENTRY("reset");
     if (!b) return;
     // Four characters, upper case, compared as they stand: "all" is ALL.
     char key[5];

@@ -1,15 +1,17 @@
 // Helpers of the session shared with the drivers and the other subsystems.
 #pragma once
 
+#include "core/core_block.h"
+
 #include <cstdio>
 
-struct glbblk;
+struct CoreBlock;
 
 // The name rule: 0 when the file may be written (name may have changed to
 // a new version), else a warning number whose text stands in wrntxt.  In
 // DELE mode an existing file stays: it is only tested that it can be
 // replaced (not a directory, in a directory that may be written).
-int qqvers(glbblk *b, char *name) noexcept;
+int qqvers(CoreBlock *b, char *name) noexcept;
 
 // Every file of the library is written under a temporary name beside its
 // final one (".<name>.<pid>.<n>.part" in the same directory) and takes the
@@ -26,40 +28,34 @@ struct QQOutFile {
 // Applies the name rule to f->name and opens the temporary file, both
 // under the library lock.  0, or the warning number after it is reported
 // (the name rule's, or 36).
-int qqoutopen(glbblk *b, QQOutFile *f, const char *mode) noexcept;
+int qqoutopen(CoreBlock *b, QQOutFile *f, const char *mode) noexcept;
 // Closes the stream.  keep 1: the file takes its final name (0, or -1
 // after warning 36 when it cannot); keep 0: the temporary file and a
 // reservation are removed, and an old file stays as it was.
-int qqoutclose(glbblk *b, QQOutFile *f, int keep) noexcept;
+int qqoutclose(CoreBlock *b, QQOutFile *f, int keep) noexcept;
 
 // Opens the plot file of the session as kolini does; 0 on success, else the
 // warning has been reported and level is 0.  Drivers that open their file
 // themselves call qqopenf for the name rule and the open under the lock.
-int qqopenplot(glbblk *b) noexcept;
-int qqopenf(glbblk *b, const char *mode) noexcept;
+int qqopenplot(CoreBlock *b) noexcept;
+int qqopenf(CoreBlock *b, const char *mode) noexcept;
 // Ends the plot file of the session (sess.fhnd, fname): with keep 1 it
 // takes its final name (kolfin; 0, or -1 after warning 36), with keep 0 it
 // is dropped (a failed session or a picture that was not written).  A
 // driver may have closed fhnd itself before.
-int qqplotclose(glbblk *b, int keep) noexcept;
+int qqplotclose(CoreBlock *b, int keep) noexcept;
 // Turns the Y of the interface round when the page origin is at the bottom.
-double qqyflp(glbblk *b, double y) noexcept;
-int qqyflpi(glbblk *b, int y) noexcept;
+double qqyflp(CoreBlock *b, double y) noexcept;
+int qqyflpi(CoreBlock *b, int y) noexcept;
 // A length in 1/100 cm in the current unit.
-int qqpxu(glbblk *b, double length) noexcept;
+int qqpxu(CoreBlock *b, double length) noexcept;
 // The installation directory, resolved into buf (257 bytes): kolenv's
 // directory, KOLVEX, kolvex_data beside the library, the build's default.
-void qqdatadir(glbblk *b, char *buf) noexcept;
-// The arguments with which symfil starts an outside driver for the
-// finished plot file (device and status words already checked): argv gets
-// at most 11 and a null; store (260 bytes) holds the colour file's
-// argument.  Returns their count.
-int qqsymargs(glbblk *b, const char *device, const char *status, char *store,
-              const char **argv) noexcept;
+void qqdatadir(CoreBlock *b, char *buf) noexcept;
 // The format of a file as filtyp gives it (-1 unreadable), and the pixel
 // size of the raster formats.
 int qqfiletype(const char *name, int *w, int *h) noexcept;
 // Fails a session that is being opened: level 0 and nothing left open.
-void qqkolfail(glbblk *b) noexcept;
+void qqkolfail(CoreBlock *b) noexcept;
 // The end-of-session banner, in its console form.
-int qqbanner(glbblk *b, int flag, char *out, int size) noexcept;
+int qqbanner(CoreBlock *b, int flag, char *out, int size) noexcept;

@@ -2,13 +2,13 @@
 // qqinit, what a block frees, and the failure path of kolini.
 #include <cstdlib>
 
-#include "core/glbblk.h"
+#include "core/core_block.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 
 namespace {
 
-void session_first(glbblk *b) {
+void session_first(CoreBlock *b) {
     SessionState &s = b->sess;
     s.scrmd = 4;
     s.bgprev = -1;
@@ -20,7 +20,7 @@ void session_first(glbblk *b) {
 }
 
 // The session's own share of qqinit: the window behaviour of the screen.
-void session_init(glbblk *b) {
+void session_init(CoreBlock *b) {
     SessionState &s = b->sess;
     s.wmode = 0;
     s.wkey = 0;
@@ -28,7 +28,7 @@ void session_init(glbblk *b) {
     s.bufsend = 0;
 }
 
-void session_release(glbblk *b) {
+void session_release(CoreBlock *b) {
     SessionState &s = b->sess;
     // A session that never reached kolfin leaves no file behind.
     qqplotclose(b, 0);
@@ -36,8 +36,12 @@ void session_release(glbblk *b) {
     s.lnbuf = nullptr;
 }
 
-void reset_window(glbblk *b) { b->sess.wplace = 0; }
-void reset_winmod(glbblk *b) { b->sess.wmode = 0; }
+void reset_window(CoreBlock *b) {
+    b->sess.wplace = 0;
+}
+void reset_winmod(CoreBlock *b) {
+    b->sess.wmode = 0;
+}
 
 const ResetEntry kResets[] = {
     {"WIND", reset_window}, {"WINM", reset_winmod}, {"WINS", reset_window}, {nullptr, nullptr},
@@ -48,11 +52,10 @@ const ResetEntry kResets[] = {
 extern const Subsystem kxsub_session = {"session", session_first, session_init, session_release,
                                         kResets, nullptr};
 
-void qqkolfail(glbblk *b) noexcept {
+void qqkolfail(CoreBlock *b) noexcept {
     SessionState &s = b->sess;
     qqplotclose(b, 0);
     std::free(s.lnbuf);
     s.lnbuf = nullptr;
     b->core.level = 0;
 }
-

@@ -1,3 +1,4 @@
+#include "core/core_block.h"
 #include "core/subsystems.h"
 
 #include <cstring>
@@ -9,6 +10,7 @@ namespace {
 // none of them by name.
 const Subsystem *const *g_subsystems = nullptr;
 int g_count = 0;
+std::size_t g_blocksize = sizeof(CoreBlock);
 
 struct Each {
     const Subsystem *const *begin() const { return g_subsystems; }
@@ -18,9 +20,14 @@ const Each kSubsystems;
 
 }  // namespace
 
-void qqsetsubsystems(const Subsystem *const *list, int n) noexcept {
+void qqsetsubsystems(const Subsystem *const *list, int n, std::size_t blocksize) noexcept {
     g_subsystems = list;
     g_count = list ? n : 0;
+    g_blocksize = blocksize > sizeof(CoreBlock) ? blocksize : sizeof(CoreBlock);
+}
+
+std::size_t qqblocksize() noexcept {
+    return g_blocksize;
 }
 
 const Subsystem *const *qqsubsystems(int *n) noexcept {
@@ -28,27 +35,27 @@ const Subsystem *const *qqsubsystems(int *n) noexcept {
     return g_subsystems;
 }
 
-void qqfirst(glbblk *b) noexcept {
+void qqfirst(CoreBlock *b) noexcept {
     for (const Subsystem *s : kSubsystems)
         if (s->first) s->first(b);
 }
 
-void qqinit(glbblk *b) noexcept {
+void qqinit(CoreBlock *b) noexcept {
     for (const Subsystem *s : kSubsystems)
         if (s->init) s->init(b);
 }
 
-void qqrelease(glbblk *b) noexcept {
+void qqrelease(CoreBlock *b) noexcept {
     for (const Subsystem *s : kSubsystems)
         if (s->release) s->release(b);
 }
 
-void qqend(glbblk *b) noexcept {
+void qqend(CoreBlock *b) noexcept {
     for (const Subsystem *s : kSubsystems)
         if (s->end) s->end(b);
 }
 
-int qqresetrow(glbblk *b, const char *name) noexcept {
+int qqresetrow(CoreBlock *b, const char *name) noexcept {
     int n = 0;
     for (const Subsystem *s : kSubsystems)
         for (const ResetEntry *r = s->resets; r && r->name; ++r)

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/glbblk.h"
-#include "core/guard.h"
+#include "core/core_block.h"
+#include "core/lock.h"
 #include "core/numfmt.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -90,7 +90,7 @@ struct Line {
     }
 };
 
-void emit(glbblk *b, Line &line) {
+void emit(CoreBlock *b, Line &line) {
     qqerrf(b);
     FILE *out = b->diag.errfp ? b->diag.errfp : stdout;
     if (!out) return;
@@ -98,15 +98,17 @@ void emit(glbblk *b, Line &line) {
     std::fflush(out);
 }
 
-bool printing(glbblk *b) { return b->diag.outu != 0 && b->diag.erron == 1; }
+bool printing(CoreBlock *b) {
+    return b->diag.outu != 0 && b->diag.erron == 1;
+}
 
-const char *text_of(glbblk *b, int n) {
+const char *text_of(CoreBlock *b, int n) {
     if (n >= 1 && n <= 58) return kWarnings[n];
     if (n > 100) return b->diag.wrntxt;
     return kWarnings[0];
 }
 
-void head(glbblk *b, Line &line, int n, const char *text) {
+void head(CoreBlock *b, Line &line, int n, const char *text) {
     line.add(" <<<< Warning ");
     line.add_int(n);
     line.add(": ");
@@ -120,7 +122,7 @@ void head(glbblk *b, Line &line, int n, const char *text) {
 
 const char *qqwartext(int n) noexcept { return (n >= 1 && n <= 58) ? kWarnings[n] : kWarnings[0]; }
 
-void qqwarn(glbblk *b, int n, int value) noexcept {
+void qqwarn(CoreBlock *b, int n, int value) noexcept {
     b->diag.nwarn++;
     if (!printing(b)) return;
     Line line;
@@ -131,11 +133,11 @@ void qqwarn(glbblk *b, int n, int value) noexcept {
     emit(b, line);
 }
 
-void qqwarnd(glbblk *b, int n, double value) noexcept {
+void qqwarnd(CoreBlock *b, int n, double value) noexcept {
     qqwarn(b, n, std::isfinite(value) ? qqnint(value) : 0);
 }
 
-void qqwarc(glbblk *b, int n, const char *text) noexcept {
+void qqwarc(CoreBlock *b, int n, const char *text) noexcept {
     b->diag.nwarn++;
     if (!printing(b)) return;
     Line line;
@@ -146,7 +148,7 @@ void qqwarc(glbblk *b, int n, const char *text) noexcept {
     emit(b, line);
 }
 
-void qqwar0(glbblk *b, int n) noexcept {
+void qqwar0(CoreBlock *b, int n) noexcept {
     b->diag.nwarn++;
     if (!printing(b)) return;
     Line line;
@@ -155,7 +157,7 @@ void qqwar0(glbblk *b, int n) noexcept {
     emit(b, line);
 }
 
-void qqwarm(glbblk *b, int n, const char *text) noexcept {
+void qqwarm(CoreBlock *b, int n, const char *text) noexcept {
     if (n < 0) {
         if (b->diag.outu == 0) return;
         Line line;
@@ -175,14 +177,16 @@ void qqwarm(glbblk *b, int n, const char *text) noexcept {
     emit(b, line);
 }
 
-void qqwtxt(glbblk *b, const char *text) noexcept { qqscpy(b->diag.wrntxt, text ? text : "", 80); }
+void qqwtxt(CoreBlock *b, const char *text) noexcept {
+    qqscpy(b->diag.wrntxt, text ? text : "", 80);
+}
 
-void qqwar1(glbblk *b, int n, const char *text) noexcept {
+void qqwar1(CoreBlock *b, int n, const char *text) noexcept {
     qqwtxt(b, text);
     qqwar0(b, n);
 }
 
-void qqerrf(glbblk *b) noexcept {
+void qqerrf(CoreBlock *b) noexcept {
     DiagState &d = b->diag;
     if (!(b->sess.wapp == 1 || d.errdv != 0)) return;
     if (d.erropn == 1) return;
@@ -207,7 +211,7 @@ void qqerrf(glbblk *b) noexcept {
     }
 }
 
-void qqerrc(glbblk *b) noexcept {
+void qqerrc(CoreBlock *b) noexcept {
     DiagState &d = b->diag;
     if (d.erropn && d.errhnd) std::fclose(d.errhnd);
     d.errhnd = nullptr;
@@ -226,12 +230,12 @@ bool outside(double v, const double lim[2]) {
 }
 
 // The axis limits of the moment, by the hook of the axis systems.
-int limits(const glbblk *b, double lim[6]) {
+int limits(const CoreBlock *b, double lim[6]) {
     const DiagState &d = b->diag;
     return d.chklimits ? d.chklimits(b, lim) : 0;
 }
 
-void report_out(glbblk *b, const double *v, int dims) {
+void report_out(CoreBlock *b, const double *v, int dims) {
     char text[96];
     int len = 0;
     text[len++] = '(';
@@ -248,14 +252,14 @@ void report_out(glbblk *b, const double *v, int dims) {
 
 // Points out of the scaling are counted whenever they are checked; the line
 // about each one is a warning to the user and keeps quiet with the warnings.
-void out_point(glbblk *b, const double *v, int dims) {
+void out_point(CoreBlock *b, const double *v, int dims) {
     b->diag.nout++;
     if (printing(b)) report_out(b, v, dims);
 }
 
 }  // namespace
 
-void qqchkd(glbblk *b, const double *x, const double *y, int n) noexcept {
+void qqchkd(CoreBlock *b, const double *x, const double *y, int n) noexcept {
     DiagState &d = b->diag;
     if (d.nanon == 1)
         for (int i = 0; i < n; ++i)
@@ -274,7 +278,7 @@ void qqchkd(glbblk *b, const double *x, const double *y, int n) noexcept {
     }
 }
 
-void qqchk3(glbblk *b, const double *x, const double *y, const double *z, int n) noexcept {
+void qqchk3(CoreBlock *b, const double *x, const double *y, const double *z, int n) noexcept {
     DiagState &d = b->diag;
     if (d.nanon == 1)
         for (int i = 0; i < n; ++i)

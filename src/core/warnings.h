@@ -16,26 +16,28 @@
 // text for numbers above 100.
 #pragma once
 
-struct glbblk;
+#include "core/core_block.h"
 
-void qqwarn(glbblk *b, int n, int value) noexcept;
+struct CoreBlock;
+
+void qqwarn(CoreBlock *b, int n, int value) noexcept;
 // qqwarn for a refused double: the value shows as its nearest integer, a
 // NaN or an infinity as 0.
-void qqwarnd(glbblk *b, int n, double value) noexcept;
-void qqwarc(glbblk *b, int n, const char *text) noexcept;
-void qqwar0(glbblk *b, int n) noexcept;
-void qqwarm(glbblk *b, int n, const char *text) noexcept;
-void qqwtxt(glbblk *b, const char *text) noexcept;
+void qqwarnd(CoreBlock *b, int n, double value) noexcept;
+void qqwarc(CoreBlock *b, int n, const char *text) noexcept;
+void qqwar0(CoreBlock *b, int n) noexcept;
+void qqwarm(CoreBlock *b, int n, const char *text) noexcept;
+void qqwtxt(CoreBlock *b, const char *text) noexcept;
 // A warning above 100 whose text the caller gives: qqwtxt then qqwar0.
-void qqwar1(glbblk *b, int n, const char *text) noexcept;
+void qqwar1(CoreBlock *b, int n, const char *text) noexcept;
 // Opens the error file when warnings must go to one.
-void qqerrf(glbblk *b) noexcept;
+void qqerrf(CoreBlock *b) noexcept;
 // Closes the error file and sends warnings to the console again.
-void qqerrc(glbblk *b) noexcept;
+void qqerrc(CoreBlock *b) noexcept;
 // The table's text of warning n (1 to 58; anything else one blank).
 const char *qqwartext(int n) noexcept;
 
 // Checks user coordinates against the axis limits: NaN values are counted
 // with nancrv on, points out of range are counted and reported.
-void qqchkd(glbblk *b, const double *x, const double *y, int n) noexcept;
-void qqchk3(glbblk *b, const double *x, const double *y, const double *z, int n) noexcept;
+void qqchkd(CoreBlock *b, const double *x, const double *y, int n) noexcept;
+void qqchk3(CoreBlock *b, const double *x, const double *y, const double *z, int n) noexcept;

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
-#include "core/session.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/stroke.h"
 #include "kolvex.h"
 
@@ -28,7 +27,7 @@ int outcode(const DeviceState &d, double x, double y) {
     return c;
 }
 
-void seg_rect(glbblk *b, double x0, double y0, double x1, double y1) {
+void seg_rect(DeviceBlock *b, double x0, double y0, double x1, double y1) {
     const DeviceState &d = b->dev;
     int c0 = outcode(d, x0, y0), c1 = outcode(d, x1, y1);
     // On a map of the cylindrical kind a segment from one side of the map
@@ -64,7 +63,7 @@ void seg_rect(glbblk *b, double x0, double y0, double x1, double y1) {
 
 double dist(const DeviceState &d, double x, double y) { return std::hypot(x - d.ccx, y - d.ccy); }
 
-void seg_circle(glbblk *b, double x0, double y0, double x1, double y1) {
+void seg_circle(DeviceBlock *b, double x0, double y0, double x1, double y1) {
     const DeviceState &d = b->dev;
     double r = d.ccr;
     bool in0 = dist(d, x0, y0) <= r, in1 = dist(d, x1, y1) <= r;
@@ -116,13 +115,13 @@ void seg_circle(glbblk *b, double x0, double y0, double x1, double y1) {
 
 }  // namespace
 
-int qqin(glbblk *b, double x, double y) noexcept {
+int qqin(DeviceBlock *b, double x, double y) noexcept {
     const DeviceState &d = b->dev;
     if (d.clpcir == 1) return dist(d, x, y) > d.ccr ? 1 : 0;
     return outcode(d, x, y) ? 1 : 0;
 }
 
-bool qqallin(glbblk *b, const double *x, const double *y, int n) noexcept {
+bool qqallin(DeviceBlock *b, const double *x, const double *y, int n) noexcept {
     const DeviceState &d = b->dev;
     if (d.clpcir == 1) return false;
     const double lx = d.clpx1 - kTol, hx = d.clpx2 + kTol, ly = d.clpy1 - kTol, hy = d.clpy2 + kTol;
@@ -133,14 +132,14 @@ bool qqallin(glbblk *b, const double *x, const double *y, int n) noexcept {
     return in;
 }
 
-void qqout(glbblk *b, double x0, double y0, double x1, double y1, bool move) noexcept {
+void qqout(DeviceBlock *b, double x0, double y0, double x1, double y1, bool move) noexcept {
     if (move) qqplot(b, x0, y0, QQ_MOVE);
     DeviceState &d = b->dev;
     if (d.segtest && d.segtest(b, x0, y0, x1, y1)) return;
     qqplot(b, x1, y1, QQ_DRAW);
 }
 
-void qqseg(glbblk *b, double x0, double y0, double x1, double y1) noexcept {
+void qqseg(DeviceBlock *b, double x0, double y0, double x1, double y1) noexcept {
     if (!(std::isfinite(x0) && std::isfinite(y0) && std::isfinite(x1) && std::isfinite(y1))) return;
     if (b->dev.clpcir == 1)
         seg_circle(b, x0, y0, x1, y1);
@@ -166,7 +165,7 @@ void pen_draw(ClipPen &p, double x, double y) noexcept {
     p.in = in;
 }
 
-void qqclipdev(glbblk *b, int narrowing) noexcept {
+void qqclipdev(DeviceBlock *b, int narrowing) noexcept {
     const DeviceState &d = b->dev;
     const DriverOps *drv = d.drv;
     if (!drv || !drv->clip) return;
@@ -174,7 +173,7 @@ void qqclipdev(glbblk *b, int narrowing) noexcept {
     drv->clip(b, d.clpx1, d.clpy1, d.clpx2, d.clpy2, whole && !narrowing ? 1 : 0);
 }
 
-void qqclip(glbblk *b, int back) noexcept {
+void qqclip(DeviceBlock *b, int back) noexcept {
     DeviceState &d = b->dev;
     qqflsh(b);
     if (back) {
@@ -208,7 +207,7 @@ void qqclip(glbblk *b, int back) noexcept {
     qqclipdev(b, 1);
 }
 
-void qqaxclip(glbblk *b, const int rect[4], const double circ[3], int round) noexcept {
+void qqaxclip(DeviceBlock *b, const int rect[4], const double circ[3], int round) noexcept {
     DeviceState &d = b->dev;
     for (int i = 0; i < 4; ++i) d.axclp[i] = rect[i];
     d.axccx = circ[0];
@@ -217,7 +216,7 @@ void qqaxclip(glbblk *b, const int rect[4], const double circ[3], int round) noe
     d.axround = (unsigned char)(round == 1 || round == 2 ? round : 0);
 }
 
-void qqmapclip(glbblk *b, int jump, int nochord, int softfill) noexcept {
+void qqmapclip(DeviceBlock *b, int jump, int nochord, int softfill) noexcept {
     DeviceState &d = b->dev;
     qqflsh(b);  // what is pending was clipped under the old rules
     d.clpjump = jump ? 1 : 0;
@@ -226,7 +225,7 @@ void qqmapclip(glbblk *b, int jump, int nochord, int softfill) noexcept {
 }
 
 void clpwin(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("clpwin");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("clpwin"));
     if (!b) return;
     // A corner off the page or an empty size is reported, and the window
     // is still tested against the page and set.
@@ -251,7 +250,7 @@ void clpwin(int nx, int ny, int nw, int nh) noexcept {
     qqclipdev(b, 0);
 }
 
-void qqclippage(glbblk *b) noexcept {
+void qqclippage(DeviceBlock *b) noexcept {
     DeviceState &d = b->dev;
     qqflsh(b);
     d.clpflg = 0;
@@ -263,7 +262,7 @@ void qqclippage(glbblk *b) noexcept {
 }
 
 void clpbor(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("clpbor");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("clpbor"));
     if (!b) return;
     int k = qqkey(b, "PAGE+AXIS", 2, copt);
     DeviceState &d = b->dev;
@@ -278,14 +277,14 @@ void clpbor(const char *copt) noexcept {
 }
 
 void clpmod(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("clpmod");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("clpmod"));
     if (!b) return;
     int k = qqkey(b, "AUTO+NONE+CIRC+RECT", 4, copt);
     if (k > 0) b->dev.clpmd = (unsigned char)(k - 1);
 }
 
 void noclip() noexcept {
-    glbblk *b = KX_ENTRY("noclip");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("noclip"));
     if (!b) return;
     DeviceState &d = b->dev;
     d.clpmd = 1;
@@ -298,7 +297,7 @@ void noclip() noexcept {
 }
 
 void getclp(int *nx, int *ny, int *nw, int *nh) noexcept {
-    glbblk *b = KX_ENTRY("getclp");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("getclp"));
     if (!b) return;
     const DeviceState &d = b->dev;
     *nx = d.clpx1;

@@ -1,13 +1,13 @@
 // qqsetc: the current colour on its way to the driver.
-#include "core/glbblk.h"
-#include "core/session.h"
 #include "colour/colour.h"
+#include "core/session.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
-void qqsetc(glbblk *b, int value) noexcept {
+void qqsetc(DeviceBlock *b, int value) noexcept {
     DeviceState &d = b->dev;
     if (!d.inflsh) qqflsh(b);
-    d.curclr = value;
+    b->clr.curclr = value;
     const DriverOps *drv = d.drv;
     if (!drv || !drv->colour) return;
     int r, g, bl, index;

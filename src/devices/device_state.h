@@ -2,7 +2,7 @@
 // clip window, the line style and the driver of the session.
 #pragma once
 
-struct glbblk;
+struct DeviceBlock;
 struct DriverOps;
 struct QQHwChar;
 
@@ -44,7 +44,6 @@ struct DeviceState {
     int dsidx;                 // current element, from 1
     int clridx, clrn;          // colour pattern of linclr: index from 1, count
     int clrtab[10];
-    int curclr;                // current colour value
     int pl3on;                 // a 3-D plane of grfini is the drawing surface
     int trfon;                 // the user transformation is on
     double trf[6];             // a, b, c for X and d, e, f for Y
@@ -56,16 +55,16 @@ struct DeviceState {
     unsigned char fclrnone;    // filclr NONE: included colours are ignored
     // Hooks of later stages: a position mapped into the 3-D plane, and a
     // segment test of hidden lines or shields.  Null when not in use.
-    void (*planemap)(glbblk *b, double *x, double *y);
-    int (*segtest)(glbblk *b, double x0, double y0, double x1, double y1);
+    void (*planemap)(DeviceBlock *b, double *x, double *y);
+    int (*segtest)(DeviceBlock *b, double x0, double y0, double x1, double y1);
     // Strokes a hardware character that the driver refused (the text
     // subsystem sets it at kolini); null draws nothing.
-    void (*strokechar)(glbblk *b, const QQHwChar *c);
+    void (*strokechar)(DeviceBlock *b, const QQHwChar *c);
     // The polygon fill of the plots with the current pattern (qqfillpoly),
     // set when a block is made: the layer hands fills upward through it.
-    void (*fillfn)(glbblk *b, double *x, double *y, int n);
+    void (*fillfn)(DeviceBlock *b, double *x, double *y, int n);
     // The hatching of several polygons together (qqhatchpolys).
-    int (*hatchfn)(glbblk *b, const double *const *x, const double *const *y, const int *n,
-                   int npoly, double d, int maxcross, void (*move)(glbblk *, double, double),
-                   void (*draw)(glbblk *, double, double));
+    int (*hatchfn)(DeviceBlock *b, const double *const *x, const double *const *y, const int *n,
+                   int npoly, double d, int maxcross, void (*move)(DeviceBlock *, double, double),
+                   void (*draw)(DeviceBlock *, double, double));
 };

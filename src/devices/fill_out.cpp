@@ -6,15 +6,15 @@
 // position gets.
 #include <cstdlib>
 
-#include "core/glbblk.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 namespace {
 
 // The current colour comes back after a line whose dashes had colours.
-void colour_back(glbblk *b, int colour) {
-    if (b->dev.curclr != colour) {
+void colour_back(DeviceBlock *b, int colour) {
+    if (b->clr.curclr != colour) {
         qqflsh(b);
         qqsetc(b, colour);
     }
@@ -22,33 +22,33 @@ void colour_back(glbblk *b, int colour) {
 
 }  // namespace
 
-void qqline(glbblk *b, double x1, double y1, double x2, double y2) noexcept {
-    int colour = b->dev.curclr;
+void qqline(DeviceBlock *b, double x1, double y1, double x2, double y2) noexcept {
+    int colour = b->clr.curclr;
     qqmove(b, x1, y1);
     qqdraw(b, x2, y2);
     colour_back(b, colour);
 }
 
-void qqpolyln(glbblk *b, const double *x, const double *y, int n) noexcept {
+void qqpolyln(DeviceBlock *b, const double *x, const double *y, int n) noexcept {
     if (n < 2) return;
-    int colour = b->dev.curclr;
+    int colour = b->clr.curclr;
     qqmove(b, x[0], y[0]);
     for (int i = 1; i < n; ++i) qqdraw(b, x[i], y[i]);
     qqdraw(b, x[0], y[0]);
     colour_back(b, colour);
 }
 
-void qqfillpoly(glbblk *b, double *x, double *y, int n) noexcept {
+void qqfillpoly(DeviceBlock *b, double *x, double *y, int n) noexcept {
     if (b->dev.fillfn) b->dev.fillfn(b, x, y, n);
 }
 
-int qqhatchpolys(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
-                 double d, int maxcross, void (*move)(glbblk *, double, double),
-                 void (*draw)(glbblk *, double, double)) noexcept {
+int qqhatchpolys(DeviceBlock *b, const double *const *x, const double *const *y, const int *n,
+                 int npoly, double d, int maxcross, void (*move)(DeviceBlock *, double, double),
+                 void (*draw)(DeviceBlock *, double, double)) noexcept {
     return b->dev.hatchfn ? b->dev.hatchfn(b, x, y, n, npoly, d, maxcross, move, draw) : 0;
 }
 
-int qqdevpoly(glbblk *b, const double *x, const double *y, int n) noexcept {
+int qqdevpoly(DeviceBlock *b, const double *x, const double *y, int n) noexcept {
     DeviceState &d = b->dev;
     const DriverOps *drv = d.drv;
     if (n < 2 || !drv || !drv->fill_polygon) return 0;
@@ -81,7 +81,7 @@ int qqdevpoly(glbblk *b, const double *x, const double *y, int n) noexcept {
     return done;
 }
 
-int qqdevsolid(glbblk *b, const double *x, const double *y, int n) noexcept {
+int qqdevsolid(DeviceBlock *b, const double *x, const double *y, int n) noexcept {
     const DeviceState &d = b->dev;
     // Segment tests (hidden lines, shields), the 3-D plane and the map
     // projections must see every point, which only hatch lines give them.

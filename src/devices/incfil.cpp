@@ -6,13 +6,13 @@
 #include <cstring>
 
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
 #include "core/session.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "kolvex.h"
 
 namespace {
@@ -49,7 +49,7 @@ bool read_field(const char *p, int *whole, double *value) {
 }
 
 // Draws the metafile; 0, or the warning it ended with (36 or 122).
-int include_metafile(glbblk *b, FILE *fp, const int box[4]) {
+int include_metafile(DeviceBlock *b, FILE *fp, const int box[4]) {
     char line[96];
     if (!std::fgets(line, sizeof line, fp)) return 36;
     char *end = line;
@@ -122,7 +122,7 @@ int include_metafile(glbblk *b, FILE *fp, const int box[4]) {
 }  // namespace
 
 void incfil(const char *cfil) noexcept {
-    glbblk *b = KX_ENTRY("incfil");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("incfil"));
     if (!b) return;
     const char *name = cfil ? cfil : "";
     int w, h;
@@ -160,7 +160,7 @@ void incfil(const char *cfil) noexcept {
 }
 
 void filbox(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("filbox");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("filbox"));
     if (!b) return;
     ny = qqyflpi(b, ny);
     if (nx < 0 || ny < 0) {
@@ -185,7 +185,7 @@ void filbox(int nx, int ny, int nw, int nh) noexcept {
 }
 
 void filclr(const char *cmode) noexcept {
-    glbblk *b = KX_ENTRY("filclr");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("filclr"));
     if (!b) return;
     int k = qqkey(b, "ALL +NONE", 2, cmode);
     if (k > 0) b->dev.fclrnone = (unsigned char)(k - 1);

@@ -10,18 +10,18 @@
 // "alpha"; newpag starts a new page of the document.
 #include <cmath>
 
+#include "colour/colour.h"
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/text.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/vector.h"
-#include "colour/colour.h"
 
 namespace {
 
 // A colour as Ipe reads it: three numbers 0 to 1, "0" and "1" plain,
 // others with three decimals.
-void colour_text(glbblk *b, int r, int g, int bl) {
+void colour_text(DeviceBlock *b, int r, int g, int bl) {
     int parts[3] = {r, g, bl};
     for (int i = 0; i < 3; ++i) {
         if (i > 0) qqvchr(b, ' ');
@@ -35,18 +35,18 @@ void colour_text(glbblk *b, int r, int g, int bl) {
     }
 }
 
-void current_colour(glbblk *b) {
+void current_colour(DeviceBlock *b) {
     colour_text(b, b->vec.r, b->vec.g, b->vec.bl);
 }
 
-void point(glbblk *b, double x, double y, const char *op) {
+void point(DeviceBlock *b, double x, double y, const char *op) {
     qqvnum(b, x, 1);
     qqvchr(b, ' ');
     qqvnum(b, y, 1);
     qqvput(b, op);
 }
 
-void write_poly(glbblk *b) {
+void write_poly(DeviceBlock *b) {
     VectorState &v = b->vec;
     if (v.npts < 2) return;
     qqvput(b, "<path layer=\"alpha\" stroke=\"");
@@ -59,16 +59,16 @@ void write_poly(glbblk *b) {
     qqvput(b, "</path>\n");
 }
 
-void end_path(glbblk *b) {
+void end_path(DeviceBlock *b) {
     qqvcollect(b, 0, 0, QQ_ENDPATH, write_poly);
 }
 
 // The thinnest pen: a quarter millimetre at unit scale.
-double thin_pen(glbblk *b) {
+double thin_pen(DeviceBlock *b) {
     return b->sess.devscl / b->core.unitf * 2.5;
 }
 
-int ipe_open(glbblk *b) {
+int ipe_open(DeviceBlock *b) {
     SessionState &s = b->sess;
     VectorState &v = b->vec;
     if (qqvalloc(b) != 0) return 1;
@@ -110,13 +110,13 @@ int ipe_open(glbblk *b) {
     return 0;
 }
 
-void ipe_line(glbblk *b, double x, double y, int op) {
+void ipe_line(DeviceBlock *b, double x, double y, int op) {
     double dx, dy;
     qqmapup(b, x, y, &dx, &dy);
     qqvcollect(b, dx, dy, op, write_poly);
 }
 
-void ipe_colour(glbblk *b, int, int r, int g, int bl, int) {
+void ipe_colour(DeviceBlock *b, int, int r, int g, int bl, int) {
     VectorState &v = b->vec;
     end_path(b);
     v.r = (unsigned char)r;
@@ -126,7 +126,7 @@ void ipe_colour(glbblk *b, int, int r, int g, int bl, int) {
 
 // The pen: never thinner than the thinnest line; linwid(1) and penwid(1)
 // keep the setting thin, so that nothing is emulated either way.
-int ipe_width(glbblk *b, double n, int fractional) {
+int ipe_width(DeviceBlock *b, double n, int fractional) {
     VectorState &v = b->vec;
     end_path(b);
     double s = b->sess.devscl, p = thin_pen(b);
@@ -146,7 +146,7 @@ int ipe_width(glbblk *b, double n, int fractional) {
     return 1;
 }
 
-int ipe_fill(glbblk *b, const double *x, const double *y, int n) {
+int ipe_fill(DeviceBlock *b, const double *x, const double *y, int n) {
     if (n < 1 || (b->dev.pl3on == 0 && !qqvinside(b, x, y, n))) return 0;
     end_path(b);
     qqvput(b, "<path layer=\"alpha\" fill=\"");
@@ -165,7 +165,7 @@ int ipe_fill(glbblk *b, const double *x, const double *y, int n) {
     return 1;
 }
 
-void ipe_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+void ipe_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     if (!qqvcutrect(b, &x1, &y1, &x2, &y2)) return;
     end_path(b);
     double ax, ay, bx, by;
@@ -185,7 +185,7 @@ void ipe_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
 }
 
 // The character as LaTeX reads it, with the closing tag.
-void label_text(glbblk *b, int code) {
+void label_text(DeviceBlock *b, int code) {
     int ch = qqvlatin(code);
     if (code > 186) {
         qqvput(b, " </text>\n");
@@ -234,7 +234,7 @@ void label_text(glbblk *b, int code) {
     }
 }
 
-int ipe_char(glbblk *b, const QQHwChar *c) {
+int ipe_char(DeviceBlock *b, const QQHwChar *c) {
     const VectorState &v = b->vec;
     end_path(b);
     double x, y, dx, dy;
@@ -266,12 +266,12 @@ int ipe_char(glbblk *b, const QQHwChar *c) {
     return 1;
 }
 
-void ipe_page(glbblk *b) {
+void ipe_page(DeviceBlock *b) {
     end_path(b);
     qqvput(b, "</page>\n<page>\n");
 }
 
-int ipe_close(glbblk *b) {
+int ipe_close(DeviceBlock *b) {
     end_path(b);
     qqvput(b, "</page>\n</ipe>\n");
     qqvfree(b);

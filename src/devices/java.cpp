@@ -10,11 +10,11 @@
 #include <cmath>
 #include <cstring>
 
-#include "core/family.h"
-#include "core/glbblk.h"
-#include "devices/device.h"
-#include "devices/vector.h"
 #include "colour/colour.h"
+#include "core/family.h"
+#include "devices/device.h"
+#include "devices/device_block.h"
+#include "devices/vector.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ int pixel(double v) {
     return (int)std::trunc(v);
 }
 
-void to_pixel(glbblk *b, double x, double y, int *px, int *py) {
+void to_pixel(DeviceBlock *b, double x, double y, int *px, int *py) {
     double dx, dy;
     qqmapdown(b, x, y, &dx, &dy);
     *px = pixel(dx);
@@ -93,7 +93,7 @@ bool class_name(const char *fname, char name[64]) {
     return exact;
 }
 
-void set_colour(glbblk *b, int r, int g, int bl) {
+void set_colour(DeviceBlock *b, int r, int g, int bl) {
     VectorState &v = b->vec;
     qqvput(b, "  g.setColor (new Color (");
     qqvint(b, r);
@@ -108,7 +108,7 @@ void set_colour(glbblk *b, int r, int g, int bl) {
 }
 
 // Four integers of a call, "(a,b,c,d);\n".
-void args(glbblk *b, int a, int c, int d, int e) {
+void args(DeviceBlock *b, int a, int c, int d, int e) {
     const int v[4] = {a, c, d, e};
     qqvchr(b, '(');
     for (int i = 0; i < 4; ++i) {
@@ -118,7 +118,7 @@ void args(glbblk *b, int a, int c, int d, int e) {
     qqvput(b, ");\n");
 }
 
-int java_open(glbblk *b) {
+int java_open(DeviceBlock *b) {
     SessionState &s = b->sess;
     VectorState &v = b->vec;
     int w = s.wsiz[0], h = s.wsiz[1];
@@ -145,7 +145,7 @@ int java_open(glbblk *b) {
     return 0;
 }
 
-void java_line(glbblk *b, double x, double y, int op) {
+void java_line(DeviceBlock *b, double x, double y, int op) {
     if (op != QQ_DRAW && op != QQ_MOVE) return;
     VectorState &v = b->vec;
     int px, py;
@@ -158,13 +158,13 @@ void java_line(glbblk *b, double x, double y, int op) {
     v.jy = py;
 }
 
-void java_colour(glbblk *b, int, int r, int g, int bl, int) {
+void java_colour(DeviceBlock *b, int, int r, int g, int bl, int) {
     set_colour(b, r, g, bl);
 }
 
 // The rectangle is filled in its own colour; the lines after it keep the
 // current one.
-void java_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+void java_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     if (!qqvcutrect(b, &x1, &y1, &x2, &y2)) return;
     int ax, ay, bx, by;
     if (b->sess.pagrot == 1) {
@@ -183,12 +183,12 @@ void java_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
     if (r != r0 || g != g0 || bl != b0) set_colour(b, r0, g0, b0);
 }
 
-void java_clear(glbblk *b) {
+void java_clear(DeviceBlock *b) {
     qqvput(b, "  g.clearRect ");
     args(b, 0, 0, b->sess.wsiz[0], b->sess.wsiz[1]);
 }
 
-int java_close(glbblk *b) {
+int java_close(DeviceBlock *b) {
     qqvput(b, "  }\n}\n");
     return 1;
 }

@@ -3,15 +3,28 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/glbblk.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/registry.h"
 
 namespace {
 
-void send_table(glbblk *b) {
+// The current colour on its way to the driver, and the buffered lines
+// that must reach the driver before the canvas changes under them.
+void set_colour(ColourBlock *b, int value) {
+    qqsetc(qqdevblk(b), value);
+}
+void flush_lines(RasterBlock *b) {
+    qqflsh(qqdevblk(b));
+}
+void canvas_pen(RasterBlock *b) {
+    qqcnvpen(qqdevblk(b));
+}
+
+void send_table(ColourBlock *cb) {
+    DeviceBlock *b = qqdevblk(cb);
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->colour_table) {
         qqflsh(b);
@@ -19,12 +32,14 @@ void send_table(glbblk *b) {
     }
 }
 
-void embed_image(glbblk *b) {
+void embed_image(RasterBlock *rb) {
+    DeviceBlock *b = qqdevblk(rb);
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->image) drv->image(b);
 }
 
-void devices_first(glbblk *b) {
+void devices_first(CoreBlock *blk) {
+    DeviceBlock *b = qqdevblk(blk);
     DeviceState &d = b->dev;
     d.lnwid = 1;
     d.hwlin = d.hwshd = 1;
@@ -32,13 +47,15 @@ void devices_first(glbblk *b) {
     int code;
     b->core.deffam = qqfamilykey("PLOG", &code);
     // What the colour model and the canvas need of the layer.
-    b->clr.setc = qqsetc;
+    b->clr.setc = set_colour;
     b->clr.table = send_table;
-    b->cnv.flush = qqflsh;
+    b->cnv.flush = flush_lines;
     b->cnv.embed = embed_image;
+    b->cnv.pen = canvas_pen;
 }
 
-void devices_init(glbblk *b) {
+void devices_init(CoreBlock *blk) {
+    DeviceBlock *b = qqdevblk(blk);
     DeviceState &d = b->dev;
     d.fboxset = 0;
     d.fclrnone = 0;
@@ -73,19 +90,23 @@ void devices_init(glbblk *b) {
     // The session starts with a thin line and the whole page as clip
     // window; the colour table's share then sets the foreground colour.
     d.lnwid = 1;
-    d.curclr = 0;
+    b->clr.curclr = 0;
     for (int k = 0; k < 30; ++k) d.lincycl[k] = k % 8;
     if (d.drv && d.drv->clip) d.drv->clip(b, 0, 0, b->core.nxp, b->core.nyp, 1);
 }
 
-void reset_origin(glbblk *b) {
+void reset_origin(CoreBlock *blk) {
+    DeviceBlock *b = qqdevblk(blk);
     qqflsh(b);
     b->dev.nxsh = b->dev.nysh = 0;
 }
 
-void reset_clip_window(glbblk *b) { qqclippage(b); }
+void reset_clip_window(CoreBlock *b) {
+    qqclippage(qqdevblk(b));
+}
 
-void reset_clip_mode(glbblk *b) {
+void reset_clip_mode(CoreBlock *blk) {
+    DeviceBlock *b = qqdevblk(blk);
     DeviceState &d = b->dev;
     d.clpmd = 0;
     if (d.clpflg == 2) {
@@ -107,7 +128,7 @@ const ResetEntry kResets[] = {
 extern const Subsystem kxsub_devices = {"devices", devices_first, devices_init, nullptr,
                                         kResets,   nullptr};
 
-void qqmapdown(glbblk *b, double x, double y, double *dx, double *dy) noexcept {
+void qqmapdown(DeviceBlock *b, double x, double y, double *dx, double *dy) noexcept {
     double s = b->sess.devscl;
     if (b->sess.pagrot == 1) {
         *dx = s * y;
@@ -118,7 +139,7 @@ void qqmapdown(glbblk *b, double x, double y, double *dx, double *dy) noexcept {
     }
 }
 
-void qqmapup(glbblk *b, double x, double y, double *dx, double *dy) noexcept {
+void qqmapup(DeviceBlock *b, double x, double y, double *dx, double *dy) noexcept {
     double s = b->sess.devscl;
     if (b->sess.pagrot == 1) {
         *dx = s * y;
@@ -129,7 +150,7 @@ void qqmapup(glbblk *b, double x, double y, double *dx, double *dy) noexcept {
     }
 }
 
-double qqfitscale(glbblk *b, int pw, int ph) noexcept {
+double qqfitscale(DeviceBlock *b, int pw, int ph) noexcept {
     double w = b->core.nxp, h = b->core.nyp;
     if (b->sess.pagrot == 1) std::swap(w, h);
     if (w < 1) w = 1;
@@ -143,7 +164,7 @@ double qqfitscale(glbblk *b, int pw, int ph) noexcept {
     return s;
 }
 
-void qqsendbuf(glbblk *b) noexcept {
+void qqsendbuf(DeviceBlock *b) noexcept {
     qqflsh(b);
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->update) drv->update(b);

@@ -6,13 +6,14 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "kolvex.h"
 
 namespace {
 
 // Gives the device its width, or its thinnest line when the layer must
 // emulate.  Returns the lnwid to store.
-int apply_width(glbblk *b, int n, double exact, int fractional) {
+int apply_width(DeviceBlock *b, int n, double exact, int fractional) {
     const DriverOps *drv = b->dev.drv;
     if (!drv || !drv->width) return n;
     if (b->dev.hwlin) {
@@ -25,7 +26,7 @@ int apply_width(glbblk *b, int n, double exact, int fractional) {
 }  // namespace
 
 void linwid(int nwidth) noexcept {
-    glbblk *b = KX_ENTRY("linwid");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("linwid"));
     if (!b) return;
     if (qqchki(b, nwidth, 1, 32000)) return;
     qqflsh(b);
@@ -34,7 +35,7 @@ void linwid(int nwidth) noexcept {
 }
 
 void penwid(double xwidth) noexcept {
-    glbblk *b = KX_ENTRY("penwid");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("penwid"));
     if (!b) return;
     if (!(xwidth > 0 && xwidth <= 32000)) {
         qqwarnd(b, 2, xwidth);
@@ -48,7 +49,7 @@ void penwid(double xwidth) noexcept {
 }
 
 namespace {
-void style_changed(glbblk *b) {
+void style_changed(DeviceBlock *b) {
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->linestyle) drv->linestyle(b);
     // A pen with the new style comes into use at the current width.
@@ -57,7 +58,7 @@ void style_changed(glbblk *b) {
 }  // namespace
 
 void lncap(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("lncap");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("lncap"));
     if (!b) return;
     int k = qqkey(b, "CUT +ROUN+LONG", 3, copt);
     if (k == 0) return;
@@ -67,7 +68,7 @@ void lncap(const char *copt) noexcept {
 }
 
 void lnjoin(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("lnjoin");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("lnjoin"));
     if (!b) return;
     int k = qqkey(b, "SHAR+ROUN+TRUN", 3, copt);
     if (k == 0) return;
@@ -77,7 +78,7 @@ void lnjoin(const char *copt) noexcept {
 }
 
 void lnmlt(double xfac) noexcept {
-    glbblk *b = KX_ENTRY("lnmlt");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("lnmlt"));
     if (!b) return;
     if (!(xfac >= 1.0) || !std::isfinite(xfac)) {
         qqwarnd(b, 2, xfac);
@@ -90,7 +91,7 @@ void lnmlt(double xfac) noexcept {
 }
 
 void hwmode(const char *cmode, const char *ckey) noexcept {
-    glbblk *b = KX_ENTRY("hwmode");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("hwmode"));
     if (!b) return;
     int what = qqkey(b, "LINE+SHAD", 2, ckey);
     if (what == 0) return;
@@ -111,7 +112,7 @@ void hwmode(const char *cmode, const char *ckey) noexcept {
 }
 
 void linmod(const char *cmode, const char *ckey) noexcept {
-    glbblk *b = KX_ENTRY("linmod");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("linmod"));
     if (!b) return;
     if (qqkey(b, "SMOO", 1, ckey) == 0) return;
     int k = qqkey(b, "OFF +ON  ", 2, cmode);
@@ -120,4 +121,10 @@ void linmod(const char *cmode, const char *ckey) noexcept {
     b->dev.lnsmooth = k - 1;
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->linestyle) drv->linestyle(b);
+}
+
+void lincyc(int index, int ityp) noexcept {
+    DeviceBlock *b = qqdevblk(KX_ENTRY("lincyc"));
+    if (!b || qqchki(b, index, 1, 30) || qqchki(b, ityp, 0, 7)) return;
+    b->dev.lincycl[index - 1] = ityp;
 }

@@ -20,20 +20,20 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "colour/colour.h"
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/pdf.h"
 #include "devices/pdf_doc.h"
 #include "devices/registry.h"
 #include "devices/vector.h"
 #include "kolvex.h"
-#include "colour/colour.h"
 
 namespace {
 
@@ -96,7 +96,7 @@ enum {
 
 const float kDot = 0.354f;  // half of the dash that shows a point
 
-PdfRecord *rec(glbblk *b) {
+PdfRecord *rec(DeviceBlock *b) {
     return b->pdf.rec;
 }
 
@@ -119,7 +119,7 @@ void before(PdfRecord *p, int code) {
 }
 
 // Plot position to points.
-void to_points(glbblk *b, double x, double y, double *px, double *py) {
+void to_points(DeviceBlock *b, double x, double y, double *px, double *py) {
     double s = b->sess.devscl;
     if (rec(b)->landscape) {
         *px = s * y;
@@ -242,7 +242,7 @@ void rect_fill(PdfRecord *p, double x, double y, double w, double h) {
 }
 
 // The black sheet of a dark background, over the whole page.
-void page_background(glbblk *b, PdfRecord *p) {
+void page_background(DeviceBlock *b, PdfRecord *p) {
     if (b->sess.bgmode == 2) return;
     const int black[3] = {0, 0, 0};
     write_fill(p, black);
@@ -369,7 +369,7 @@ std::atomic<unsigned> g_tmpcount{0};
 
 // The session's file, by the name rule, under a temporary name beside it.
 // With filmod DELE the old file stays until the new one is complete.
-int open_file(glbblk *b, PdfRecord *p) {
+int open_file(DeviceBlock *b, PdfRecord *p) {
     SessionState &s = b->sess;
     qqlock(0);
     int w = s.fmode == 1 ? 0 : qqvers(b, s.fname);
@@ -410,7 +410,7 @@ int open_file(glbblk *b, PdfRecord *p) {
 
 // Ends the file: renamed to its name when every byte was written, removed
 // otherwise.  Returns 1 when the file stands.
-int finish_file(glbblk *b, PdfRecord *p) {
+int finish_file(DeviceBlock *b, PdfRecord *p) {
     FILE *fp = p->sink.fp;
     p->sink.fp = nullptr;
     bool ok = fp && std::fflush(fp) == 0 && !std::ferror(fp) && !p->sink.ioerr;
@@ -428,7 +428,7 @@ int finish_file(glbblk *b, PdfRecord *p) {
     return 0;
 }
 
-void drop_record(glbblk *b) {
+void drop_record(DeviceBlock *b) {
     PdfRecord *p = b->pdf.rec;
     if (!p) return;
     if (p->sink.fp) {
@@ -442,7 +442,7 @@ void drop_record(glbblk *b) {
     b->pdf.rec = nullptr;
 }
 
-void drop_output(glbblk *b) {
+void drop_output(DeviceBlock *b) {
     std::free(b->pdf.out);
     b->pdf.out = nullptr;
     b->pdf.outlen = 0;
@@ -451,14 +451,15 @@ void drop_output(glbblk *b) {
 
 // A block that goes away, in the middle of a session or not, keeps nothing
 // and leaves no file under its final name.
-void pdf_release(glbblk *b) {
+void pdf_release(CoreBlock *blk) {
+    DeviceBlock *b = qqdevblk(blk);
     drop_record(b);
     drop_output(b);
 }
 
 // ---- driver operations ------------------------------------------------------------------
 
-int pdf_open(glbblk *b) {
+int pdf_open(DeviceBlock *b) {
     drop_record(b);
     drop_output(b);
     SessionState &s = b->sess;
@@ -523,7 +524,7 @@ int pdf_open(glbblk *b) {
     return 0;
 }
 
-void pdf_line(glbblk *b, double x, double y, int op) {
+void pdf_line(DeviceBlock *b, double x, double y, int op) {
     PdfRecord *p = rec(b);
     if (!p || op == QQ_ENDPATH) return;  // the path stays open for what follows
     double px, py;
@@ -535,7 +536,7 @@ void pdf_line(glbblk *b, double x, double y, int op) {
 }
 
 // n plot positions as one path: a move, then draws.
-void path_points(glbblk *b, PdfRecord *p, const double *x, const double *y, int n) {
+void path_points(DeviceBlock *b, PdfRecord *p, const double *x, const double *y, int n) {
     for (int i = 0; i < n; ++i) {
         double px, py;
         to_points(b, x[i], y[i], &px, &py);
@@ -546,11 +547,11 @@ void path_points(glbblk *b, PdfRecord *p, const double *x, const double *y, int 
     }
 }
 
-void pdf_polyline(glbblk *b, const double *x, const double *y, int n) {
+void pdf_polyline(DeviceBlock *b, const double *x, const double *y, int n) {
     if (PdfRecord *p = rec(b)) path_points(b, p, x, y, n);
 }
 
-void pdf_colour(glbblk *b, int, int r, int g, int bl, int) {
+void pdf_colour(DeviceBlock *b, int, int r, int g, int bl, int) {
     PdfRecord *p = rec(b);
     if (!p) return;
     before(p, 0);
@@ -561,7 +562,7 @@ void pdf_colour(glbblk *b, int, int r, int g, int bl, int) {
 
 // Width in points: five device units of the PostScript scale for the
 // thinnest line, else two per plot coordinate.
-int pdf_width(glbblk *b, double n, int fractional) {
+int pdf_width(DeviceBlock *b, double n, int fractional) {
     PdfRecord *p = rec(b);
     if (!p) return 0;
     double sclf = b->sess.sclf, w;
@@ -576,7 +577,7 @@ int pdf_width(glbblk *b, double n, int fractional) {
     return n > 0 ? 1 : 0;
 }
 
-void pdf_linestyle(glbblk *b) {
+void pdf_linestyle(DeviceBlock *b) {
     PdfRecord *p = rec(b);
     if (!p) return;
     const DeviceState &d = b->dev;
@@ -598,7 +599,7 @@ void pdf_linestyle(glbblk *b) {
     }
 }
 
-void pdf_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
+void pdf_clip(DeviceBlock *b, int x1, int y1, int x2, int y2, int reset) {
     PdfRecord *p = rec(b);
     if (!p) return;
     before(p, OP_CLIP);
@@ -617,7 +618,7 @@ void pdf_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
     clip_open(p);
 }
 
-int pdf_fill(glbblk *b, const double *x, const double *y, int n) {
+int pdf_fill(DeviceBlock *b, const double *x, const double *y, int n) {
     PdfRecord *p = rec(b);
     if (!p || n < 1) return 0;
     // A round clip region is the layer's: it hatches what crosses it.
@@ -630,7 +631,7 @@ int pdf_fill(glbblk *b, const double *x, const double *y, int n) {
     return 1;
 }
 
-void pdf_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+void pdf_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     PdfRecord *p = rec(b);
     if (!p) return;
     before(p, 0);
@@ -643,7 +644,7 @@ void pdf_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
     rect_fill(p, std::fmin(ax, bx), std::fmin(ay, by), std::fabs(bx - ax), std::fabs(by - ay));
 }
 
-void pdf_new_page(glbblk *b) {
+void pdf_new_page(DeviceBlock *b) {
     PdfRecord *p = rec(b);
     if (!p) return;
     before(p, OP_PAGE);
@@ -716,7 +717,7 @@ void image_object(PdfRecord *p, const qqcanvas &cv, int x0, int y0, int w, int h
 
 // The picture of image mode, from the canvas, as an RGB image object
 // placed on the page.
-void pdf_image(glbblk *b) {
+void pdf_image(DeviceBlock *b) {
     PdfRecord *p = rec(b);
     const qqcanvas &cv = b->cnv.cv;
     if (!p || !cv.pix || cv.cw < 1 || cv.ch < 1) return;
@@ -755,7 +756,7 @@ void pdf_image(glbblk *b) {
 
 // One character of a standard font: the text object holds font and size,
 // each character gets its matrix and its string.
-int pdf_char(glbblk *b, const QQHwChar *c) {
+int pdf_char(DeviceBlock *b, const QQHwChar *c) {
     PdfRecord *p = rec(b);
     if (!p) return 0;
     int f = c->font >= 0 && c->font < 35 ? c->font : 0;
@@ -840,7 +841,7 @@ int pdf_char(glbblk *b, const QQHwChar *c) {
     return 1;
 }
 
-int pdf_close(glbblk *b) {
+int pdf_close(DeviceBlock *b) {
     PdfRecord *p = rec(b);
     if (!p) return 0;
     before(p, OP_CLOSE);
@@ -867,7 +868,7 @@ int pdf_close(glbblk *b) {
 
 }  // namespace
 
-int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept {
+int qqpdfexport(DeviceBlock *b, FILE *fp, const qqcanvas *cv) noexcept {
     if (!fp || !cv || !cv->pix || cv->cw < 1 || cv->ch < 1) return -1;
     PdfRecord *p = static_cast<PdfRecord *>(std::calloc(1, sizeof(PdfRecord)));
     if (!p) return -2;
@@ -929,7 +930,9 @@ int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept {
 
 namespace {
 
-void pdf_first(glbblk *b) { b->pdf.comp = 1; }
+void pdf_first(CoreBlock *b) {
+    qqdevblk(b)->pdf.comp = 1;
+}
 
 }  // namespace
 
@@ -977,7 +980,7 @@ extern const DeviceFamily kxfam_pdf = {
 // ---- public routines --------------------------------------------------------------------
 
 void pdfmod(const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("pdfmod");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("pdfmod"));
     if (!b) return;
     int what = qqkey(b, "COMP+BUFF", 2, copt);
     if (what == 0) return;
@@ -987,7 +990,7 @@ void pdfmod(const char *cval, const char *copt) noexcept {
 }
 
 int pdfbuf(unsigned char *cbuf, int nmax) noexcept {
-    glbblk *b = KX_ENTRY("pdfbuf");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("pdfbuf"));
     if (!b) return 0;
     if (qqfamily(b->core.devcod) != &kxfam_pdf) {
         qqwar1(b, 127, "Output format is not PDF");

@@ -2,9 +2,11 @@
 // PDF file of its own.
 #pragma once
 
+#include "devices/device_block.h"
+
 #include <cstdio>
 
-struct glbblk;
+struct DeviceBlock;
 struct qqcanvas;
 
 // Writes the canvas (the rectangle of imgclp, as the picture files keep
@@ -12,4 +14,4 @@ struct qqcanvas;
 // page formats and turned when wider than high, to an open binary
 // stream, compressed as pdfmod says.  Format 9 of expimg.  The stream stays the
 // caller's.  Returns 0, -1 for a write error, -2 without memory.
-int qqpdfexport(glbblk *b, FILE *fp, const qqcanvas *cv) noexcept;
+int qqpdfexport(DeviceBlock *b, FILE *fp, const qqcanvas *cv) noexcept;

@@ -6,10 +6,10 @@
 #include <cstring>
 
 #include "core/filetime.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
+#include "devices/device_block.h"
 #include "devices/pdf_doc.h"
 #include "kolvex.h"
 
@@ -185,7 +185,7 @@ void pdfw_end(PdfRecord *p) noexcept {
 }
 
 void pdfmrk(const char *cstr, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("pdfmrk");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("pdfmrk"));
     if (!b) return;
     int k = qqkey(b, "CHAP+SECT+SUBS+PARA+SUBP", 5, copt);
     if (k == 0) return;

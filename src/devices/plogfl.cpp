@@ -9,19 +9,19 @@
 #include <cstdio>
 
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/numfmt.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 namespace {
 
-void field(glbblk *b, double v) {
+void field(DeviceBlock *b, double v) {
     char text[16];
     int n = qqfmtf(text, sizeof text, v, 10, 7);
     qqsbuf(b, text, n);
 }
 
-int plog_open(glbblk *b) {
+int plog_open(DeviceBlock *b) {
     const CoreState &c = b->core;
     SessionState &s = b->sess;
     int hi = std::max(c.nxp, c.nyp);
@@ -39,7 +39,7 @@ int plog_open(glbblk *b) {
     return 0;
 }
 
-void plog_line(glbblk *b, double x, double y, int op) {
+void plog_line(DeviceBlock *b, double x, double y, int op) {
     if (op != QQ_DRAW && op != QQ_MOVE) return;
     double dx, dy;
     qqmapup(b, x, y, &dx, &dy);
@@ -51,7 +51,7 @@ void plog_line(glbblk *b, double x, double y, int op) {
     }
 }
 
-void plog_colour(glbblk *b, int value, int r, int g, int bl, int index) {
+void plog_colour(DeviceBlock *b, int value, int r, int g, int bl, int index) {
     int c = index == 0 ? 256 : index;
     int q = c / 89, rest = c - 89 * q;
     if (rest == 0) {
@@ -62,7 +62,7 @@ void plog_colour(glbblk *b, int value, int r, int g, int bl, int index) {
     field(b, rest + 9.0);
 }
 
-int plog_close(glbblk *b) {
+int plog_close(DeviceBlock *b) {
     field(b, 9.0);
     b->dev.lastop = 0;
     return 1;

@@ -7,14 +7,14 @@
 // start with a move and join without a gap.
 #include <cmath>
 
-#include "core/glbblk.h"
 #include "core/text.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/stroke.h"
 
 namespace {
 
-void transform(glbblk *b, double &x, double &y) {
+void transform(DeviceBlock *b, double &x, double &y) {
     DeviceState &d = b->dev;
     if (d.pl3on == 1 && d.planemap) d.planemap(b, &x, &y);
     if (d.trfon == 1) {
@@ -26,7 +26,7 @@ void transform(glbblk *b, double &x, double &y) {
 }
 
 // Starts a new piece at an absolute position.
-void buf_move(glbblk *b, double x, double y) {
+void buf_move(DeviceBlock *b, double x, double y) {
     qqflsh(b);
     transform(b, x, y);
     DeviceState &d = b->dev;
@@ -37,7 +37,7 @@ void buf_move(glbblk *b, double x, double y) {
 
 // Appends a transformed position; a full buffer goes out and its last
 // point starts the next piece.
-void buf_append(glbblk *b, double x, double y) {
+void buf_append(DeviceBlock *b, double x, double y) {
     DeviceState &d = b->dev;
     if (d.npol == 0) {  // nothing pending: the line starts here
         d.polx[0] = x;
@@ -56,12 +56,12 @@ void buf_append(glbblk *b, double x, double y) {
     }
 }
 
-void buf_draw(glbblk *b, double x, double y) {
+void buf_draw(DeviceBlock *b, double x, double y) {
     transform(b, x, y);
     buf_append(b, x, y);
 }
 
-void pattern_colour(glbblk *b) {
+void pattern_colour(DeviceBlock *b) {
     DeviceState &d = b->dev;
     if (d.clrn >= 1) {
         int i = d.clridx >= 1 && d.clridx <= d.clrn ? d.clridx : 1;
@@ -143,7 +143,7 @@ bool visible_part(const DeviceState &d, double x0, double y0, double x1, double 
 
 // Whether the outlines of a wide piece of n points can reach the clip
 // region: a piece far outside draws none of its many passes.
-bool reaches_clip(glbblk *b, int n) {
+bool reaches_clip(DeviceBlock *b, int n) {
     const DeviceState &d = b->dev;
     double lx = d.polx[0], hx = lx, ly = d.poly[0], hy = ly;
     for (int i = 1; i < n; ++i) {
@@ -161,7 +161,7 @@ bool reaches_clip(glbblk *b, int n) {
 
 }  // namespace
 
-void qqdshres(glbblk *b) noexcept {
+void qqdshres(DeviceBlock *b) noexcept {
     DeviceState &d = b->dev;
     d.dsidx = 1;
     d.dspen = 0;
@@ -169,7 +169,7 @@ void qqdshres(glbblk *b) noexcept {
     d.dsrem = d.dshn > 1 ? d.dshl[0] : 0;
 }
 
-void qqmove(glbblk *b, double x, double y) noexcept {
+void qqmove(DeviceBlock *b, double x, double y) noexcept {
     DeviceState &d = b->dev;
     x += d.nxsh;
     y += d.nysh;
@@ -183,7 +183,7 @@ void qqmove(glbblk *b, double x, double y) noexcept {
     buf_move(b, x, y);
 }
 
-void qqdraw(glbblk *b, double x, double y) noexcept {
+void qqdraw(DeviceBlock *b, double x, double y) noexcept {
     DeviceState &d = b->dev;
     x += d.nxsh;
     y += d.nysh;
@@ -296,14 +296,14 @@ void qqdraw(glbblk *b, double x, double y) noexcept {
     d.cury = y;
 }
 
-void qqrmov(glbblk *b, double x, double y) noexcept {
+void qqrmov(DeviceBlock *b, double x, double y) noexcept {
     DeviceState &d = b->dev;
     d.curx = x;
     d.cury = y;
     buf_move(b, x, y);
 }
 
-void qqrdrw(glbblk *b, double x, double y) noexcept {
+void qqrdrw(DeviceBlock *b, double x, double y) noexcept {
     DeviceState &d = b->dev;
     d.curx = x;
     d.cury = y;
@@ -321,13 +321,13 @@ void qqrdrw(glbblk *b, double x, double y) noexcept {
     buf_append(b, x, y);
 }
 
-void qqplot(glbblk *b, double x, double y, int op) noexcept {
+void qqplot(DeviceBlock *b, double x, double y, int op) noexcept {
     if (op == QQ_DRAW) b->sess.nvec++;
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->line) drv->line(b, x, y, op);
 }
 
-void qqflsh(glbblk *b) noexcept {
+void qqflsh(DeviceBlock *b) noexcept {
     DeviceState &d = b->dev;
     if (d.npol == 0) return;
     d.inflsh = 1;

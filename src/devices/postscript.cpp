@@ -25,9 +25,9 @@
 #include <stdio_ext.h>
 #include <unistd.h>
 
+#include "colour/colour.h"
 #include "core/family.h"
 #include "core/filetime.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
@@ -35,10 +35,10 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/postscript.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
-#include "colour/colour.h"
 
 namespace {
 
@@ -136,23 +136,29 @@ const char *const kProlog[] = {
 // them too.
 enum { POST = 501, PSCL, EPS, PS };
 
-bool is_eps(const glbblk *b) { return b->core.devcod == EPS; }
+bool is_eps(const DeviceBlock *b) {
+    return b->core.devcod == EPS;
+}
 
 // ---- writers ------------------------------------------------------------
 
 // The file head goes straight to the file.
-void head(glbblk *b, const char *text) {
+void head(DeviceBlock *b, const char *text) {
     if (b->sess.fhnd) std::fputs(text, b->sess.fhnd);
 }
 
-void word(glbblk *b, const char *text) { qqlbuf(b, text, (int)std::strlen(text)); }
+void word(DeviceBlock *b, const char *text) {
+    qqlbuf(b, text, (int)std::strlen(text));
+}
 
-void newline(glbblk *b) { qqlbuf(b, nullptr, -1); }
+void newline(DeviceBlock *b) {
+    qqlbuf(b, nullptr, -1);
+}
 
 // One word that ends in its blank and holds no other: what qqlbuf does
 // with it, without the search for blanks.  The path writer's hot spot.
 // The line buffer holds lnlen + 2 bytes.
-inline char *room(glbblk *b, int len) {
+inline char *room(DeviceBlock *b, int len) {
     SessionState &s = b->sess;
     if (!s.lnbuf) return nullptr;
     if (s.lnpos + len > s.lnlen && s.lnpos > 0) qqlbuf(b, nullptr, -1);
@@ -163,7 +169,7 @@ inline char *room(glbblk *b, int len) {
 
 // A word given as a literal, of a length known here.
 template <int N>
-inline void put(glbblk *b, const char (&w)[N]) {
+inline void put(DeviceBlock *b, const char (&w)[N]) {
     if (char *d = room(b, N - 1)) std::memcpy(d, w, N - 1);
 }
 
@@ -218,7 +224,7 @@ inline char *int_before(char *e, long long v) {
 }
 
 // An integer and the blank behind it, as one word.
-inline void inum(glbblk *b, long long v) {
+inline void inum(DeviceBlock *b, long long v) {
     char t[24];
     char *q = int_before(t + sizeof t, v);
     int len = (int)(t + sizeof t - q);
@@ -240,7 +246,7 @@ inline int int_length(long long v) {
 // three fit in the line they are formatted straight into it; otherwise
 // word by word, so that the line breaks fall exactly where single words
 // put them.
-inline void point(glbblk *b, long long x, long long y, char op) {
+inline void point(DeviceBlock *b, long long x, long long y, char op) {
     SessionState &s = b->sess;
     if (x >= 0 && x < 10000 && y >= 0 && y < 10000) {
         // The usual point of a page: each number is one four-byte copy from
@@ -280,7 +286,7 @@ inline void point(glbblk *b, long long x, long long y, char op) {
 
 // A decimal number with prec decimals and the blank behind it, whatever
 // the locale.
-void fnum(glbblk *b, double v, int prec) {
+void fnum(DeviceBlock *b, double v, int prec) {
     char t[48];
     int n = qqfmtf(t, (int)sizeof t - 1, v, 1, prec);
     t[n++] = ' ';
@@ -299,7 +305,7 @@ int dev_int(double v) { return trunc_int(v + 0.5); }
 
 // Plot position to device units: portrait paper (sX, s(nyp - Y)), or on
 // a landscape plot (sY, sX).
-void map(glbblk *b, double x, double y, double *dx, double *dy) {
+void map(DeviceBlock *b, double x, double y, double *dx, double *dy) {
     double s = b->sess.devscl;
     if (b->ps.land) {
         *dx = s * y;
@@ -310,7 +316,7 @@ void map(glbblk *b, double x, double y, double *dx, double *dy) {
     }
 }
 
-void map_int(glbblk *b, double x, double y, int *ix, int *iy) {
+void map_int(DeviceBlock *b, double x, double y, int *ix, int *iy) {
     double dx, dy;
     map(b, x, y, &dx, &dy);
     *ix = dev_int(dx);
@@ -333,7 +339,7 @@ void creation_time(std::tm *t) {
 
 // ---- paths --------------------------------------------------------------
 
-void write_path(glbblk *b) {
+void write_path(DeviceBlock *b) {
     PsState &p = b->ps;
     int n = p.npath;
     if (n == 0 || !p.pathx) return;
@@ -344,7 +350,7 @@ void write_path(glbblk *b) {
 }
 
 // Codes 2 draw, 3 move, 9 end path, 999 close; positions in device units.
-void path_op(glbblk *b, int x, int y, int op) {
+void path_op(DeviceBlock *b, int x, int y, int op) {
     PsState &p = b->ps;
     if (!p.pathx) return;
     if (op == QQ_DRAW) {
@@ -378,9 +384,11 @@ void path_op(glbblk *b, int x, int y, int op) {
     }
 }
 
-void end_path(glbblk *b) { path_op(b, 0, 0, QQ_ENDPATH); }
+void end_path(DeviceBlock *b) {
+    path_op(b, 0, 0, QQ_ENDPATH);
+}
 
-void free_path(glbblk *b) {
+void free_path(DeviceBlock *b) {
     std::free(b->ps.pathx);
     b->ps.pathx = b->ps.pathy = nullptr;
     b->ps.npath = 0;
@@ -388,7 +396,7 @@ void free_path(glbblk *b) {
 
 // ---- state written into the page ------------------------------------------
 
-void write_colour(glbblk *b) {
+void write_colour(DeviceBlock *b) {
     inum(b, b->ps.r);
     inum(b, b->ps.g);
     inum(b, b->ps.bl);
@@ -398,7 +406,7 @@ void write_colour(glbblk *b) {
 // The miter limit goes out in device units like a width.  PostScript
 // refuses a limit below 1, which a thin line with a small factor would
 // give; 8 units (1.13) is the least that it takes.
-void write_miter(glbblk *b) {
+void write_miter(DeviceBlock *b) {
     DeviceState &d = b->dev;
     int w = std::abs(d.lnwid);
     long long v = std::llround((2 * w > 5 ? 2.0 * w : 5.0) * d.lnml);
@@ -411,7 +419,7 @@ void write_miter(glbblk *b) {
 
 // Rectangle with corners in plot coordinates and a colour value; cut to
 // the clip window, a zero extent widened to 4 units.
-void rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+void rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     DeviceState &d = b->dev;
     if (x1 > x2) std::swap(x1, x2);
     if (y1 > y2) std::swap(y1, y2);
@@ -445,7 +453,7 @@ void rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
 
 // ---- operations -------------------------------------------------------------
 
-int ps_open(glbblk *b) {
+int ps_open(DeviceBlock *b) {
     SessionState &s = b->sess;
     CoreState &c = b->core;
     PsState &p = b->ps;
@@ -554,13 +562,13 @@ int ps_open(glbblk *b) {
     return 0;
 }
 
-void ps_line(glbblk *b, double x, double y, int op) {
+void ps_line(DeviceBlock *b, double x, double y, int op) {
     double dx, dy;
     map(b, x, y, &dx, &dy);
     path_op(b, dev_int(dx), dev_int(dy), op);
 }
 
-void ps_polyline(glbblk *b, const double *x, const double *y, int n) {
+void ps_polyline(DeviceBlock *b, const double *x, const double *y, int n) {
     for (int i = 0; i < n; ++i) {
         double dx, dy;
         map(b, x[i], y[i], &dx, &dy);
@@ -568,7 +576,7 @@ void ps_polyline(glbblk *b, const double *x, const double *y, int n) {
     }
 }
 
-void ps_colour(glbblk *b, int, int r, int g, int bl, int) {
+void ps_colour(DeviceBlock *b, int, int r, int g, int bl, int) {
     end_path(b);
     b->ps.r = (unsigned char)r;
     b->ps.g = (unsigned char)g;
@@ -578,7 +586,7 @@ void ps_colour(glbblk *b, int, int r, int g, int bl, int) {
 
 // linwid: max(5, 2n); penwid: 5x below 0.99, else max(5, 2x); both times
 // sclf.  n = 0 is the thinnest line, 5 units.
-int ps_width(glbblk *b, double n, int fractional) {
+int ps_width(DeviceBlock *b, double n, int fractional) {
     end_path(b);
     double v = 5.0;
     if (n > 0) {
@@ -597,7 +605,7 @@ int ps_width(glbblk *b, double n, int fractional) {
 }
 
 // Caps, joins and the miter limit: what changed goes out.
-void ps_linestyle(glbblk *b) {
+void ps_linestyle(DeviceBlock *b) {
     DeviceState &d = b->dev;
     PsState &p = b->ps;
     end_path(b);
@@ -615,7 +623,7 @@ void ps_linestyle(glbblk *b) {
     if (d.lnml != p.miter || (joined && d.lnjn == 0)) write_miter(b);
 }
 
-void ps_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
+void ps_clip(DeviceBlock *b, int x1, int y1, int x2, int y2, int reset) {
     // The page is the clip region of a new page: a reset before any
     // clipping has nothing to undo.
     if (reset && !b->ps.clipped) return;
@@ -640,7 +648,7 @@ void ps_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
 // Filled in the current colour by the even-odd rule.  The pending path
 // stays pending: it has points of its own in the buffer.  A circular clip
 // region is the layer's: it hatches with clipped lines.
-int ps_fill(glbblk *b, const double *x, const double *y, int n) {
+int ps_fill(DeviceBlock *b, const double *x, const double *y, int n) {
     if (n < 1 || !b->dev.hwshd || b->dev.clpcir) return 0;
     int x0, y0;
     map_int(b, x[0], y[0], &x0, &y0);
@@ -661,9 +669,11 @@ int ps_fill(glbblk *b, const double *x, const double *y, int n) {
     return 1;
 }
 
-void ps_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) { rect(b, x1, y1, x2, y2, colour); }
+void ps_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
+    rect(b, x1, y1, x2, y2, colour);
+}
 
-void ps_new_page(glbblk *b) {
+void ps_new_page(DeviceBlock *b) {
     if (is_eps(b)) return;
     DeviceState &d = b->dev;
     end_path(b);
@@ -696,7 +706,7 @@ void ps_new_page(glbblk *b) {
 
 // The canvas of image mode, copied into the page as an RGB image of two
 // hex digits a component.
-void ps_image(glbblk *b) {
+void ps_image(DeviceBlock *b) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return;
     CanvasState &cs = b->cnv;
@@ -773,7 +783,8 @@ void ps_image(glbblk *b) {
 
 // The ring sector of /sec: centre and radii in device units, the angles
 // with two decimals (turned a quarter on a landscape plot), the colour.
-int ps_sector(glbblk *b, double x, double y, double r1, double r2, double a1, double a2, int colour) {
+int ps_sector(DeviceBlock *b, double x, double y, double r1, double r2, double a1, double a2,
+              int colour) {
     int ix, iy;
     map_int(b, x, y, &ix, &iy);
     double s = b->sess.devscl;
@@ -794,7 +805,7 @@ int ps_sector(glbblk *b, double x, double y, double r1, double r2, double a1, do
 }
 
 // The triangle of /tri, filled in the current colour.
-int ps_triangle(glbblk *b, const double *x, const double *y) {
+int ps_triangle(DeviceBlock *b, const double *x, const double *y) {
     for (int i = 0; i < 3; ++i) {
         int ix, iy;
         map_int(b, x[i], y[i], &ix, &iy);
@@ -807,12 +818,14 @@ int ps_triangle(glbblk *b, const double *x, const double *y) {
 
 // Hardware characters come with the fonts of the text layer, which fills
 // these two operations; until then the layer strokes every character.
-int ps_character(glbblk *, const QQHwChar *) { return 0; }
-void ps_textstyle(glbblk *) {}
+int ps_character(DeviceBlock *, const QQHwChar *) {
+    return 0;
+}
+void ps_textstyle(DeviceBlock *) {}
 
 // A plot file whose writing failed (a full disk) is emptied rather than
 // left to look like a picture; the session closes it as any other.
-void discard_file(glbblk *b) {
+void discard_file(DeviceBlock *b) {
     SessionState &s = b->sess;
     // What the stream still holds must not reach the file at its close.
     __fpurge(s.fhnd);
@@ -821,7 +834,7 @@ void discard_file(glbblk *b) {
     qqwar0(b, 36);
 }
 
-int ps_close(glbblk *b) {
+int ps_close(DeviceBlock *b) {
     path_op(b, 0, 0, 999);
     bool sing = b->ps.pssing != 0;
     word(b, sing ? "showpage " : "gsave showpage grestore ");
@@ -847,12 +860,14 @@ int ps_close(glbblk *b) {
 
 // The extra header text serves the session that it was given for: the
 // driver has written it when the next session's defaults are set.
-void free_psinfo(glbblk *b) {
+void free_psinfo(CoreBlock *blk) {
+    DeviceBlock *b = qqdevblk(blk);
     std::free(b->ps.psinfo);
     b->ps.psinfo = nullptr;
 }
 
-void ps_release(glbblk *b) {
+void ps_release(CoreBlock *blk) {
+    DeviceBlock *b = qqdevblk(blk);
     free_path(b);
     free_psinfo(b);
 }
@@ -947,7 +962,7 @@ int qqpsesc(const char *text, int n, char *out, int size) noexcept {
 }
 
 void psmeta(const char *cstr, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("psmeta");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("psmeta"));
     if (!b) return;
     if (qqkey(b, "INFO", 1, copt) == 0) return;
     size_t n = cstr ? std::strlen(cstr) : 0;
@@ -962,7 +977,7 @@ void psmeta(const char *cstr, const char *copt) noexcept {
 }
 
 void psmode(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("psmode");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("psmode"));
     if (!b) return;
     int k = qqkey(b, "NONE+GREE+ITAL+BOTH+MULT+SING", 6, copt);
     if (k == 0) return;
@@ -976,6 +991,6 @@ void psmode(const char *copt) noexcept {
         b->ps.pssing = (unsigned char)(k - 5);
         return;
     }
-    b = qqsoft("psmode");
+    b = qqdevblk(qqsoft("psmode"));
     if (b) b->ps.psmd = k - 1;
 }

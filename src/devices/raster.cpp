@@ -11,14 +11,24 @@
 #include <cstdio>
 
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"
 #include "raster/writers.h"
+
+void qqcnvpen(DeviceBlock *b) noexcept {
+    qqcanvas *cv = qqcanvasof(b);
+    if (!cv) return;
+    const DeviceState &d = b->dev;
+    qqcoption(cv, 27, d.lncp);
+    qqcoption(cv, 28, d.lnjn);
+    cv->miter = d.lnml >= 1.0 ? d.lnml : 1.0;
+    qqcoption(cv, 34, d.lnsmooth ? 2 : 1);
+}
 
 namespace {
 
@@ -26,7 +36,9 @@ namespace {
 // between IMAG and PNG writes nothing.
 enum { VIRT = QQ_WIMAG + 1 };
 
-int format_of(const glbblk *b) { return b->core.devcod - b->core.fam->lo + 1; }
+int format_of(const DeviceBlock *b) {
+    return b->core.devcod - b->core.fam->lo + 1;
+}
 
 // Whether a picture of w by h pixels fits the device: 0, or the warning
 // number with the offending value.  Every format keeps its image below
@@ -45,9 +57,11 @@ int size_problem(int dev, int w, int h, bool rgb, int *value) {
 
 // Drops the file that kolini opened: a session that writes no picture
 // leaves no file behind that looks like one (an old file stays).
-void discard_file(glbblk *b) { qqplotclose(b, 0); }
+void discard_file(DeviceBlock *b) {
+    qqplotclose(b, 0);
+}
 
-bool to_pixel(glbblk *b, double x, double y, int *px, int *py) {
+bool to_pixel(DeviceBlock *b, double x, double y, int *px, int *py) {
     double dx, dy;
     qqmapdown(b, x, y, &dx, &dy);
     dx += 0.5;
@@ -58,7 +72,7 @@ bool to_pixel(glbblk *b, double x, double y, int *px, int *py) {
     return true;
 }
 
-int raster_open(glbblk *b) {
+int raster_open(DeviceBlock *b) {
     SessionState &s = b->sess;
     int dev = format_of(b);
     bool rgb = dev == QQ_WPPM || b->cnv.ropt.rasfmt == 1;
@@ -79,7 +93,7 @@ int raster_open(glbblk *b) {
     return 0;
 }
 
-void raster_line(glbblk *b, double x, double y, int op) {
+void raster_line(DeviceBlock *b, double x, double y, int op) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return;
     if (op == QQ_ENDPATH) {
@@ -90,11 +104,11 @@ void raster_line(glbblk *b, double x, double y, int op) {
     if (to_pixel(b, x, y, &px, &py)) qqcline(cv, px, py, op == QQ_DRAW ? 2 : 3);
 }
 
-void raster_colour(glbblk *b, int value, int, int, int, int) {
+void raster_colour(DeviceBlock *b, int value, int, int, int, int) {
     if (qqcanvas *cv = qqcanvasof(b)) qqcsetc(cv, value);
 }
 
-void raster_table(glbblk *b) {
+void raster_table(DeviceBlock *b) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return;
     qqctable(cv, b->clr.colmap, b->clr.vltkind);
@@ -102,7 +116,7 @@ void raster_table(glbblk *b) {
     if (b->cnv.imgtran != -1) qqcoption(cv, 32, b->cnv.imgtran);
 }
 
-int raster_width(glbblk *b, double n, int) {
+int raster_width(DeviceBlock *b, double n, int) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return 0;
     if (n <= 0) {
@@ -114,11 +128,11 @@ int raster_width(glbblk *b, double n, int) {
     return 1;
 }
 
-void raster_style(glbblk *b) {
+void raster_style(DeviceBlock *b) {
     qqcnvpen(b);
 }
 
-void raster_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
+void raster_clip(DeviceBlock *b, int x1, int y1, int x2, int y2, int reset) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return;
     int ax = 0, ay = 0, bx = cv->cw - 1, by = cv->ch - 1;
@@ -137,7 +151,7 @@ void raster_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
     qqcoption(cv, 33, 0);
 }
 
-int raster_fill(glbblk *b, const double *x, const double *y, int n) {
+int raster_fill(DeviceBlock *b, const double *x, const double *y, int n) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return 0;
     double s = b->sess.devscl;
@@ -154,18 +168,18 @@ int raster_fill(glbblk *b, const double *x, const double *y, int n) {
     return 1;
 }
 
-void raster_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+void raster_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     qqcanvas *cv = qqcanvasof(b);
     int px1, py1, px2, py2;
     if (!cv || !to_pixel(b, x1, y1, &px1, &py1) || !to_pixel(b, x2, y2, &px2, &py2)) return;
     qqcrect(cv, px1, py1, px2, py2, colour);
 }
 
-void raster_clear(glbblk *b) {
+void raster_clear(DeviceBlock *b) {
     if (qqcanvas *cv = qqcanvasof(b)) qqcerase(cv);
 }
 
-int raster_close(glbblk *b) {
+int raster_close(DeviceBlock *b) {
     int dev = format_of(b), written = 0;
     qqcanvas *cv = qqcanvasof(b);
     if (cv && dev != VIRT && b->sess.fhnd) {
@@ -178,7 +192,7 @@ int raster_close(glbblk *b) {
     return written;
 }
 
-int raster_marker(glbblk *b, int kind, double x, double y, double size) {
+int raster_marker(DeviceBlock *b, int kind, double x, double y, double size) {
     qqcanvas *cv = qqcanvasof(b);
     int px, py;
     if (!cv || !to_pixel(b, x, y, &px, &py)) return 0;

@@ -6,14 +6,14 @@
 #include <cmath>
 #include <utility>
 
-#include "core/glbblk.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "raster/marker_figure.h"
 
 namespace {
 
 // Whether a shape may go to the driver whole, in plot coordinates.
-bool direct(const glbblk *b) {
+bool direct(const DeviceBlock *b) {
     const DeviceState &d = b->dev;
     return d.pl3on == 0 && d.trfon == 0 && !d.segtest && d.clpcir == 0;
 }
@@ -22,10 +22,10 @@ bool direct(const glbblk *b) {
 // whatever dash pattern and width the caller has set; the settings come
 // back afterwards.
 struct LinePen {
-    glbblk *b;
+    DeviceBlock *b;
     int lnwid;
     double lnoff;
-    LinePen(glbblk *blk, bool thin) : b(blk), lnwid(blk->dev.lnwid), lnoff(blk->dev.lnoff) {
+    LinePen(DeviceBlock *blk, bool thin) : b(blk), lnwid(blk->dev.lnwid), lnoff(blk->dev.lnoff) {
         if (thin && lnwid > 1) b->dev.lnwid = 1;
         b->dev.lnoff = 0.0;
     }
@@ -39,7 +39,7 @@ struct LinePen {
 // A polygon of absolute plot positions as one closed line, and filled by
 // horizontal lines one plot coordinate apart when asked (markers' shapes
 // are convex: each row crosses the outline twice at most).
-void polygon(glbblk *b, const double *x, const double *y, int n, bool filled) {
+void polygon(DeviceBlock *b, const double *x, const double *y, int n, bool filled) {
     if (filled) {
         LinePen pen(b, true);
         double ylo = y[0], yhi = y[0];
@@ -71,7 +71,7 @@ void polygon(glbblk *b, const double *x, const double *y, int n, bool filled) {
 // Any polygon filled by horizontal lines one plot coordinate apart, by the
 // even-odd rule, in the current colour; rows with more crossings than the
 // buffer holds keep the first ones.
-void scan_fill(glbblk *b, const double *x, const double *y, int n) {
+void scan_fill(DeviceBlock *b, const double *x, const double *y, int n) {
     enum { MAXCROSS = 16 };
     LinePen pen(b, true);
     double ylo = y[0], yhi = y[0];
@@ -103,7 +103,7 @@ void scan_fill(glbblk *b, const double *x, const double *y, int n) {
 
 // A filled polygon of absolute positions when the driver's own shape was
 // refused: the driver's polygon with hwmode SHAD on, else lines.
-void fill_fallback(glbblk *b, const double *x, const double *y, int n) {
+void fill_fallback(DeviceBlock *b, const double *x, const double *y, int n) {
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->fill_polygon && b->dev.hwshd && direct(b) && drv->fill_polygon(b, x, y, n)) return;
     scan_fill(b, x, y, n);
@@ -111,7 +111,7 @@ void fill_fallback(glbblk *b, const double *x, const double *y, int n) {
 
 // The circle of markers as a polygon of 36 corners; half = 1 keeps the
 // upper half (Y grows downward) closed by its diameter.
-void circle(glbblk *b, double cx, double cy, double r, bool half, bool filled) {
+void circle(DeviceBlock *b, double cx, double cy, double r, bool half, bool filled) {
     enum { N = 36 };
     double x[N + 1], y[N + 1];
     int n = 0;
@@ -124,7 +124,7 @@ void circle(glbblk *b, double cx, double cy, double r, bool half, bool filled) {
     polygon(b, x, y, n, filled);
 }
 
-void segment(glbblk *b, double xa, double ya, double xc, double yc) {
+void segment(DeviceBlock *b, double xa, double ya, double xc, double yc) {
     LinePen pen(b, false);
     qqrmov(b, xa, ya);
     qqrdrw(b, xc, yc);
@@ -132,20 +132,20 @@ void segment(glbblk *b, double xa, double ya, double xc, double yc) {
 
 // A marker as a figure of lines, the same figure the canvas draws.
 struct LineFigure {
-    glbblk *b;
+    DeviceBlock *b;
     void polygon(const double *x, const double *y, int n, bool filled) { ::polygon(b, x, y, n, filled); }
     void segment(double xa, double ya, double xc, double yc) { ::segment(b, xa, ya, xc, yc); }
     void circle(double x, double y, double r, bool half, bool filled) { ::circle(b, x, y, r, half, filled); }
 };
 
-void marker_lines(glbblk *b, int kind, double x, double y, double r) {
+void marker_lines(DeviceBlock *b, int kind, double x, double y, double r) {
     LineFigure sink{b};
     qqmarkfigure(kind, x, y, r, sink);
 }
 
 }  // namespace
 
-void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
+void qqfrect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     DeviceState &d = b->dev;
     qqflsh(b);
     // Wide integers: a shifted corner near the integer limits must not wrap.
@@ -165,7 +165,7 @@ void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     }
     // A device without filled shapes: lines from the top, 1.4 / unitf
     // apart, and one at the lower edge.
-    int old = d.curclr;
+    int old = b->clr.curclr;
     qqsetc(b, colour);
     {
         LinePen pen(b, true);
@@ -177,10 +177,10 @@ void qqfrect(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
         qqrmov(b, (double)ax, (double)by);
         qqrdrw(b, (double)bx, (double)by);
     }
-    if (d.curclr != old) qqsetc(b, old);
+    if (b->clr.curclr != old) qqsetc(b, old);
 }
 
-void qqmark(glbblk *b, int kind, double x, double y, double size) noexcept {
+void qqmark(DeviceBlock *b, int kind, double x, double y, double size) noexcept {
     if (kind < 0 || kind > 23 || !(size >= 0 && size < 1e6)) return;
     DeviceState &d = b->dev;
     qqflsh(b);
@@ -191,7 +191,7 @@ void qqmark(glbblk *b, int kind, double x, double y, double size) noexcept {
     marker_lines(b, kind, x, y, size / 2);
 }
 
-void qqsector(glbblk *b, double x, double y, double r1, double r2, double a1, double a2,
+void qqsector(DeviceBlock *b, double x, double y, double r1, double r2, double a1, double a2,
               int colour) noexcept {
     if (!(r1 >= 0 && r1 <= r2 && r2 < 1e6 && a1 <= a2 && a2 - a1 <= 360.0)) return;
     DeviceState &d = b->dev;
@@ -222,13 +222,13 @@ void qqsector(glbblk *b, double x, double y, double r1, double r2, double a1, do
             py[n++] = y - r * std::sin(t);
         }
     }
-    int saved = d.curclr;
+    int saved = b->clr.curclr;
     if (colour != saved) qqsetc(b, colour);
     fill_fallback(b, px, py, n);
     if (colour != saved) qqsetc(b, saved);
 }
 
-void qqtriangle(glbblk *b, const double *x, const double *y) noexcept {
+void qqtriangle(DeviceBlock *b, const double *x, const double *y) noexcept {
     DeviceState &d = b->dev;
     qqflsh(b);
     double tx[3], ty[3];
@@ -241,7 +241,7 @@ void qqtriangle(glbblk *b, const double *x, const double *y) noexcept {
     fill_fallback(b, tx, ty, 3);
 }
 
-void qqhwchar(glbblk *b, const QQHwChar *c) noexcept {
+void qqhwchar(DeviceBlock *b, const QQHwChar *c) noexcept {
     DeviceState &d = b->dev;
     qqflsh(b);
     const DriverOps *drv = d.drv;
@@ -251,7 +251,7 @@ void qqhwchar(glbblk *b, const QQHwChar *c) noexcept {
     if (d.strokechar) d.strokechar(b, c);
 }
 
-void qqhwstyle(glbblk *b) noexcept {
+void qqhwstyle(DeviceBlock *b) noexcept {
     qqflsh(b);
     const DriverOps *drv = b->dev.drv;
     if (drv && drv->textstyle) drv->textstyle(b);

@@ -9,12 +9,12 @@
 // width or the kind of thing drawn changes.  Lines are collected into
 // elements of at most 100 points: a line element for two points, a
 // polyline for more.
-#include "core/family.h"
-#include "core/glbblk.h"
-#include "devices/device.h"
-#include "devices/vector.h"
 #include "colour/colour.h"
+#include "core/family.h"
 #include "core/warnings.h"
+#include "devices/device.h"
+#include "devices/device_block.h"
+#include "devices/vector.h"
 #include "raster/canvas.h"
 #include "raster/writers.h"
 
@@ -38,7 +38,7 @@ const unsigned char kFonts[35][3] = {
 };
 
 // The font size of a text group, in pixels.
-int font_size(glbblk *b, double height) {
+int font_size(DeviceBlock *b, double height) {
     double v = height * 22.0 * b->sess.devscl / 15.0 + 0.5;
     return v > 0 && v < 2e9 ? (int)v : 0;
 }
@@ -46,7 +46,7 @@ int font_size(glbblk *b, double height) {
 // A line wider than the thinnest one shows its ends and corners as the
 // other devices draw them: the cap and join of lncap and lnjoin, and the
 // miter limit for sharp corners.
-void line_ends(glbblk *b) {
+void line_ends(DeviceBlock *b) {
     static const char *const kCap[3] = {"butt", "round", "square"};
     static const char *const kJoin[3] = {"miter", "round", "bevel"};
     const DeviceState &d = b->dev;
@@ -62,7 +62,7 @@ void line_ends(glbblk *b) {
 }
 
 // Brings the group to the wanted state; c gives the font of a text group.
-void group(glbblk *b, int wanted, const QQHwChar *c = nullptr) {
+void group(DeviceBlock *b, int wanted, const QQHwChar *c = nullptr) {
     VectorState &v = b->vec;
     if (v.group == wanted) return;
     if (v.group != NO_GROUP) qqvput(b, "</g>\n");
@@ -97,7 +97,7 @@ void group(glbblk *b, int wanted, const QQHwChar *c = nullptr) {
 
 // The points of a polyline or polygon: a line break after every fifth
 // pair unless it is the last.
-void points(glbblk *b, const double *x, const double *y, int n) {
+void points(DeviceBlock *b, const double *x, const double *y, int n) {
     for (int i = 0; i < n; ++i) {
         qqvchr(b, ' ');
         qqvnum(b, x[i], 2);
@@ -107,7 +107,7 @@ void points(glbblk *b, const double *x, const double *y, int n) {
     }
 }
 
-void write_poly(glbblk *b) {
+void write_poly(DeviceBlock *b) {
     VectorState &v = b->vec;
     if (v.npts == 0) return;
     // Even a lone point opens the group, which the end closes.
@@ -130,7 +130,7 @@ void write_poly(glbblk *b) {
 }
 
 // The rect element, in device units.
-void rect(glbblk *b, double x, double y, double w, double h, int r, int g, int bl) {
+void rect(DeviceBlock *b, double x, double y, double w, double h, int r, int g, int bl) {
     group(b, STROKE);
     qqvput(b, "<rect x=\"");
     qqvnum(b, x, 2);
@@ -145,11 +145,11 @@ void rect(glbblk *b, double x, double y, double w, double h, int r, int g, int b
     qqvput(b, "\" stroke=\"none\"/>\n");
 }
 
-void end_path(glbblk *b) {
+void end_path(DeviceBlock *b) {
     qqvcollect(b, 0, 0, QQ_ENDPATH, write_poly);
 }
 
-int svg_open(glbblk *b) {
+int svg_open(DeviceBlock *b) {
     SessionState &s = b->sess;
     VectorState &v = b->vec;
     if (qqvalloc(b) != 0) return 1;
@@ -181,13 +181,13 @@ int svg_open(glbblk *b) {
     return 0;
 }
 
-void svg_line(glbblk *b, double x, double y, int op) {
+void svg_line(DeviceBlock *b, double x, double y, int op) {
     double dx, dy;
     qqmapdown(b, x, y, &dx, &dy);
     qqvcollect(b, dx, dy, op, write_poly);
 }
 
-void svg_colour(glbblk *b, int, int r, int g, int bl, int) {
+void svg_colour(DeviceBlock *b, int, int r, int g, int bl, int) {
     VectorState &v = b->vec;
     end_path(b);
     group(b, NO_GROUP);
@@ -200,7 +200,7 @@ void svg_colour(glbblk *b, int, int r, int g, int bl, int) {
 // line is as wide as on every other device; the thinnest line is the 1.0
 // of the open, as one pixel is on raster output.  n = 0 (hardware lines
 // off) gives that thinnest line.
-int svg_width(glbblk *b, double n, int) {
+int svg_width(DeviceBlock *b, double n, int) {
     end_path(b);
     group(b, NO_GROUP);
     double w = n * b->sess.devscl;
@@ -210,12 +210,12 @@ int svg_width(glbblk *b, double n, int) {
 
 // Caps, joins and the miter limit stand in the group: a change opens a
 // new one.
-void svg_style(glbblk *b) {
+void svg_style(DeviceBlock *b) {
     end_path(b);
     group(b, NO_GROUP);
 }
 
-int svg_fill(glbblk *b, const double *x, const double *y, int n) {
+int svg_fill(DeviceBlock *b, const double *x, const double *y, int n) {
     // A polygon that crosses the clip window is hatched by the layer,
     // which clips its lines.
     if (n < 1 || (b->dev.pl3on == 0 && !qqvinside(b, x, y, n))) return 0;
@@ -237,7 +237,7 @@ int svg_fill(glbblk *b, const double *x, const double *y, int n) {
     return 1;
 }
 
-void svg_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+void svg_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     if (!qqvcutrect(b, &x1, &y1, &x2, &y2)) return;
     double s = b->sess.devscl;
     double x, y, w, h;
@@ -258,7 +258,7 @@ void svg_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
     rect(b, x, y, w, h, r, g, bl);
 }
 
-int svg_char(glbblk *b, const QQHwChar *c) {
+int svg_char(DeviceBlock *b, const QQHwChar *c) {
     VectorState &v = b->vec;
     if (v.group == STROKE) {
         end_path(b);
@@ -298,7 +298,7 @@ int svg_char(glbblk *b, const QQHwChar *c) {
 
 // The picture of the canvas as a PNG inside the document, on the box of
 // imgbox (or the whole page), stretched to it without smoothing.
-void svg_image(glbblk *b) {
+void svg_image(DeviceBlock *b) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv || cv->cw < 1 || cv->ch < 1) return;
     long n = qqpngmem(b, nullptr, 0);
@@ -366,12 +366,12 @@ void svg_image(glbblk *b) {
 }
 
 // A new height or font opens a new text group with the next character.
-void svg_textstyle(glbblk *b) {
+void svg_textstyle(DeviceBlock *b) {
     end_path(b);
     group(b, NO_GROUP);
 }
 
-int svg_close(glbblk *b) {
+int svg_close(DeviceBlock *b) {
     end_path(b);
     group(b, NO_GROUP);
     qqvput(b, "</svg>\n");

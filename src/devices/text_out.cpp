@@ -8,15 +8,15 @@
 #include <cstring>
 
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 namespace {
 
 // The line and its line feed go out in one write: the buffer holds two
 // bytes beyond the longest line for it.
-void write_line(glbblk *b, bool newline) {
+void write_line(DeviceBlock *b, bool newline) {
     SessionState &s = b->sess;
     if (s.fhnd) {
         size_t n = (size_t)s.lnpos;
@@ -28,7 +28,7 @@ void write_line(glbblk *b, bool newline) {
 
 }  // namespace
 
-void qqsbufend(glbblk *b) noexcept {
+void qqsbufend(DeviceBlock *b) noexcept {
     SessionState &s = b->sess;
     if (!s.lnbuf) return;
     if (b->core.fam->file & QQ_FILE_RECORDS) {
@@ -43,7 +43,7 @@ void qqsbufend(glbblk *b) noexcept {
     write_line(b, true);
 }
 
-void qqsbuf(glbblk *b, const char *text, int n) noexcept {
+void qqsbuf(DeviceBlock *b, const char *text, int n) noexcept {
     SessionState &s = b->sess;
     if (!s.lnbuf || n <= 0) return;
     if (b->core.fam->file & QQ_FILE_RECORDS) {
@@ -67,7 +67,7 @@ void qqsbuf(glbblk *b, const char *text, int n) noexcept {
     s.lnpos += n;
 }
 
-void qqlbuf(glbblk *b, const char *text, int n) noexcept {
+void qqlbuf(DeviceBlock *b, const char *text, int n) noexcept {
     SessionState &s = b->sess;
     if (!s.lnbuf) return;
     if (n == -1) {

@@ -7,9 +7,9 @@
 // a round cap makes the outline.
 #include <cmath>
 
-#include "core/glbblk.h"
 #include "core/text.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/stroke.h"
 
 namespace {
@@ -43,7 +43,7 @@ Dir direction(double x0, double y0, double x1, double y1) {
 double seg_angle(const Dir &d) { return std::atan2(-d.uy, d.ux); }
 
 struct Outline {
-    glbblk *b;
+    DeviceBlock *b;
     ClipPen pen;
     double h;      // half-width
     bool started;
@@ -105,7 +105,7 @@ void round_cap(Outline &o, double px, double py, const Dir &d, double side) {
 }
 
 // One pass round an open line of n >= 2 points.
-void open_pass(glbblk *b, const double *x, const double *y, int n, double h) {
+void open_pass(DeviceBlock *b, const double *x, const double *y, int n, double h) {
     const DeviceState &dv = b->dev;
     Outline o{b, {b, 0, 0, false}, h, false, 0, 0};
     double cap = dv.lncp == 2 ? h : 0;
@@ -131,7 +131,7 @@ void open_pass(glbblk *b, const double *x, const double *y, int n, double h) {
 
 // One pass round a closed line: an outline on each side, no caps.  The
 // points run 0 .. n-1 with the last equal to the first.
-void closed_pass(glbblk *b, const double *x, const double *y, int n, double h) {
+void closed_pass(DeviceBlock *b, const double *x, const double *y, int n, double h) {
     int m = n - 1;  // distinct vertices
     for (int side = 1; side >= -1; side -= 2) {
         Outline o{b, {b, 0, 0, false}, h, false, 0, 0};
@@ -148,7 +148,7 @@ void closed_pass(glbblk *b, const double *x, const double *y, int n, double h) {
 
 }  // namespace
 
-void qqthick(glbblk *b, const double *x, const double *y, int n) noexcept {
+void qqthick(DeviceBlock *b, const double *x, const double *y, int n) noexcept {
     if (n < 2) return;
     const DeviceState &d = b->dev;
     double unitf = b->core.unitf;

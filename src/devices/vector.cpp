@@ -8,18 +8,19 @@
 #include <ctime>
 
 #include "core/filetime.h"
-#include "core/glbblk.h"
 #include "core/numfmt.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 
 namespace {
 
 // The point buffer belongs to a session; a block that goes away in the
 // middle of one must not keep it.
-void vector_release(glbblk *b) {
+void vector_release(CoreBlock *blk) {
+    DeviceBlock *b = qqdevblk(blk);
     qqvfree(b);
 }
 
@@ -36,27 +37,27 @@ const unsigned char kLatin[60] = {
 extern const Subsystem kxsub_vector = {"vector",       nullptr, nullptr,
                                        vector_release, nullptr, nullptr};
 
-void qqvput(glbblk *b, const char *text) noexcept {
+void qqvput(DeviceBlock *b, const char *text) noexcept {
     if (b->sess.fhnd) std::fputs(text, b->sess.fhnd);
 }
 
-void qqvchr(glbblk *b, int c) noexcept {
+void qqvchr(DeviceBlock *b, int c) noexcept {
     if (b->sess.fhnd) std::fputc(c, b->sess.fhnd);
 }
 
-void qqvnum(glbblk *b, double v, int prec) noexcept {
+void qqvnum(DeviceBlock *b, double v, int prec) noexcept {
     char text[400];
     qqfmtf(text, sizeof text, v, 0, prec);
     qqvput(b, text);
 }
 
-void qqvint(glbblk *b, long long v) noexcept {
+void qqvint(DeviceBlock *b, long long v) noexcept {
     char text[32];
     qqfmti(text, sizeof text, v, 0);
     qqvput(b, text);
 }
 
-void qqvhex(glbblk *b, int r, int g, int bl) noexcept {
+void qqvhex(DeviceBlock *b, int r, int g, int bl) noexcept {
     static const char digits[] = "0123456789abcdef";
     char text[7];
     int parts[3] = {r, g, bl};
@@ -68,7 +69,7 @@ void qqvhex(glbblk *b, int r, int g, int bl) noexcept {
     qqvput(b, text);
 }
 
-int qqvalloc(glbblk *b) noexcept {
+int qqvalloc(DeviceBlock *b) noexcept {
     VectorState &v = b->vec;
     qqvfree(b);
     v.ptx = static_cast<double *>(std::malloc(2 * QQ_VPOINTS * sizeof(double)));
@@ -82,14 +83,15 @@ int qqvalloc(glbblk *b) noexcept {
     return 0;
 }
 
-void qqvfree(glbblk *b) noexcept {
+void qqvfree(DeviceBlock *b) noexcept {
     VectorState &v = b->vec;
     std::free(v.ptx);
     v.ptx = v.pty = nullptr;
     v.npts = 0;
 }
 
-void qqvcollect(glbblk *b, double x, double y, int op, void (*write_poly)(glbblk *)) noexcept {
+void qqvcollect(DeviceBlock *b, double x, double y, int op,
+                void (*write_poly)(DeviceBlock *)) noexcept {
     VectorState &v = b->vec;
     if (!v.ptx) return;
     if (op == QQ_DRAW) {
@@ -148,14 +150,14 @@ int qqvlatin(int code) noexcept {
     return code;
 }
 
-int qqvangle(glbblk *b, int angle) noexcept {
+int qqvangle(DeviceBlock *b, int angle) noexcept {
     // On a portrait-rotated page the direction of increasing x runs up the
     // sheet, so upright text turns by a quarter.
     if (b->sess.pagrot == 1) angle += 90;
     return angle;
 }
 
-void qqvplace(glbblk *b, const QQHwChar *c, double *x, double *y) noexcept {
+void qqvplace(DeviceBlock *b, const QQHwChar *c, double *x, double *y) noexcept {
     double a = c->pitch > 0 ? (c->pitch - c->width) * 0.5 : 0.0;
     double t = c->angle * b->core.xdegr;
     double sn = std::sin(t), cs = std::cos(t);
@@ -163,13 +165,13 @@ void qqvplace(glbblk *b, const QQHwChar *c, double *x, double *y) noexcept {
     *y = c->y - cs * c->shift - sn * a;
 }
 
-bool qqvinside(glbblk *b, const double *x, const double *y, int n) noexcept {
+bool qqvinside(DeviceBlock *b, const double *x, const double *y, int n) noexcept {
     for (int i = 0; i < n; ++i)
         if (qqin(b, x[i], y[i]) != 0) return false;
     return true;
 }
 
-bool qqvcutrect(glbblk *b, int *x1, int *y1, int *x2, int *y2) noexcept {
+bool qqvcutrect(DeviceBlock *b, int *x1, int *y1, int *x2, int *y2) noexcept {
     const DeviceState &d = b->dev;
     int lx = *x1 < *x2 ? *x1 : *x2, hx = *x1 < *x2 ? *x2 : *x1;
     int ly = *y1 < *y2 ? *y1 : *y2, hy = *y1 < *y2 ? *y2 : *y1;

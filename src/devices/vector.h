@@ -8,29 +8,32 @@
 // disk shows in the file, not in the session.
 #pragma once
 
-struct glbblk;
+#include "devices/device_block.h"
+
+struct DeviceBlock;
 
 // Text as it stands.
-void qqvput(glbblk *b, const char *text) noexcept;
+void qqvput(DeviceBlock *b, const char *text) noexcept;
 // One byte.
-void qqvchr(glbblk *b, int c) noexcept;
+void qqvchr(DeviceBlock *b, int c) noexcept;
 // "%.<prec>f".
-void qqvnum(glbblk *b, double v, int prec) noexcept;
+void qqvnum(DeviceBlock *b, double v, int prec) noexcept;
 // "%d".
-void qqvint(glbblk *b, long long v) noexcept;
+void qqvint(DeviceBlock *b, long long v) noexcept;
 // "%02x%02x%02x".
-void qqvhex(glbblk *b, int r, int g, int bl) noexcept;
+void qqvhex(DeviceBlock *b, int r, int g, int bl) noexcept;
 
 // The point buffer of SVG and IPE: allocated at open (0, or warning 53
 // has been reported), freed at close and when the block goes away.
-int qqvalloc(glbblk *b) noexcept;
-void qqvfree(glbblk *b) noexcept;
+int qqvalloc(DeviceBlock *b) noexcept;
+void qqvfree(DeviceBlock *b) noexcept;
 
 // The polyline collection of SVG and IPE, one position in device units at
 // a time.  op is QQ_DRAW, QQ_MOVE or QQ_ENDPATH; any other op writes what
 // is collected and ends the polyline as QQ_ENDPATH does.  write_poly
 // writes the collected points (b->vec.ptx, pty, npts) as one element.
-void qqvcollect(glbblk *b, double x, double y, int op, void (*write_poly)(glbblk *)) noexcept;
+void qqvcollect(DeviceBlock *b, double x, double y, int op,
+                void (*write_poly)(DeviceBlock *)) noexcept;
 
 // The file date of qqfiletime: year, month, day, hour, minute, second.
 void qqvtime(int t[6]) noexcept;
@@ -43,14 +46,14 @@ int qqvlatin(int code) noexcept;
 
 // The angle in which a driver writes text: the text angle, turned with a
 // portrait-rotated page so that the letters run along the rotated lines.
-int qqvangle(glbblk *b, int angle) noexcept;
+int qqvangle(DeviceBlock *b, int angle) noexcept;
 // The baseline position of a hardware character in plot coordinates: the
 // pen lifted by the baseline shifts, centred in its cell in fixed pitch.
 struct QQHwChar;
-void qqvplace(glbblk *b, const QQHwChar *c, double *x, double *y) noexcept;
+void qqvplace(DeviceBlock *b, const QQHwChar *c, double *x, double *y) noexcept;
 
 // Whether every point lies in the clip window (0.001 of tolerance).
-bool qqvinside(glbblk *b, const double *x, const double *y, int n) noexcept;
+bool qqvinside(DeviceBlock *b, const double *x, const double *y, int n) noexcept;
 // Orders the corners of a rectangle and cuts it to the clip window;
 // false when nothing is left.
-bool qqvcutrect(glbblk *b, int *x1, int *y1, int *x2, int *y2) noexcept;
+bool qqvcutrect(DeviceBlock *b, int *x1, int *y1, int *x2, int *y2) noexcept;

@@ -15,6 +15,7 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "fields/colour_paint.h"
+#include "fields/field_block.h"
 #include "kolvex.h"
 #include "plots/curves.h"
 #include "plots/zscale.h"
@@ -41,7 +42,7 @@ inline double bilinear(const double *z, int m, int i, int j, double u, double v)
 
 // The user limits of one axis of the system for the colour plots, with
 // the logarithm as the call has it.
-void axis_limits(const glbblk *b, int axis, double *a, double *e) {
+void axis_limits(const FieldBlock *b, int axis, double *a, double *e) {
     const ScaleRecord &r = b->ax.rec;
     *a = r.a[axis];
     *e = r.e[axis];
@@ -53,10 +54,10 @@ void axis_limits(const glbblk *b, int axis, double *a, double *e) {
 
 // What crvmat changes for its length: test limits and logarithm flags.
 struct MatrixSave {
-    glbblk *b;
+    FieldBlock *b;
     double chkx[2], chky[2];
     int log[2];
-    explicit MatrixSave(glbblk *blk) : b(blk) {
+    explicit MatrixSave(FieldBlock *blk) : b(blk) {
         const AxesState &d = b->ax;
         chkx[0] = d.chkx[0], chkx[1] = d.chkx[1], chky[0] = d.chky[0], chky[1] = d.chky[1];
         log[0] = b->ax.rec.log[0];
@@ -71,7 +72,7 @@ struct MatrixSave {
 };
 
 // A spread axis: test limits are the axis values, without logarithm.
-void spread(glbblk *b, int axis) {
+void spread(FieldBlock *b, int axis) {
     ScaleRecord &r = b->ax.rec;
     double *lim = axis == 0 ? b->ax.chkx : b->ax.chky;
     lim[0] = r.a[axis] < r.e[axis] ? r.a[axis] : r.e[axis];
@@ -79,14 +80,14 @@ void spread(glbblk *b, int axis) {
     r.log[axis] = 0;
 }
 
-void mesh_colour(glbblk *b, int saved) {
+void mesh_colour(FieldBlock *b, int saved) {
     int mc = b->cpl.mshclr;
     qqsetc(b, mc != -1 ? mc : saved);
 }
 
 // The grid lines of crvmat: n lines along y, then m along x; with
 // centred point rectangles they are the borders of the rectangles.
-void matrix_mesh(glbblk *b, int n, int m, double xa, double ya, double dx, double dy,
+void matrix_mesh(FieldBlock *b, int n, int m, double xa, double ya, double dx, double dy,
                  bool centred) {
     int hx = centred ? b->ax.nxres / 2 : 0, hy = centred ? b->ax.nyres / 2 : 0;
     int sx = centred ? b->ax.nxres : 0, sy = centred ? b->ax.nyres : 0;
@@ -109,7 +110,7 @@ void matrix_mesh(glbblk *b, int n, int m, double xa, double ya, double dx, doubl
 }  // namespace
 
 void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
-    glbblk *b = KX_ENTRY("crvmat");
+    FieldBlock *b = qqfldblk(KX_ENTRY("crvmat"));
     if (!b || !qqcolsys(b)) return;
     if (n < 2 || m < 2) {
         qqwarn(b, 2, n < 2 ? n : m);
@@ -143,7 +144,7 @@ void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
     double dx = (xe - xa) / (n - 1), dy = (ye - ya) / (m - 1);
     double sx = dx / ixpts, sy = dy / iypts;
     qqclip(b, 0);
-    int saved = b->dev.curclr;
+    int saved = b->clr.curclr;
     bool only = cp.mesh == 2;
     if (!only && symb) {
         unsigned char fl = b->core.ynoflp;
@@ -202,7 +203,7 @@ void crvmat(const double *zmat, int n, int m, int ixpts, int iypts) noexcept {
         pp.runs.flush();
     }
     if (pic) qqcellpictureend(b);
-    if (b->dev.curclr != saved) qqsetc(b, saved);
+    if (b->clr.curclr != saved) qqsetc(b, saved);
     if (cp.mesh >= 1 && cp.mesh <= 3) {
         mesh_colour(b, saved);
         matrix_mesh(b, n, m, xa, ya, dx, dy, cp.crvmode == 0 && mode != 2);
@@ -230,7 +231,7 @@ struct Polygons {
     }
 };
 
-void paint_polygons(glbblk *b, const Polygons &pg) {
+void paint_polygons(FieldBlock *b, const Polygons &pg) {
     if (!qqcolsys(b)) return;
     const ColourPlotState &cp = b->cpl;
     bool only = cp.mesh == 2;
@@ -243,7 +244,7 @@ void paint_polygons(glbblk *b, const Polygons &pg) {
         return;
     }
     qqclip(b, 0);
-    int saved = b->dev.curclr;
+    int saved = b->clr.curclr;
     unsigned char fl = b->core.ynoflp;
     b->core.ynoflp = 1;
     double px[4], py[4], cz[4];
@@ -289,7 +290,7 @@ void paint_polygons(glbblk *b, const Polygons &pg) {
                 qqtriangle(b, ux, uy);
             }
         }
-        if (b->dev.curclr != saved) qqsetc(b, saved);
+        if (b->clr.curclr != saved) qqsetc(b, saved);
     }
     if (cp.mesh >= 1 && cp.mesh <= 3) {
         mesh_colour(b, saved);
@@ -310,7 +311,7 @@ void paint_polygons(glbblk *b, const Polygons &pg) {
 }  // namespace
 
 void crvqdr(const double *xray, const double *yray, const double *zray, int n) noexcept {
-    glbblk *b = KX_ENTRY("crvqdr");
+    FieldBlock *b = qqfldblk(KX_ENTRY("crvqdr"));
     if (!b) return;
     if (n < 4) {
         qqwarn(b, 2, n);
@@ -322,7 +323,7 @@ void crvqdr(const double *xray, const double *yray, const double *zray, int n) n
 
 void crvtri(const double *xray, const double *yray, const double *zray, int n, const int *i1ray,
             const int *i2ray, const int *i3ray, int ntri) noexcept {
-    glbblk *b = KX_ENTRY("crvtri");
+    FieldBlock *b = qqfldblk(KX_ENTRY("crvtri"));
     if (!b) return;
     if (n < 3 || ntri < 1) {
         qqwarn(b, 2, n < 3 ? n : ntri);
@@ -335,14 +336,15 @@ void crvtri(const double *xray, const double *yray, const double *zray, int n, c
 namespace {
 
 // curve3 and its forms with one y (kind 1) or one x (kind 2).
-void colour_points(glbblk *b, const double *x, const double *y, const double *z, int n, int kind) {
+void colour_points(FieldBlock *b, const double *x, const double *y, const double *z, int n,
+                   int kind) {
     if (!qqcolsys(b)) return;
     if (n < 1) {
         qqwarn(b, 2, n);
         return;
     }
     qqclip(b, 0);
-    int saved = b->dev.curclr;
+    int saved = b->clr.curclr;
     auto X = [&](int i) { return kind == 2 ? x[0] : x[i]; };
     auto Y = [&](int i) { return kind == 1 ? y[0] : y[i]; };
     if (b->cpl.crvmode == 1) {
@@ -366,23 +368,23 @@ void colour_points(glbblk *b, const double *x, const double *y, const double *z,
         for (int i = 0; i < n; ++i) pp.point(X(i), Y(i), z[i]);
         pp.runs.flush();
     }
-    if (b->dev.curclr != saved) qqsetc(b, saved);
+    if (b->clr.curclr != saved) qqsetc(b, saved);
     qqclip(b, 1);
 }
 
 }  // namespace
 
 void curve3(const double *xray, const double *yray, const double *zray, int n) noexcept {
-    glbblk *b = KX_ENTRY("curve3");
+    FieldBlock *b = qqfldblk(KX_ENTRY("curve3"));
     if (b) colour_points(b, xray, yray, zray, n, 0);
 }
 
 void curvx3(const double *xray, double y, const double *zray, int n) noexcept {
-    glbblk *b = KX_ENTRY("curvx3");
+    FieldBlock *b = qqfldblk(KX_ENTRY("curvx3"));
     if (b) colour_points(b, xray, &y, zray, n, 1);
 }
 
 void curvy3(double x, const double *yray, const double *zray, int n) noexcept {
-    glbblk *b = KX_ENTRY("curvy3");
+    FieldBlock *b = qqfldblk(KX_ENTRY("curvy3"));
     if (b) colour_points(b, &x, yray, zray, n, 2);
 }

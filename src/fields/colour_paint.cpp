@@ -10,11 +10,12 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "fields/field_block.h"
 #include "plots/zscale.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"
 
-bool qqcolsys(glbblk *b) noexcept {
+bool qqcolsys(FieldBlock *b) noexcept {
     if (b->ax.rec.type == 3) {
         qqwar0(b, 35);
         return false;
@@ -48,7 +49,7 @@ void QQCellRuns::flush() noexcept {
         qqfrect(b, x1, y1, x2, y2, clr);
 }
 
-int qqcellclr(glbblk *b, double z) noexcept {
+int qqcellclr(FieldBlock *b, double z) noexcept {
     if (std::isnan(z) && b->diag.nanon == 1) {
         b->diag.nnan++;
         return -1;
@@ -58,7 +59,8 @@ int qqcellclr(glbblk *b, double z) noexcept {
     return c;
 }
 
-QQPointPaint::QQPointPaint(glbblk *blk, qqcanvas *canvas, int dx, int dy) : b(blk), runs(blk, canvas, dx, dy) {
+QQPointPaint::QQPointPaint(FieldBlock *blk, qqcanvas *canvas, int dx, int dy)
+    : b(blk), runs(blk, canvas, dx, dy) {
     wx = b->ax.nxres > 0 ? b->ax.nxres : 1;
     wy = b->ax.nyres > 0 ? b->ax.nyres : 1;
     int kind = qqdevkind(b);
@@ -94,7 +96,7 @@ void QQPointPaint::point(double x, double y, double z) noexcept {
     runs.add(x1, y1, x1 + wx - 1, y1 + wy - 1, c);
 }
 
-qqcanvas *qqcellpicture(glbblk *b) noexcept {
+qqcanvas *qqcellpicture(FieldBlock *b) noexcept {
     const DriverOps *drv = b->dev.drv;
     CanvasState &cs = b->cnv;
     if (!drv || !drv->image || cs.imgact || cs.cv.pix || b->dev.pl3on || b->dev.trfon) return nullptr;
@@ -108,7 +110,7 @@ qqcanvas *qqcellpicture(glbblk *b) noexcept {
     return &cs.cv;
 }
 
-void qqcellpictureend(glbblk *b) noexcept {
+void qqcellpictureend(FieldBlock *b) noexcept {
     CanvasState &cs = b->cnv;
     if (!cs.cv.pix) return;
     qqcflush(&cs.cv);
@@ -125,7 +127,7 @@ void qqcellpictureend(glbblk *b) noexcept {
     qqcnvfree(&cs.cv);
 }
 
-void qqclrtri(glbblk *b, const double *x, const double *y, const double *c) noexcept {
+void qqclrtri(FieldBlock *b, const double *x, const double *y, const double *c) noexcept {
     // Corners sorted by y; each scan line of plot units gets its span, and
     // along the span the colour number changes linearly: equal numbers
     // are sent as one run.

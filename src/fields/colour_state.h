@@ -3,6 +3,8 @@
 // spreading of scattered points by getmat.
 #pragma once
 
+struct FieldBlock;
+
 struct ColourPlotState {
     int nobgd;             // 1 after nobgd: cells of the darkest colour stay unpainted
     int crvmode;           // shdmod(.., "CURV"): 0 RECT, 1 SYMB, 2 PIXE
@@ -20,4 +22,8 @@ struct ColourPlotState {
     int mesh;    // 0 OFF, 1 ON, 2 ONLY, 3 LINE, 4 POIN
     int mshclr;  // mesh colour, -1 the current colour
     int shade;   // 0 FLAT, 1 SMOO
+    // Set by the 3-D space with its session defaults: while a 3-D axis
+    // system is open, gives the ends of its X and Y axes (exponents on a
+    // logarithmic axis) and their log flags and returns 1; else 0.
+    int (*xyends3d)(const FieldBlock *b, double a[2], double e[2], int log[2]);
 };

@@ -11,12 +11,13 @@
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "fields/colour_paint.h"
+#include "fields/field_block.h"
 #include "kolvex.h"
 #include "plots/zscale.h"
 
 void graf3(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor,
            double ystp, double za, double ze, double zor, double zstp) noexcept {
-    glbblk *b = KX_ENTRY("graf3");
+    FieldBlock *b = qqfldblk(KX_ENTRY("graf3"));
     if (!b) return;
     AxesState &ax = b->ax;
     if (ax.resmod == 1 || ax.resmod > 2) qqautres(b, ax.autrx, ax.autry, ax.nlen[0], ax.nlen[1]);
@@ -42,12 +43,12 @@ void graf3(double xa, double xe, double xor_, double xstp, double ya, double ye,
 }
 
 int nzposn(double z) noexcept {
-    glbblk *b = KX_ENTRY("nzposn");
+    FieldBlock *b = qqfldblk(KX_ENTRY("nzposn"));
     return b ? qqzclr(b, z) : 0;
 }
 
 void colray(const double *zray, int *icray, int n) noexcept {
-    glbblk *b = KX_ENTRY("colray");
+    FieldBlock *b = qqfldblk(KX_ENTRY("colray"));
     if (!b) return;
     if (n < 1) {
         qqwarn(b, 2, n);
@@ -58,7 +59,7 @@ void colray(const double *zray, int *icray, int n) noexcept {
 
 void getmat(const double *xray, const double *yray, const double *zray, int n, double *zmat, int nx,
             int ny, double zval, int *imat, double *wmat) noexcept {
-    glbblk *b = KX_ENTRY("getmat");
+    FieldBlock *b = qqfldblk(KX_ENTRY("getmat"));
     if (!b) return;
     if (n < 1 || nx < 2 || ny < 2) {
         qqwarn(b, 2, n < 1 ? n : nx < 2 ? nx : ny);
@@ -67,13 +68,13 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
     // The grid spans the X and Y axes of the system in force: the 3-D one
     // while it is open, else the 2-D one.
     const ScaleRecord &r = b->ax.rec;
-    const SpaceState &sp = b->sp;
+    double a[2] = {r.a[0], r.a[1]}, e[2] = {r.e[0], r.e[1]};
+    int lg[2] = {r.log[0] != 0, r.log[1] != 0};
+    if (b->cpl.xyends3d) b->cpl.xyends3d(b, a, e, lg);
     double lim[2][2];
     for (int k = 0; k < 2; ++k) {
-        double a = sp.open ? sp.a[k] : r.a[k], e = sp.open ? sp.e[k] : r.e[k];
-        bool lg = sp.open ? sp.logax[k] != 0 : r.log[k] != 0;
-        lim[k][0] = lg ? std::pow(10.0, a) : a;
-        lim[k][1] = lg ? std::pow(10.0, e) : e;
+        lim[k][0] = lg[k] ? std::pow(10.0, a[k]) : a[k];
+        lim[k][1] = lg[k] ? std::pow(10.0, e[k]) : e[k];
     }
     double xa = lim[0][0], ya = lim[1][0];
     double dx = (lim[0][1] - xa) / (nx - 1), dy = (lim[1][1] - ya) / (ny - 1);
@@ -119,7 +120,7 @@ void getmat(const double *xray, const double *yray, const double *zray, int n, d
 }
 
 void mdfmat(int ix, int iy, double weight) noexcept {
-    glbblk *b = KX_ENTRY("mdfmat");
+    FieldBlock *b = qqfldblk(KX_ENTRY("mdfmat"));
     if (!b) return;
     if (ix < 1 || iy < 1) {
         qqwarn(b, 2, ix < 1 ? ix : iy);
@@ -135,24 +136,24 @@ void mdfmat(int ix, int iy, double weight) noexcept {
 }
 
 void nobgd() noexcept {
-    glbblk *b = KX_ENTRY("nobgd");
+    FieldBlock *b = qqfldblk(KX_ENTRY("nobgd"));
     if (b) b->cpl.nobgd = 1;
 }
 
 void hsym3d(double xh) noexcept {
-    glbblk *b = KX_ENTRY("hsym3d");
+    FieldBlock *b = qqfldblk(KX_ENTRY("hsym3d"));
     if (!b) return;
     b->cpl.hsym3d = xh;
     b->cpl.cubemode = 0;
 }
 
 void thkc3d(double xthk) noexcept {
-    glbblk *b = KX_ENTRY("thkc3d");
+    FieldBlock *b = qqfldblk(KX_ENTRY("thkc3d"));
     if (b) b->cpl.thkc3d = xthk;
 }
 
 void setres3d(double xl, double yl, double zl) noexcept {
-    glbblk *b = KX_ENTRY("setres3d");
+    FieldBlock *b = qqfldblk(KX_ENTRY("setres3d"));
     if (!b) return;
     const double v[3] = {xl, yl, zl};
     for (int i = 0; i < 3; ++i) {
@@ -165,7 +166,7 @@ void setres3d(double xl, double yl, double zl) noexcept {
 }
 
 void autres3d(int ix, int iy, int iz) noexcept {
-    glbblk *b = KX_ENTRY("autres3d");
+    FieldBlock *b = qqfldblk(KX_ENTRY("autres3d"));
     if (!b) return;
     if (qqchki(b, ix, 2, 10000) || qqchki(b, iy, 2, 10000) || qqchki(b, iz, 2, 10000)) return;
     b->cpl.grid3[0] = ix;
@@ -176,7 +177,8 @@ void autres3d(int ix, int iy, int iz) noexcept {
 
 namespace {
 
-void colour_plots_init(glbblk *b) {
+void colour_plots_init(CoreBlock *blk) {
+    FieldBlock *b = qqfldblk(blk);
     ColourPlotState &c = b->cpl;
     c = ColourPlotState{};
     // The single-precision values of 0.08 and 0.04.
@@ -187,14 +189,17 @@ void colour_plots_init(glbblk *b) {
     c.mshclr = -1;
 }
 
-void r_nobg(glbblk *b) {
+void r_nobg(CoreBlock *blk) {
+    FieldBlock *b = qqfldblk(blk);
     b->cpl.nobgd = 0;
 }
-void r_mdfm(glbblk *b) {
+void r_mdfm(CoreBlock *blk) {
+    FieldBlock *b = qqfldblk(blk);
     b->cpl.mdfwin[0] = b->cpl.mdfwin[1] = 2;
     b->cpl.mdfpow = 2.0;
 }
-void r_thkc(glbblk *b) {
+void r_thkc(CoreBlock *blk) {
+    FieldBlock *b = qqfldblk(blk);
     b->cpl.thkc3d = 0.03999999910593033;
 }
 

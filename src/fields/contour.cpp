@@ -10,6 +10,7 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "fields/contours.h"
+#include "fields/field_block.h"
 #include "fields/trace.h"
 #include "kolvex.h"
 #include "plots/axis_map.h"
@@ -22,7 +23,7 @@ inline bool finite(double v) { return std::fabs(v) <= 1.7976931348623157e308; }
 
 // Tracer output to the pen, converted to plot coordinates.
 struct DrawSink {
-    glbblk *b;
+    FieldBlock *b;
     const AxisMap &m;
     void open() { b->con.lstate = 3; }
     void point(double x, double y) {
@@ -38,7 +39,7 @@ struct DrawSink {
 
 // Tracer output into the arrays of conpts.
 struct PointSink {
-    glbblk *b;
+    FieldBlock *b;
     double *xp, *yp;
     int maxpts, *nptray, maxlin;
     int nlins = 0, npts = 0;
@@ -63,7 +64,8 @@ struct PointSink {
     }
 };
 
-bool log_ok(glbblk *b, const AxisMap &m, const double *x, size_t nx, const double *y, size_t ny) {
+bool log_ok(FieldBlock *b, const AxisMap &m, const double *x, size_t nx, const double *y,
+            size_t ny) {
     if (m.neglog) return true;
     if (m.logx)
         for (size_t k = 0; k < nx; ++k)
@@ -82,7 +84,7 @@ bool log_ok(glbblk *b, const AxisMap &m, const double *x, size_t nx, const doubl
 
 // The frame of a drawing call: a grid g traced at zlev, or (g null) the
 // points of concrv sent as one line.
-void draw_level(glbblk *b, const ConGrid *g, const double *cx, const double *cy, int ncrv,
+void draw_level(FieldBlock *b, const ConGrid *g, const double *cx, const double *cy, int ncrv,
                 double zlev) {
     AxisMap m;
     if (!qqaxmap(b, &m)) return;
@@ -160,7 +162,7 @@ void draw_level(glbblk *b, const ConGrid *g, const double *cx, const double *cy,
     c.nbuf = 0;
 }
 
-bool grid_size(glbblk *b, int n, int m) {
+bool grid_size(FieldBlock *b, int n, int m) {
     if (n < 2 || m < 2) {
         qqwarn(b, 2, n < m ? n : m);
         return false;
@@ -172,7 +174,7 @@ bool grid_size(glbblk *b, int n, int m) {
 
 void contur(const double *xray, int n, const double *yray, int m, const double *zmat,
             double zlev) noexcept {
-    glbblk *b = KX_ENTRY("contur");
+    FieldBlock *b = qqfldblk(KX_ENTRY("contur"));
     if (!b || !grid_size(b, n, m)) return;
     ConGrid g{xray, yray, zmat, n, m, false};
     draw_level(b, &g, nullptr, nullptr, 0, zlev);
@@ -180,14 +182,14 @@ void contur(const double *xray, int n, const double *yray, int m, const double *
 
 void contur2(const double *xmat, const double *ymat, const double *zmat, int n, int m,
              double zlev) noexcept {
-    glbblk *b = KX_ENTRY("contur2");
+    FieldBlock *b = qqfldblk(KX_ENTRY("contur2"));
     if (!b || !grid_size(b, n, m)) return;
     ConGrid g{xmat, ymat, zmat, n, m, true};
     draw_level(b, &g, nullptr, nullptr, 0, zlev);
 }
 
 void conmat(const double *zmat, int n, int m, double zlev) noexcept {
-    glbblk *b = KX_ENTRY("conmat");
+    FieldBlock *b = qqfldblk(KX_ENTRY("conmat"));
     if (!b || !grid_size(b, n, m)) return;
     // The matrix runs from the start of each axis to its end, so that on a
     // falling axis its first row still lies at the axis's start.
@@ -211,7 +213,7 @@ void conmat(const double *zmat, int n, int m, double zlev) noexcept {
 }
 
 void concrv(const double *xray, const double *yray, int n, double zlev) noexcept {
-    glbblk *b = KX_ENTRY("concrv");
+    FieldBlock *b = qqfldblk(KX_ENTRY("concrv"));
     if (!b) return;
     if (n < 1) {
         qqwarn(b, 2, n);
@@ -222,7 +224,7 @@ void concrv(const double *xray, const double *yray, int n, double zlev) noexcept
 
 void conpts(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev,
             double *xpts, double *ypts, int maxpts, int *nptray, int maxlin, int *nlins) noexcept {
-    glbblk *b = KX_ENTRY("conpts");
+    FieldBlock *b = qqfldblk(KX_ENTRY("conpts"));
     if (nlins) *nlins = 0;
     if (!b || !grid_size(b, n, m)) return;
     if (maxpts < 1 || maxlin < 1) {

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <cstdio>
 
-#include "core/glbblk.h"
 #include "devices/device.h"
 #include "fields/contours.h"
+#include "fields/field_block.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -13,12 +13,14 @@ namespace {
 
 const double kAngleTol = 5.0;  // degrees between two segments where a label may begin
 
-double rad2deg(glbblk *b, double r) { return r / b->core.xdegr; }
+double rad2deg(FieldBlock *b, double r) {
+    return r / b->core.xdegr;
+}
 
 }  // namespace
 
 // The text angle, as angle sets it (a hardware font carries it).
-void qqconangle(glbblk *b, int deg) noexcept {
+void qqconangle(FieldBlock *b, int deg) noexcept {
     TextState &t = b->txt;
     if (t.angle == deg) return;
     t.angle = deg;
@@ -30,7 +32,7 @@ void qqconangle(glbblk *b, int deg) noexcept {
 
 namespace {
 
-void label_text(glbblk *b, char *out, int size) {
+void label_text(FieldBlock *b, char *out, int size) {
     const ContourState &c = b->con;
     if (c.lmode == 2) {
         std::snprintf(out, (size_t)size, "%s", c.conlab);
@@ -39,14 +41,14 @@ void label_text(glbblk *b, char *out, int size) {
     qqnumtxt(b, c.level, c.ndig, out, size);
 }
 
-void flush_buffer(glbblk *b, int from) {
+void flush_buffer(FieldBlock *b, int from) {
     ContourState &c = b->con;
     for (int k = from; k < c.nbuf; ++k) qqdraw(b, c.bufx[k], c.bufy[k]);
     c.nbuf = 0;
 }
 
 // Cuts the gap into the collected stretch from S and writes the label.
-void place_label(glbblk *b) {
+void place_label(FieldBlock *b) {
     ContourState &c = b->con;
     const double eps = b->core.eps;
     double ax = c.sx, ay = c.sy;
@@ -102,7 +104,7 @@ void place_label(glbblk *b) {
             tx = qx - s * std::sin(r) * w / 2;
             ty = qy - s * std::cos(r) * w / 2;
         }
-        int clr = b->dev.curclr, lclr = a.labclr[2];
+        int clr = b->clr.curclr, lclr = a.labclr[2];
         if (lclr != -1 && lclr != clr) qqsetc(b, lclr);
         int oldang = b->txt.angle;
         qqconangle(b, tang);
@@ -117,7 +119,7 @@ void place_label(glbblk *b) {
         qqflsh(b);
         b->dev.lnoff = off;
         qqconangle(b, oldang);
-        if (b->dev.curclr != clr) qqsetc(b, clr);
+        if (b->clr.curclr != clr) qqsetc(b, clr);
     }
     qqmove(b, ax + (c.lablen + h) * std::cos(phi), ay - (c.lablen + h) * std::sin(phi));
     flush_buffer(b, kb);
@@ -125,7 +127,7 @@ void place_label(glbblk *b) {
     c.pathlen = 0;
 }
 
-void poly_point(glbblk *b, double x, double y) {
+void poly_point(FieldBlock *b, double x, double y) {
     ContourState &c = b->con;
     if (!c.polyx || !c.polyy) return;  // the shading that switched it on holds the buffer
     if (c.lstate == 3 || c.lstate == 4) {
@@ -162,7 +164,7 @@ int qqcondigits(double level) noexcept {
     return d < 1 ? -1 : d;
 }
 
-void qqconlevel(glbblk *b, double level) noexcept {
+void qqconlevel(FieldBlock *b, double level) noexcept {
     ContourState &c = b->con;
     c.level = level;
     int nd = b->ax.xdig[1];
@@ -184,7 +186,7 @@ void qqconlevel(glbblk *b, double level) noexcept {
     c.lablen = ext + c.gaplen;
 }
 
-void qqconpen(glbblk *b, double x, double y) noexcept {
+void qqconpen(FieldBlock *b, double x, double y) noexcept {
     ContourState &c = b->con;
     if (c.polyon) {
         poly_point(b, x, y);

@@ -7,18 +7,25 @@
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
+#include "fields/field_block.h"
 #include "kolvex.h"
 
 namespace {
 
-void r_conc(glbblk *b) { b->con.nclr = 0; }
-void r_cong(glbblk *b) { b->con.gapfac = 0.5; }
-void r_conm(glbblk *b) {
+void r_conc(CoreBlock *b) {
+    qqfldblk(b)->con.nclr = 0;
+}
+void r_cong(CoreBlock *b) {
+    qqfldblk(b)->con.gapfac = 0.5;
+}
+void r_conm(CoreBlock *blk) {
+    FieldBlock *b = qqfldblk(blk);
     b->con.marfac = 0.5;
     b->con.curquot = 1.5;
 }
 
-void contours_init(glbblk *b) {
+void contours_init(CoreBlock *blk) {
+    FieldBlock *b = qqfldblk(blk);
     ContourState &c = b->con;
     std::free(c.polyx);
     std::memset(&c, 0, sizeof c);
@@ -26,7 +33,8 @@ void contours_init(glbblk *b) {
     r_conm(b);
 }
 
-void contours_release(glbblk *b) {
+void contours_release(CoreBlock *blk) {
+    FieldBlock *b = qqfldblk(blk);
     std::free(b->con.polyx);
     b->con.polyx = b->con.polyy = nullptr;
 }
@@ -40,13 +48,13 @@ extern const Subsystem kxsub_contours = {"contours", contours_init, contours_ini
                                          contours_release, kResets, nullptr};
 
 void conlab(const char *ctext) noexcept {
-    glbblk *b = KX_ENTRY("conlab");
+    FieldBlock *b = qqfldblk(KX_ENTRY("conlab"));
     if (!b) return;
     qqscpy(b->con.conlab, ctext ? ctext : "", QQ_CON_LABLEN);
 }
 
 void conmod(double xfac, double xquot) noexcept {
-    glbblk *b = KX_ENTRY("conmod");
+    FieldBlock *b = qqfldblk(KX_ENTRY("conmod"));
     if (!b) return;
     if (!(xfac >= 0) || !(xquot > 1)) {
         qqwarnd(b, 2, !(xfac >= 0) ? xfac : xquot);
@@ -57,7 +65,7 @@ void conmod(double xfac, double xquot) noexcept {
 }
 
 void congap(double xfac) noexcept {
-    glbblk *b = KX_ENTRY("congap");
+    FieldBlock *b = qqfldblk(KX_ENTRY("congap"));
     if (!b) return;
     if (!(xfac >= 0)) {
         qqwarnd(b, 2, xfac);
@@ -67,7 +75,7 @@ void congap(double xfac) noexcept {
 }
 
 void conclr(const int *nclray, int n) noexcept {
-    glbblk *b = KX_ENTRY("conclr");
+    FieldBlock *b = qqfldblk(KX_ENTRY("conclr"));
     if (!b) return;
     if (n < 0 || n > QQ_CON_MAXCLR) {
         qqwarn(b, 2, n);

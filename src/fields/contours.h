@@ -7,14 +7,14 @@
 // collects and fills polygons.
 #pragma once
 
-#include "core/glbblk.h"
+#include "fields/field_block.h"
 
 // Starts a level: the label gap and length and the digits of the level's
 // number, from the label settings.
-void qqconlevel(glbblk *b, double level) noexcept;
+void qqconlevel(FieldBlock *b, double level) noexcept;
 // One point of the current line in plot coordinates.
-void qqconpen(glbblk *b, double x, double y) noexcept;
+void qqconpen(FieldBlock *b, double x, double y) noexcept;
 // Sets the text angle in degrees as angle does.
-void qqconangle(glbblk *b, int deg) noexcept;
+void qqconangle(FieldBlock *b, int deg) noexcept;
 // The digits that the automatic label digits (-2) choose for a level.
 int qqcondigits(double level) noexcept;

@@ -2,8 +2,9 @@
 // record for the inline conversion, the general conversion for the rest.
 #include "axes/axes.h"
 #include "plots/axis_map.h"
+#include "plots/plot_block.h"
 
-bool qqaxmap(glbblk *b, AxisMap *m) noexcept {
+bool qqaxmap(PlotBlock *b, AxisMap *m) noexcept {
     const ScaleRecord &r = b->ax.rec;
     *m = AxisMap{};
     m->type = r.type;
@@ -24,6 +25,6 @@ bool qqaxmap(glbblk *b, AxisMap *m) noexcept {
     return true;
 }
 
-void qqaxconv(glbblk *b, double x, double y, double *px, double *py) noexcept {
+void qqaxconv(PlotBlock *b, double x, double y, double *px, double *py) noexcept {
     qqpos2(b, x, y, px, py);
 }

@@ -8,7 +8,7 @@
 
 #include <cmath>
 
-#include "core/glbblk.h"
+#include "plots/plot_block.h"
 
 struct AxisMap {
     int type;            // 0 rectangular, 1 polar, 4 complex chart, else other
@@ -22,16 +22,16 @@ struct AxisMap {
 };
 
 // Reads the conversion of the current axis system; false outside one.
-bool qqaxmap(glbblk *b, AxisMap *m) noexcept;
+bool qqaxmap(PlotBlock *b, AxisMap *m) noexcept;
 // The general conversion, for systems other than the rectangular one.
-void qqaxconv(glbblk *b, double x, double y, double *px, double *py) noexcept;
+void qqaxconv(PlotBlock *b, double x, double y, double *px, double *py) noexcept;
 
 inline double qqaxexp(const AxisMap &m, double v) noexcept {
     if (v > 0) return std::log10(v);
     return m.neglog ? m.negexp : std::log10(v);
 }
 
-inline void qqaxpt(glbblk *b, const AxisMap &m, double x, double y, double *px,
+inline void qqaxpt(PlotBlock *b, const AxisMap &m, double x, double y, double *px,
                    double *py) noexcept {
     if (m.type != 0) {
         qqaxconv(b, x, y, px, py);

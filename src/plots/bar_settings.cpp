@@ -1,15 +1,16 @@
 // The settings of bar graphs and their share of the session defaults.
 #include "axes/axes.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "plots/plot_block.h"
 
 namespace {
 
-void bars_init(glbblk *b) {
+void bars_init(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     BarState &s = b->bar;
     s.form = 1;
     s.mode = 0;
@@ -26,30 +27,35 @@ void bars_init(glbblk *b) {
 }
 
 // endgrf ends the count of bar sets of the axis system.
-void end_sets(glbblk *b) {
+void end_sets(AxesBlock *ab) {
+    PlotBlock *b = qqpltblk(ab);
     b->bar.nsets = 0;
 }
 
-void bars_session(glbblk *b) {
+void bars_session(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     bars_init(b);
     qqaxhook(b, end_sets);
 }
 
-void reset_depth(glbblk *b) {
+void reset_depth(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->bar.depth = -1.0;
     b->bar.angle = 45.0;
 }
-void reset_group(glbblk *b) {
+void reset_group(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->bar.ngrp = 1;
     b->bar.gap = 0.0;
     b->bar.grppos = 0;
 }
-void reset_position(glbblk *b) {
+void reset_position(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->bar.tickx = b->bar.axisy = 0;
 }
 
 // A colour argument: -1 or a colour value.
-bool bad_colour(glbblk *b, int c) {
+bool bad_colour(PlotBlock *b, int c) {
     if (c >= -1) return false;
     qqwarn(b, 2, c);
     return true;
@@ -63,7 +69,7 @@ const ResetEntry kResets[] = {
 extern const Subsystem kxsub_bars = {"bars", bars_init, bars_session, nullptr, kResets, nullptr};
 
 void barmod(const char *cmode, const char *ckey) noexcept {
-    glbblk *b = KX_ENTRY("barmod");
+    PlotBlock *b = qqpltblk(KX_ENTRY("barmod"));
     if (!b) return;
     int k = qqkey(b, "FIXE+VARI", 2, cmode);
     if (k == 0) return;
@@ -72,7 +78,7 @@ void barmod(const char *cmode, const char *ckey) noexcept {
 }
 
 void bargrp(int ngrp, double gap) noexcept {
-    glbblk *b = KX_ENTRY("bargrp");
+    PlotBlock *b = qqpltblk(KX_ENTRY("bargrp"));
     if (!b || qqchki(b, ngrp, 1, 30)) return;
     b->bar.ngrp = ngrp;
     b->bar.gap = gap;
@@ -80,7 +86,7 @@ void bargrp(int ngrp, double gap) noexcept {
 }
 
 void barpos(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("barpos");
+    PlotBlock *b = qqpltblk(KX_ENTRY("barpos"));
     if (!b) return;
     int k = qqkey(b, "NONE+TICK+AXIS+BOTH", 4, copt);
     if (k == 0) return;
@@ -89,7 +95,7 @@ void barpos(const char *copt) noexcept {
 }
 
 void barclr(int ic1, int ic2, int ic3) noexcept {
-    glbblk *b = KX_ENTRY("barclr");
+    PlotBlock *b = qqpltblk(KX_ENTRY("barclr"));
     if (!b || bad_colour(b, ic1) || bad_colour(b, ic2) || bad_colour(b, ic3)) return;
     b->bar.clr[0] = ic1;
     b->bar.clr[1] = ic2;
@@ -97,20 +103,20 @@ void barclr(int ic1, int ic2, int ic3) noexcept {
 }
 
 void barbor(int iclr) noexcept {
-    glbblk *b = KX_ENTRY("barbor");
+    PlotBlock *b = qqpltblk(KX_ENTRY("barbor"));
     if (!b || bad_colour(b, iclr)) return;
     b->bar.border = iclr;
 }
 
 void baropt(double xf, double angle) noexcept {
-    glbblk *b = KX_ENTRY("baropt");
+    PlotBlock *b = qqpltblk(KX_ENTRY("baropt"));
     if (!b) return;
     b->bar.depth = xf;
     b->bar.angle = angle;
 }
 
 void chnbar(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("chnbar");
+    PlotBlock *b = qqpltblk(KX_ENTRY("chnbar"));
     if (!b) return;
     int k = qqkey(b, "NONE+COLO+PATT+BOTH", 4, copt);
     if (k > 0) b->bar.chn = k - 1;

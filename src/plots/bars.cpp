@@ -24,6 +24,7 @@
 #include "plots/curve_draw.h"
 #include "plots/curves.h"
 #include "plots/fill.h"
+#include "plots/plot_block.h"
 #include "plots/shields.h"
 #include "text/numbers.h"
 
@@ -98,7 +99,7 @@ void make_faces(const BarCall &c, const BarBox &r, Faces &f) {
 
 // areaf on a copy (the fill may change its arrays), with a pattern for the
 // call unless it is -1.
-void area(glbblk *b, const double *x, const double *y, int pattern) {
+void area(PlotBlock *b, const double *x, const double *y, int pattern) {
     double cx[4], cy[4];
     for (int k = 0; k < 4; ++k) cx[k] = x[k], cy[k] = y[k];
     int saved = qqgetpattern(b);
@@ -135,7 +136,7 @@ double label_value(int kind, double x, double y1, double y2) {
 }
 
 // Step 10 of the label placement for a vertical bar, and its mirror.
-void place_label(glbblk *b, const BarCall &c, const BarBox &r, BarLabel &L) {
+void place_label(PlotBlock *b, const BarCall &c, const BarBox &r, BarLabel &L) {
     const double h = c.h;
     const int code0 = kLabelCode[b->ax.xpos[0] >= 0 && b->ax.xpos[0] < 8 ? b->ax.xpos[0] : 0];
     L.TW = qqnint(h / 2 + L.tw);
@@ -232,25 +233,25 @@ void place_label(glbblk *b, const BarCall &c, const BarBox &r, BarLabel &L) {
 }
 
 // Registers a region under the shield kind of bars.
-int bar_shield(glbblk *b, int type, const double *v, int nv) {
+int bar_shield(PlotBlock *b, int type, const double *v, int nv) {
     return qqshlautoadd(b, QQ_SHL_BARS, type, v, nv);
 }
 
-void shield_polygon(glbblk *b, const double *x, const double *y) {
+void shield_polygon(PlotBlock *b, const double *x, const double *y) {
     double v[8];
     for (int k = 0; k < 4; ++k) v[2 * k] = x[k], v[2 * k + 1] = y[k];
     bar_shield(b, 6, v, 8);
 }
 
 // The axis's lower limit as a user value.
-double lower_limit(glbblk *b, int axis) {
+double lower_limit(PlotBlock *b, int axis) {
     const ScaleRecord &r = b->ax.rec;
     return r.log[axis] ? std::pow(10.0, r.a[axis]) : r.a[axis];
 }
 
 // barpos TICK: the positions of the ticks strictly inside the axis.
 // Returns the number of bars that stay.
-int tick_positions(glbblk *b, int axis, double *pos, int n) {
+int tick_positions(PlotBlock *b, int axis, double *pos, int n) {
     const ScaleRecord &r = b->ax.rec;
     double a = r.a[axis], e = r.e[axis], orl = r.orl[axis], step = r.stp[axis];
     if (!(step != 0) || !std::isfinite(step)) return n;
@@ -277,7 +278,7 @@ bool good(double a, double b, double c) {
 
 }  // namespace
 
-double qqbaralong(glbblk *b, const AxisMap &m, double v, bool hori) noexcept {
+double qqbaralong(PlotBlock *b, const AxisMap &m, double v, bool hori) noexcept {
     double px, py;
     if (hori)
         qqaxpt(b, m, m.logx ? 1.0 : 0.0, v, &px, &py);
@@ -286,7 +287,7 @@ double qqbaralong(glbblk *b, const AxisMap &m, double v, bool hori) noexcept {
     return hori ? py : px;
 }
 
-double qqbarspan(glbblk *b, const AxisMap &m, const double *pos, int n, bool hori) noexcept {
+double qqbarspan(PlotBlock *b, const AxisMap &m, const double *pos, int n, bool hori) noexcept {
     double d;
     if (n >= 2) {
         d = qqbaralong(b, m, pos[1], hori) - qqbaralong(b, m, pos[0], hori);
@@ -300,19 +301,19 @@ double qqbarspan(glbblk *b, const AxisMap &m, const double *pos, int n, bool hor
     return std::isfinite(d) ? d : 0.0;
 }
 
-int qqbarcolour(glbblk *b, int colour) noexcept {
-    int old = b->dev.curclr;
+int qqbarcolour(PlotBlock *b, int colour) noexcept {
+    int old = b->clr.curclr;
     if (colour != -1 && colour != old) qqsetc(b, colour);
     return old;
 }
 
 void bars(double *xray, double *y1ray, const double *y2ray, int n) noexcept {
-    glbblk *b = KX_ENTRY("bars");
+    PlotBlock *b = qqpltblk(KX_ENTRY("bars"));
     if (!b) return;
     BarState &bs = b->bar;
     CurveState &cs = b->crv;
     // 1. The colour at entry; the counters of bar sets and of the group.
-    const int entry_colour = b->dev.curclr;
+    const int entry_colour = b->clr.curclr;
     bs.nsets++;
     bs.grppos++;
     cs.shdarea = 1;
@@ -443,7 +444,7 @@ void bars(double *xray, double *y1ray, const double *y2ray, int n) noexcept {
         // The border: none on a flat bar without a border colour.
         if (c.look3d || bs.border != -1) {
             qqflsh(b);
-            keep = b->dev.curclr;
+            keep = b->clr.curclr;
             if (bs.border == -1)
                 qqcolorfore(b);
             else
@@ -454,7 +455,7 @@ void bars(double *xray, double *y1ray, const double *y2ray, int n) noexcept {
                 area(b, f.tx, f.ty, 0);
             }
             qqflsh(b);
-            if (b->dev.curclr != keep) qqsetc(b, keep);
+            if (b->clr.curclr != keep) qqsetc(b, keep);
         }
         if (label_kind != 0) {
             keep = qqbarcolour(b, label_colour);
@@ -483,7 +484,7 @@ void bars(double *xray, double *y1ray, const double *y2ray, int n) noexcept {
     qqclip(b, 1);
     int next = (bs.nsets + 1) % 30;
     qqsetpattern(b, qqpatcycle(b, next == 0 ? 30 : next));
-    if ((bs.chn == 1 || bs.chn == 3) && b->dev.curclr != entry_colour) qqsetc(b, entry_colour);
+    if ((bs.chn == 1 || bs.chn == 3) && b->clr.curclr != entry_colour) qqsetc(b, entry_colour);
     if (bs.grppos >= bs.ngrp) bs.grppos = 0;
     b->core.ynoflp = flip;
 }

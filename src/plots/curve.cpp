@@ -17,6 +17,7 @@
 #include "plots/axis_map.h"
 #include "plots/curve_draw.h"
 #include "plots/curves.h"
+#include "plots/plot_block.h"
 
 namespace {
 
@@ -50,7 +51,8 @@ struct Breaker {
 // the same places, so the picture does not change, and a million points
 // cost a few thousand segments on the page.  The loop keeps everything in
 // locals: it runs once per point of the largest curves.
-void thin_line(glbblk *b, const AxisMap &m, const double *x, const double *y, int n, double scale) {
+void thin_line(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n,
+               double scale) {
     // Columns are the device's own: a raster device rounds devscl times
     // the shifted position to its pixel.
     const double shift = b->dev.nxsh * scale + 0.5 + 4e6;
@@ -114,12 +116,12 @@ void thin_line(glbblk *b, const AxisMap &m, const double *x, const double *y, in
 // later stage (3-D plane, transformation) maps elsewhere.  The segment
 // hook (shields) may stay: it cuts the thinned line, which covers the same
 // places, at the same borders.
-bool thinnable(glbblk *b) {
+bool thinnable(PlotBlock *b) {
     const DeviceState &d = b->dev;
     return d.dshn <= 1 && d.lnoff == 0 && !d.pl3on && !d.trfon && b->crv.thkcrv == 1;
 }
 
-double column_scale(glbblk *b) {
+double column_scale(PlotBlock *b) {
     int kind = qqdevkind(b);
     bool raster = kind == QQ_KIND_SCREEN || kind == QQ_KIND_RASTER;
     double s = b->sess.devscl;
@@ -127,7 +129,7 @@ double column_scale(glbblk *b) {
     return raster && s > 0 && s < 1 && b->sess.pagrot != 1 ? s : 1.0;
 }
 
-void draw_line(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
+void draw_line(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) {
     Breaker br{b->crv};
     double px, py;
     if (m.type == 0 && !m.logx && !m.logy && !b->crv.gapon[0] && !b->crv.gapon[1]) {
@@ -168,7 +170,7 @@ void draw_line(glbblk *b, const AxisMap &m, const double *x, const double *y, in
     }
 }
 
-void draw_stairs(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
+void draw_stairs(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) {
     Breaker br{b->crv};
     double px, py, ly = 0;
     for (int i = 0; i < n; ++i) {
@@ -189,7 +191,7 @@ void draw_stairs(glbblk *b, const AxisMap &m, const double *x, const double *y, 
     }
 }
 
-void draw_steps(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
+void draw_steps(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) {
     Breaker br{b->crv};
     double px, py;
     double half = n >= 2 && good(x[0], y[0]) && good(x[1], y[1]) ? (x[1] - x[0]) / 2 : 0;
@@ -243,7 +245,7 @@ double foot_value(const AxisMap &m) {
     return m.logy ? m.ylow : 0.0;
 }
 
-void draw_stems(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
+void draw_stems(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) {
     double px, py, qx, qy;
     for (int i = 0; i < n; ++i) {
         if (!good(x[i], y[i])) continue;
@@ -258,7 +260,8 @@ void draw_stems(glbblk *b, const AxisMap &m, const double *x, const double *y, i
     }
 }
 
-void draw_bars(glbblk *b, const AxisMap &m, const double *x, const double *y, int n, bool filled) {
+void draw_bars(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n,
+               bool filled) {
     const double bw = b->crv.barwth;
     double cx[5], cy[5];
     for (int i = 0; i < n; ++i) {
@@ -301,7 +304,7 @@ void draw_bars(glbblk *b, const AxisMap &m, const double *x, const double *y, in
 
 // CURV: in a complex chart every segment is walked in parts short enough
 // that the chart's bending of straight lines shows.
-void draw_walked(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
+void draw_walked(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) {
     if (m.type != 4) {
         draw_line(b, m, x, y, n);
         return;
@@ -339,7 +342,7 @@ void draw_walked(glbblk *b, const AxisMap &m, const double *x, const double *y, 
 }
 
 // SPLI and PSPL: the interpolated points as one polyline.
-int draw_spline(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) {
+int draw_spline(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) {
     const CurveState &c = b->crv;
     int k = c.splgrd + 1;
     if (n < k) return 31;
@@ -365,39 +368,9 @@ int draw_spline(glbblk *b, const AxisMap &m, const double *x, const double *y, i
 
 }  // namespace
 
-void qqcrvsave(glbblk *b, CurveSave *s) noexcept {
-    const DeviceState &d = b->dev;
-    s->colour = d.curclr;
-    s->dshn = d.dshn;
-    for (int i = 0; i < 10; ++i) s->dshl[i] = d.dshl[i];
-    s->lnoff = d.lnoff;
-    s->ynoflp = b->core.ynoflp;
-    qqstylesave(b, s);
-}
-
-void qqcrvrestore(glbblk *b, const CurveSave *s) noexcept {
-    DeviceState &d = b->dev;
-    qqflsh(b);
-    d.lnoff = s->lnoff;
-    d.dshn = s->dshn;
-    for (int i = 0; i < 10; ++i) d.dshl[i] = s->dshl[i];
-    qqdshres(b);
-    qqstylerestore(b, s);
-    if (d.curclr != s->colour) qqsetc(b, s->colour);
-    b->core.ynoflp = s->ynoflp;
-}
-
-void qqsolid(glbblk *b) noexcept {
-    qqflsh(b);
-    b->dev.dshn = 1;
-    b->dev.dshl[0] = 1;
-    b->dev.lnoff = 0.0;
-    qqdshres(b);
-}
-
 // Tests a curve's arrays against logarithmic axes: warning 27 when a value
 // at or below 0 meets a log axis without neglog.
-bool qqcrvlog(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) noexcept {
+bool qqcrvlog(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) noexcept {
     if (m.neglog) return true;
     for (int i = 0; i < n; ++i)
         if ((m.logx && x[i] <= 0) || (m.logy && y[i] <= 0)) {
@@ -408,11 +381,11 @@ bool qqcrvlog(glbblk *b, const AxisMap &m, const double *x, const double *y, int
 }
 
 // Symbols at every k-th point, skipping points that cannot be placed.
-void qqcrvsymbols(glbblk *b, const AxisMap &m, const double *x, const double *y, int n,
+void qqcrvsymbols(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n,
                   int step) noexcept {
     const CurveState &c = b->crv;
     if (c.marker < 0) return;
-    int curclr = b->dev.curclr;
+    int curclr = b->clr.curclr;
     int saved_dshn = b->dev.dshn, saved_dshl[10];
     double saved_off = b->dev.lnoff;
     for (int i = 0; i < 10; ++i) saved_dshl[i] = b->dev.dshl[i];
@@ -425,7 +398,7 @@ void qqcrvsymbols(glbblk *b, const AxisMap &m, const double *x, const double *y,
         qqsymb(b, c.marker, px, py);
     }
     qqflsh(b);
-    if (b->dev.curclr != curclr) qqsetc(b, curclr);
+    if (b->clr.curclr != curclr) qqsetc(b, curclr);
     b->dev.dshn = saved_dshn;
     for (int i = 0; i < 10; ++i) b->dev.dshl[i] = saved_dshl[i];
     b->dev.lnoff = saved_off;
@@ -433,12 +406,12 @@ void qqcrvsymbols(glbblk *b, const AxisMap &m, const double *x, const double *y,
 }
 
 void curve(const double *xray, const double *yray, int n) noexcept {
-    glbblk *b = KX_ENTRY("curve");
+    PlotBlock *b = qqpltblk(KX_ENTRY("curve"));
     if (!b) return;
     qqcurve(b, xray, yray, n);
 }
 
-void qqcurve(glbblk *b, const double *xray, const double *yray, int n) noexcept {
+void qqcurve(PlotBlock *b, const double *xray, const double *yray, int n) noexcept {
     CurveState &c = b->crv;
     c.shdarea = 0;
     if (n < 1 || (n == 1 && c.incmrk >= 0)) {
@@ -523,7 +496,7 @@ void qqcurve(glbblk *b, const double *xray, const double *yray, int n) noexcept 
 }
 
 void rlsymb(int nsym, double x, double y) noexcept {
-    glbblk *b = KX_ENTRY("rlsymb");
+    PlotBlock *b = qqpltblk(KX_ENTRY("rlsymb"));
     if (!b) return;
     bool user = b->crv.usrn > 0 && nsym == b->crv.usrsym;
     if (!user && (nsym < -1 || nsym >= QQ_NSYMB)) {
@@ -543,7 +516,7 @@ void rlsymb(int nsym, double x, double y) noexcept {
 
 void errbar(const double *x, const double *y, const double *err1, const double *err2,
             int n) noexcept {
-    glbblk *b = KX_ENTRY("errbar");
+    PlotBlock *b = qqpltblk(KX_ENTRY("errbar"));
     if (!b || qqchki(b, n, 1, -1)) return;
     AxisMap m;
     if (!qqaxmap(b, &m) || !qqcrvlog(b, m, x, y, n)) return;
@@ -553,7 +526,7 @@ void errbar(const double *x, const double *y, const double *err1, const double *
     qqcrvsave(b, &save);
     b->core.ynoflp = 1;
     qqclip(b, 0);
-    int curclr = b->dev.curclr;
+    int curclr = b->clr.curclr;
     double e = c.hsymbl / 3.0;
     for (int i = 0; i < n; ++i) {
         if (!good(x[i], y[i]) || !std::isfinite(err1[i]) || !std::isfinite(err2[i])) continue;
@@ -595,7 +568,7 @@ void errbar(const double *x, const double *y, const double *err1, const double *
     qqcrvrestore(b, &save);
 }
 
-void qqlinfitdraw(glbblk *b, const double *x, const double *y, int n, double a, double c,
+void qqlinfitdraw(PlotBlock *b, const double *x, const double *y, int n, double a, double c,
                   bool symbols) noexcept {
     CurveState &cs = b->crv;
     int inc = cs.incmrk;
@@ -611,7 +584,7 @@ void qqlinfitdraw(glbblk *b, const double *x, const double *y, int n, double a, 
 
 void shdcrv(const double *x1ray, const double *y1ray, int n1, const double *x2ray,
             const double *y2ray, int n2) noexcept {
-    glbblk *b = KX_ENTRY("shdcrv");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shdcrv"));
     if (!b) return;
     if (n1 < 1 || n2 < 1 || n1 + n2 < 3) {
         qqwarn(b, 2, n1 < 1 ? n1 : n2);

@@ -3,7 +3,7 @@
 // and the tests of a curve's points.
 #pragma once
 
-#include "core/glbblk.h"
+#include "plots/plot_block.h"
 
 struct AxisMap;
 
@@ -17,30 +17,30 @@ struct CurveSave {
     int pattern;  // shading pattern
 };
 
-void qqcrvsave(glbblk *b, CurveSave *s) noexcept;
-void qqcrvrestore(glbblk *b, const CurveSave *s) noexcept;
+void qqcrvsave(PlotBlock *b, CurveSave *s) noexcept;
+void qqcrvrestore(PlotBlock *b, const CurveSave *s) noexcept;
 // The line style number and the pattern, kept by the line-style and fill
 // settings.
-void qqstylesave(glbblk *b, CurveSave *s) noexcept;
-void qqstylerestore(glbblk *b, const CurveSave *s) noexcept;
+void qqstylesave(PlotBlock *b, CurveSave *s) noexcept;
+void qqstylerestore(PlotBlock *b, const CurveSave *s) noexcept;
 // Line style 0 to 7 of the style table, the dash state restarted.
-void qqsetstyle(glbblk *b, int ltyp) noexcept;
+void qqsetstyle(PlotBlock *b, int ltyp) noexcept;
 // The current line style number.
-int qqgetstyle(glbblk *b) noexcept;
+int qqgetstyle(PlotBlock *b) noexcept;
 // A solid line without offset for symbols and outlines.
-void qqsolid(glbblk *b) noexcept;
+void qqsolid(PlotBlock *b) noexcept;
 // A polygon filled with a shading pattern (0 none); the outline is not
 // drawn.
-void qqpatfill(glbblk *b, const double *x, const double *y, int n, int pattern) noexcept;
+void qqpatfill(PlotBlock *b, const double *x, const double *y, int n, int pattern) noexcept;
 // The current pattern and the pattern cycle, kept by the fill settings.
-int qqgetpattern(glbblk *b) noexcept;
-void qqsetpattern(glbblk *b, int pattern) noexcept;
-int qqpatcycle(glbblk *b, int index) noexcept;
+int qqgetpattern(PlotBlock *b) noexcept;
+void qqsetpattern(PlotBlock *b, int pattern) noexcept;
+int qqpatcycle(PlotBlock *b, int index) noexcept;
 // Whether shaded areas get an outline.
-bool qqarealine(glbblk *b) noexcept;
+bool qqarealine(PlotBlock *b) noexcept;
 
 // curve without its guard, for routines that draw a curve of their own.
-void qqcurve(glbblk *b, const double *x, const double *y, int n) noexcept;
-bool qqcrvlog(glbblk *b, const AxisMap &m, const double *x, const double *y, int n) noexcept;
-void qqcrvsymbols(glbblk *b, const AxisMap &m, const double *x, const double *y, int n,
+void qqcurve(PlotBlock *b, const double *x, const double *y, int n) noexcept;
+bool qqcrvlog(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) noexcept;
+void qqcrvsymbols(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n,
                   int step) noexcept;

@@ -12,10 +12,22 @@
 #include "kolvex.h"
 #include "plots/curves.h"
 #include "plots/fill.h"
+#include "plots/plot_block.h"
 
 namespace {
 
-void curves_init(glbblk *b) {
+// endgrf ends the curve counters and the legend's records.
+void end_records(AxesBlock *b) {
+    qqresatt(qqpltblk(b));
+}
+
+// The frames that the axis systems draw are the plots' frames.
+void axis_frame(AxesBlock *b, int x, int y, int w, int h, int t, double angle, int colour) {
+    qqframe(qqpltblk(b), x, y, w, h, t, angle, colour);
+}
+
+void curves_init(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     CurveState &c = b->crv;
     c.polcrv = CRV_LINE;
     c.barwth = 0.75;
@@ -37,50 +49,61 @@ void curves_init(glbblk *b) {
     }
     qqresatt(b);
     qqleginit(b);
-    // endgrf ends the curve counters and the legend's records.
-    qqaxhook(b, qqresatt);
-    b->ax.framefn = qqframe;
+    qqaxhook(b, end_records);
+    b->ax.framefn = axis_frame;
 }
 
-void curves_release(glbblk *b) {
+void curves_release(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     std::free(b->crv.usrx);
     b->crv.usrx = b->crv.usry = nullptr;
     b->crv.usrn = 0;
 }
 
-void reset_bartyp(glbblk *b) {
+void reset_bartyp(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->crv.bartyp = 0;
 }
-void reset_barwth(glbblk *b) {
+void reset_barwth(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->crv.barwth = 0.75;
 }
-void reset_chncrv(glbblk *b) {
+void reset_chncrv(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->crv.chncrv = 0;
 }
-void reset_gapcrv(glbblk *b) {
+void reset_gapcrv(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     for (int k = 0; k < 3; ++k) b->crv.gapon[k] = 0;
 }
-void reset_legclr(glbblk *b) {
+void reset_legclr(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->leg.clrflag = 0;
 }
-void reset_mixleg(glbblk *b) {
+void reset_mixleg(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->leg.mix = 0;
 }
-void reset_polcrv(glbblk *b) {
+void reset_polcrv(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->crv.polcrv = CRV_LINE;
 }
-void reset_splmod(glbblk *b) {
+void reset_splmod(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->crv.splgrd = 3;
     b->crv.splnpt = 200;
 }
-void reset_symrot(glbblk *b) {
+void reset_symrot(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->crv.symrot = 0.0;
 }
-void reset_thkcrv(glbblk *b) {
+void reset_thkcrv(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->crv.thkcrv = 1;
 }
 // The legend's line count goes with the attribute state of the curves.
-void reset_legend(glbblk *b) {
+void reset_legend(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     qqresatt(b);
 }
 
@@ -95,7 +118,7 @@ const ResetEntry kResets[] = {
 extern const Subsystem kxsub_curves = {"curves",       nullptr, curves_init,
                                        curves_release, kResets, nullptr};
 
-void qqresatt(glbblk *b) noexcept {
+void qqresatt(PlotBlock *b) noexcept {
     // A fresh axis system starts the cycles and the legend's records anew.
     CurveState &c = b->crv;
     c.cycpos = 1;
@@ -108,12 +131,12 @@ void qqresatt(glbblk *b) noexcept {
 }
 
 void resatt() noexcept {
-    glbblk *b = KX_ENTRY("resatt");
+    PlotBlock *b = qqpltblk(KX_ENTRY("resatt"));
     if (!b) return;
     qqresatt(b);
 }
 
-void qqchnatt(glbblk *b) noexcept {
+void qqchnatt(PlotBlock *b) noexcept {
     CurveState &c = b->crv;
     if (c.nchg == 1) return;
     c.nchg = 1;
@@ -125,12 +148,12 @@ void qqchnatt(glbblk *b) noexcept {
 }
 
 void chnatt() noexcept {
-    glbblk *b = KX_ENTRY("chnatt");
+    PlotBlock *b = qqpltblk(KX_ENTRY("chnatt"));
     if (!b) return;
     qqchnatt(b);
 }
 
-void qqcurvedone(glbblk *b) noexcept {
+void qqcurvedone(PlotBlock *b) noexcept {
     CurveState &c = b->crv;
     if (c.nchg >= c.inccrv) {
         c.nchg = 0;
@@ -141,20 +164,20 @@ void qqcurvedone(glbblk *b) noexcept {
 }
 
 void polcrv(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("polcrv");
+    PlotBlock *b = qqpltblk(KX_ENTRY("polcrv"));
     if (!b) return;
     int k = qqkey(b, "LINE+STEP+BARS+SPLI+PSPL+STEM+STAI+FBAR+CURV", 9, copt);
     if (k > 0) b->crv.polcrv = k - 1;
 }
 
 void barwth(double xf) noexcept {
-    glbblk *b = KX_ENTRY("barwth");
+    PlotBlock *b = qqpltblk(KX_ENTRY("barwth"));
     if (!b) return;
     b->crv.barwth = xf;
 }
 
 void bartyp(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("bartyp");
+    PlotBlock *b = qqpltblk(KX_ENTRY("bartyp"));
     if (!b) return;
     // The first four words choose the bar type, the last two the form of
     // financial bars; each leaves the other setting alone.
@@ -164,19 +187,19 @@ void bartyp(const char *copt) noexcept {
 }
 
 void splmod(int ngrad, int npts) noexcept {
-    glbblk *b = KX_ENTRY("splmod");
+    PlotBlock *b = qqpltblk(KX_ENTRY("splmod"));
     if (!b || qqchki(b, ngrad, 2, 10) || qqchki(b, npts, 5, 30000)) return;
     b->crv.splgrd = ngrad;
     b->crv.splnpt = npts;
 }
 
 int qqsplpts() noexcept {
-    glbblk *b = qqcur();
+    PlotBlock *b = qqpltblk(qqcur());
     return b ? b->crv.splnpt + 1 : 201;
 }
 
 void marker(int nsym) noexcept {
-    glbblk *b = KX_ENTRY("marker");
+    PlotBlock *b = qqpltblk(KX_ENTRY("marker"));
     if (!b) return;
     bool user = b->crv.usrn > 0 && nsym == b->crv.usrsym;
     if (!user && qqchki(b, nsym, -1, QQ_NSYMB - 1)) return;
@@ -184,57 +207,57 @@ void marker(int nsym) noexcept {
 }
 
 void incmrk(int nmrk) noexcept {
-    glbblk *b = KX_ENTRY("incmrk");
+    PlotBlock *b = qqpltblk(KX_ENTRY("incmrk"));
     if (!b) return;
     b->crv.incmrk = nmrk;
 }
 
 void hsymbl(int nhsym) noexcept {
-    glbblk *b = KX_ENTRY("hsymbl");
+    PlotBlock *b = qqpltblk(KX_ENTRY("hsymbl"));
     if (!b || qqchki(b, nhsym, 1, 10000)) return;
     b->crv.hsymbl = nhsym;
 }
 
 void symrot(double xrot) noexcept {
-    glbblk *b = KX_ENTRY("symrot");
+    PlotBlock *b = qqpltblk(KX_ENTRY("symrot"));
     if (!b) return;
     b->crv.symrot = xrot;
 }
 
 void mrkclr(int nclr) noexcept {
-    glbblk *b = KX_ENTRY("mrkclr");
+    PlotBlock *b = qqpltblk(KX_ENTRY("mrkclr"));
     if (!b || qqchki(b, nclr, -1, -1)) return;
     b->crv.mrkclr = nclr;
 }
 
 void thkcrv(int ithk) noexcept {
-    glbblk *b = KX_ENTRY("thkcrv");
+    PlotBlock *b = qqpltblk(KX_ENTRY("thkcrv"));
     if (!b || qqchki(b, ithk, 1, 10000)) return;
     b->crv.thkcrv = ithk;
 }
 
 void chncrv(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("chncrv");
+    PlotBlock *b = qqpltblk(KX_ENTRY("chncrv"));
     if (!b) return;
     int k = qqkey(b, "NONE+COLO+LINE+BOTH", 4, copt);
     if (k > 0) b->crv.chncrv = k - 1;
 }
 
 void inccrv(int ncrv) noexcept {
-    glbblk *b = KX_ENTRY("inccrv");
+    PlotBlock *b = qqpltblk(KX_ENTRY("inccrv"));
     if (!b || qqchki(b, ncrv, 1, 32000)) return;
     b->crv.inccrv = ncrv;
 }
 
 void gapcrv(double xgap) noexcept {
-    glbblk *b = KX_ENTRY("gapcrv");
+    PlotBlock *b = qqpltblk(KX_ENTRY("gapcrv"));
     if (!b) return;
     b->crv.gapon[0] = 1;
     b->crv.gaplim[0] = xgap;
 }
 
 void gapsiz(double xgap, const char *cax) noexcept {
-    glbblk *b = KX_ENTRY("gapsiz");
+    PlotBlock *b = qqpltblk(KX_ENTRY("gapsiz"));
     if (!b) return;
     char w[4] = {0, 0, 0, 0};
     for (int k = 0; k < 3 && cax && cax[k]; ++k)
@@ -252,7 +275,7 @@ void gapsiz(double xgap, const char *cax) noexcept {
 }
 
 void mysymb(const double *xray, const double *yray, int n, int isym, int iflag) noexcept {
-    glbblk *b = KX_ENTRY("mysymb");
+    PlotBlock *b = qqpltblk(KX_ENTRY("mysymb"));
     if (!b) return;
     if (n < 1) {
         qqwarn(b, 2, n);

@@ -3,14 +3,14 @@
 // symbols.
 #pragma once
 
-#include "core/glbblk.h"
+#include "plots/plot_block.h"
 
 // Attribute state back to its start (cycle position 1, entry pending).
-void qqresatt(glbblk *b) noexcept;
+void qqresatt(PlotBlock *b) noexcept;
 // The next attributes of the cycles, if the curve count asks for it.
-void qqchnatt(glbblk *b) noexcept;
+void qqchnatt(PlotBlock *b) noexcept;
 // Counts a finished curve and moves the cycles after inccrv curves.
-void qqcurvedone(glbblk *b) noexcept;
+void qqcurvedone(PlotBlock *b) noexcept;
 // Points that spline writes: the npts of splmod plus one.  The module's
 // wrapper sizes the result arrays by it.
 int qqsplpts() noexcept;
@@ -25,19 +25,19 @@ int qqspline(const double *x, const double *y, int n, int k, int mode, int npts,
 
 // One symbol centred at a plot position, in the current colour, with the
 // size, rotation and user symbol of the curve settings.
-void qqsymb(glbblk *b, int nsym, double x, double y) noexcept;
+void qqsymb(PlotBlock *b, int nsym, double x, double y) noexcept;
 // A filled polygon in plot coordinates with the solid pattern, the current
 // pattern left as it was.
-void qqsolidfill(glbblk *b, const double *x, const double *y, int n) noexcept;
+void qqsolidfill(PlotBlock *b, const double *x, const double *y, int n) noexcept;
 
 // Legend: the defaults of the legend state at qqinit, and the record of the
 // attributes that a curve or a shaded area drew with.
-void qqleginit(glbblk *b) noexcept;
-void qqlegrecord(glbblk *b, int entry, int pattern, bool line, bool symbol) noexcept;
+void qqleginit(PlotBlock *b) noexcept;
+void qqlegrecord(PlotBlock *b, int entry, int pattern, bool line, bool symbol) noexcept;
 
 // The regression line of linfit drawn as a curve from the first to the last
 // x, after the points as symbols when asked.
-void qqlinfitdraw(glbblk *b, const double *x, const double *y, int n, double a, double c,
+void qqlinfitdraw(PlotBlock *b, const double *x, const double *y, int n, double a, double c,
                   bool symbols) noexcept;
 
 // Bytes of the legend buffer that the calling thread's legend state uses

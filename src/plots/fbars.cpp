@@ -11,11 +11,12 @@
 #include "plots/curve_draw.h"
 #include "plots/fill.h"
 #include "plots/patterns.h"
+#include "plots/plot_block.h"
 
 namespace {
 
 // The body of a candle: filled in a colour, or outlined only.
-void body(glbblk *b, double x0, double x1, double ya, double yb, int colour, bool filled) {
+void body(PlotBlock *b, double x0, double x1, double ya, double yb, int colour, bool filled) {
     int keep = qqbarcolour(b, colour);
     double x[4] = {x0, x1, x1, x0}, y[4] = {ya, ya, yb, yb};
     if (filled)
@@ -26,7 +27,7 @@ void body(glbblk *b, double x0, double x1, double ya, double yb, int colour, boo
     qqbarcolour(b, keep);
 }
 
-void segment(glbblk *b, double x0, double y0, double x1, double y1, int colour) {
+void segment(PlotBlock *b, double x0, double y0, double x1, double y1, int colour) {
     int keep = qqbarcolour(b, colour);
     qqline(b, x0, y0, x1, y1);
     qqflsh(b);
@@ -37,7 +38,7 @@ void segment(glbblk *b, double x0, double y0, double x1, double y1, int colour) 
 
 void fbars(const double *xray, const double *y1ray, const double *y2ray, const double *y3ray,
            const double *y4ray, int n) noexcept {
-    glbblk *b = KX_ENTRY("fbars");
+    PlotBlock *b = qqpltblk(KX_ENTRY("fbars"));
     if (!b) return;
     if (n < 1) {
         qqwarn(b, 2, n);

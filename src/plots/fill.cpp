@@ -7,7 +7,6 @@
 #include <cstdlib>
 
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/session.h"
 #include "core/text.h"
@@ -16,6 +15,7 @@
 #include "kolvex.h"
 #include "plots/line_styles.h"
 #include "plots/patterns.h"
+#include "plots/plot_block.h"
 #include "plots/sweep.h"
 #include "raster/image_mode.h"
 
@@ -47,13 +47,13 @@ void rotate(double *x, double *y, int n, double c, double s) {
 
 // Whether the device has no filled shapes of its own (the native metafile
 // and the plotters): fills reach it as lines.
-bool line_only_device(const glbblk *b) {
+bool line_only_device(const PlotBlock *b) {
     return !(b->dev.drv && b->dev.drv->fill_rect);
 }
 
 // A solid fill drawn as lines takes the thin line: the layer's wide-line
 // outlines would only spill over the edge.  Returns the width to put back.
-int thin_lines(glbblk *b) {
+int thin_lines(PlotBlock *b) {
     int w = b->dev.lnwid;
     if (w > 1) {
         qqflsh(b);
@@ -62,14 +62,14 @@ int thin_lines(glbblk *b) {
     return w;
 }
 
-void wide_again(glbblk *b, int w) {
+void wide_again(PlotBlock *b, int w) {
     if (w > 1) {
         qqflsh(b);
         b->dev.lnwid = w;
     }
 }
 
-void hatch(glbblk *b, double *x, double *y, int n) {
+void hatch(PlotBlock *b, double *x, double *y, int n) {
     StyleState &s = b->sty;
     double d = s.patdst;
     // The native metafile writes no fills: a solid one comes as lines of
@@ -80,7 +80,7 @@ void hatch(glbblk *b, double *x, double *y, int n) {
         qqwar0(b, 53);
         return;
     }
-    int colour = b->dev.curclr;
+    int colour = b->clr.curclr;
     int style = hatch_style(s.pattyp);
     SavedDash saved;
     bool restyle = style != s.ltyp || b->dev.dshn != (style == 0 ? 1 : 2) || b->dev.lnoff != 0;
@@ -116,7 +116,7 @@ void hatch(glbblk *b, double *x, double *y, int n) {
         qqdshback(b, &saved);
         b->dev.lnoff = lnoff;
     }
-    if (b->dev.curclr != colour) qqsetc(b, colour);
+    if (b->clr.curclr != colour) qqsetc(b, colour);
 }
 
 // Whether all n points coincide (a single point does).
@@ -128,7 +128,7 @@ bool coincide(const double *x, const double *y, int n) {
 
 }  // namespace
 
-void qqpfill(glbblk *b, double *x, double *y, int n) noexcept {
+void qqpfill(PlotBlock *b, double *x, double *y, int n) noexcept {
     StyleState &s = b->sty;
     if (n < 2 || s.pattyp == 0) return;
     qqflsh(b);
@@ -145,7 +145,7 @@ void qqpfill(glbblk *b, double *x, double *y, int n) noexcept {
     hatch(b, x, y, n);
 }
 
-void qqarea(glbblk *b, double *x, double *y, int n) noexcept {
+void qqarea(PlotBlock *b, double *x, double *y, int n) noexcept {
     if (n < 1) return;
     const StyleState &s = b->sty;
     if (coincide(x, y, n)) {
@@ -156,7 +156,7 @@ void qqarea(glbblk *b, double *x, double *y, int n) noexcept {
     if (s.pattyp != 0) qqpfill(b, x, y, n);
 }
 
-void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
+void qqrectf(PlotBlock *b, int x1, int y1, int x2, int y2, int colour) noexcept {
     DeviceState &d = b->dev;
     if (d.pl3on) {
         // Through the plane as a polygon of the solid pattern.
@@ -165,21 +165,21 @@ void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept {
         double ay = y1 < y2 ? y1 : y2, by = y1 < y2 ? y2 : y1;
         double px[4] = {ax, bx, bx, ax};
         double py[4] = {ay, ay, by, by};
-        int pat = b->sty.patnum, old = d.curclr;
+        int pat = b->sty.patnum, old = b->clr.curclr;
         qqshdpat(b, QQ_SOLID_PATTERN);
         qqsetc(b, colour);
         qqpfill(b, px, py, 4);
         qqshdpat(b, pat);
-        if (d.curclr != old) qqsetc(b, old);
+        if (b->clr.curclr != old) qqsetc(b, old);
         return;
     }
     qqfrect(b, x1, y1, x2, y2, colour);
 }
 
-void qqframe(glbblk *b, int x, int y, int w, int h, int t, double angle, int colour) noexcept {
+void qqframe(PlotBlock *b, int x, int y, int w, int h, int t, double angle, int colour) noexcept {
     if (t == 0) return;
     DeviceState &d = b->dev;
-    int old = d.curclr;
+    int old = b->clr.curclr;
     if (colour >= 0) qqsetc(b, colour);
     SavedDash saved;
     qqdshsave(b, &saved);
@@ -234,11 +234,11 @@ void qqframe(glbblk *b, int x, int y, int w, int h, int t, double angle, int col
         qqflsh(b);
     }
     qqdshback(b, &saved);
-    if (d.curclr != old) qqsetc(b, old);
+    if (b->clr.curclr != old) qqsetc(b, old);
 }
 
 void areaf(const int *nxray, const int *nyray, int n) noexcept {
-    glbblk *b = KX_ENTRY("areaf");
+    PlotBlock *b = qqpltblk(KX_ENTRY("areaf"));
     if (!b || n < 1) return;
     enum { SMALL = 8 };
     double sx[SMALL], sy[SMALL];
@@ -262,7 +262,7 @@ void areaf(const int *nxray, const int *nyray, int n) noexcept {
 }
 
 void rectan(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("rectan");
+    PlotBlock *b = qqpltblk(KX_ENTRY("rectan"));
     if (!b) return;
     if (nw == 0 || nh == 0) {
         qqwarn(b, 2, 0);
@@ -275,7 +275,7 @@ void rectan(int nx, int ny, int nw, int nh) noexcept {
 }
 
 void recfll(int nx, int ny, int nw, int nh, int ncol) noexcept {
-    glbblk *b = KX_ENTRY("recfll");
+    PlotBlock *b = qqpltblk(KX_ENTRY("recfll"));
     if (!b) return;
     if (nw < 1 || nh < 1) {
         qqwarn(b, 2, nw < nh ? nw : nh);
@@ -285,22 +285,22 @@ void recfll(int nx, int ny, int nw, int nh, int ncol) noexcept {
     long long x2 = (long long)nx + nw - 1, y2 = (long long)ny + nh - 1;
     if (x2 > 0x7fffffff) x2 = 0x7fffffff;
     if (y2 > 0x7fffffff) y2 = 0x7fffffff;
-    qqrectf(b, nx, qqyflpi(b, ny), (int)x2, qqyflpi(b, (int)y2), ncol < 0 ? b->dev.curclr : ncol);
+    qqrectf(b, nx, qqyflpi(b, ny), (int)x2, qqyflpi(b, (int)y2), ncol < 0 ? b->clr.curclr : ncol);
 }
 
 void pagfll(int ncol) noexcept {
-    glbblk *b = KX_ENTRY("pagfll");
+    PlotBlock *b = qqpltblk(KX_ENTRY("pagfll"));
     if (!b) return;
     const DeviceState &d = b->dev;
     qqrectf(b, -d.nxsh, -d.nysh, b->core.nxp - d.nxsh, b->core.nyp - d.nysh,
-            ncol < 0 ? d.curclr : ncol);
+            ncol < 0 ? b->clr.curclr : ncol);
 }
 
 // The pen without dash pattern or offset: positions go straight into the
 // polyline buffer, with the origin shift and the page origin's y.
 namespace {
 template <class Step>
-void plain_pen(glbblk *b, Step step) {
+void plain_pen(PlotBlock *b, Step step) {
     DeviceState &d = b->dev;
     int n = d.dshn;
     double off = d.lnoff;
@@ -313,12 +313,12 @@ void plain_pen(glbblk *b, Step step) {
 }  // namespace
 
 void xmove(double x, double y) noexcept {
-    glbblk *b = KX_ENTRY("xmove");
+    PlotBlock *b = qqpltblk(KX_ENTRY("xmove"));
     if (b) plain_pen(b, [&] { qqmove(b, x, qqyflp(b, y)); });
 }
 
 void xdraw(double x, double y) noexcept {
-    glbblk *b = KX_ENTRY("xdraw");
+    PlotBlock *b = qqpltblk(KX_ENTRY("xdraw"));
     if (b) plain_pen(b, [&] { qqdraw(b, x, qqyflp(b, y)); });
 }
 
@@ -340,7 +340,7 @@ void connpt(double x, double y) noexcept {
 #endif
 
 void rlarea(const double *xray, const double *yray, int n) noexcept {
-    glbblk *b = KX_ENTRY("rlarea");
+    PlotBlock *b = qqpltblk(KX_ENTRY("rlarea"));
     if (!b || n < 1) return;
 #ifdef KX_HAVE_AXES
     qqchkd(b, xray, yray, n);

@@ -26,15 +26,17 @@
 // one work allocation for the sweep (warning 53 when it fails).
 #pragma once
 
-struct glbblk;
+#include "plots/plot_block.h"
 
-void qqpfill(glbblk *b, double *x, double *y, int n) noexcept;
-void qqarea(glbblk *b, double *x, double *y, int n) noexcept;
+struct PlotBlock;
+
+void qqpfill(PlotBlock *b, double *x, double *y, int n) noexcept;
+void qqarea(PlotBlock *b, double *x, double *y, int n) noexcept;
 // Filled rectangle between the corners (x1, y1) and (x2, y2), in a colour
 // value; the current colour is not changed.  In the 3-D plane it is a
 // polygon of the solid pattern, else the layer's qqfrect.
-void qqrectf(glbblk *b, int x1, int y1, int x2, int y2, int colour) noexcept;
+void qqrectf(PlotBlock *b, int x1, int y1, int x2, int y2, int colour) noexcept;
 // Frame round the box with upper left corner (x, y), w by h: |t| rectangles,
 // outward for t above 0, inward below, turned by angle degrees about (x, y);
 // colour -1 keeps the current colour.
-void qqframe(glbblk *b, int x, int y, int w, int h, int t, double angle, int colour) noexcept;
+void qqframe(PlotBlock *b, int x, int y, int w, int h, int t, double angle, int colour) noexcept;

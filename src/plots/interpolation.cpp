@@ -10,6 +10,7 @@
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "plots/curves.h"
+#include "plots/plot_block.h"
 
 namespace {
 
@@ -184,7 +185,7 @@ int qqspline(const double *x, const double *y, int n, int k, int mode, int npts,
 }
 
 int spline(const double *xray, const double *yray, int n, double *xsray, double *ysray) noexcept {
-    glbblk *b = KX_ENTRY("spline");
+    PlotBlock *b = qqpltblk(KX_ENTRY("spline"));
     if (!b) return 0;
     const CurveState &c = b->crv;
     int k = c.splgrd + 1;
@@ -202,7 +203,7 @@ int spline(const double *xray, const double *yray, int n, double *xsray, double 
 }
 
 void bezier(const double *xray, const double *yray, int n, double *x, double *y, int m) noexcept {
-    glbblk *b = KX_ENTRY("bezier");
+    PlotBlock *b = qqpltblk(KX_ENTRY("bezier"));
     if (!b || qqchki(b, n, 2, 21) || qqchki(b, m, 2, 32000)) return;
     double wx[21], wy[21];
     for (int j = 0; j < m; ++j) {
@@ -224,7 +225,7 @@ void bezier(const double *xray, const double *yray, int n, double *x, double *y,
 }
 
 int histog(const double *xray, int n, double *x, double *y) noexcept {
-    glbblk *b = KX_ENTRY("histog");
+    PlotBlock *b = qqpltblk(KX_ENTRY("histog"));
     if (!b || qqchki(b, n, 1, -1)) return 0;
     // The result array is the sort buffer: no copy is needed.  NaN values
     // sort last, each one an entry of its own.
@@ -247,14 +248,14 @@ int histog(const double *xray, int n, double *x, double *y) noexcept {
 
 void linfit(const double *xray, const double *yray, int n, double *a, double *bb, double *r,
             const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("linfit");
+    PlotBlock *b = qqpltblk(KX_ENTRY("linfit"));
     if (!b) return;
     *a = *bb = *r = 0.0;
     int mode = qqkey(b, "NONE+ALL +LINE", 3, copt);
     if (mode == 0) return;
     if (mode > 1) {
         // Drawing needs an axis system: the second guard of the routine.
-        b = qqentry(2, 3, "linfit");
+        b = qqpltblk(qqentry(2, 3, "linfit"));
         if (!b) return;
     }
     if (qqchki(b, n, 2, -1)) return;

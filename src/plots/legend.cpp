@@ -19,6 +19,7 @@
 #include "plots/curves.h"
 #include "plots/fill.h"
 #include "plots/legend_link.h"
+#include "plots/plot_block.h"
 #include "plots/shields.h"
 
 namespace {
@@ -63,7 +64,7 @@ int trimmed(const char *buf, int m, int i, const char **text) {
 }
 
 // Text lines of an entry: with mixleg the control character splits it.
-int entry_lines(glbblk *b, const LegendState &g, const char *buf, int i) {
+int entry_lines(PlotBlock *b, const LegendState &g, const char *buf, int i) {
     if (!g.mix) return 1;
     const char mixc = qqlegmix(b);
     const char *t = buf + (size_t)(i - 1) * g.nmaxln;
@@ -75,7 +76,7 @@ int entry_lines(glbblk *b, const LegendState &g, const char *buf, int i) {
 
 // Calls fn(text, length, index) for each text line of entry i.
 template <class Fn>
-void each_text_line(glbblk *b, const LegendState &g, const char *buf, int i, Fn fn) {
+void each_text_line(PlotBlock *b, const LegendState &g, const char *buf, int i, Fn fn) {
     const char *t;
     int n = trimmed(buf, g.nmaxln, i, &t);
     if (!g.mix) {
@@ -103,7 +104,7 @@ const LegendRecord &record(const LegendState &g, int line) {
     return g.rec[line - 1];
 }
 
-void layout(glbblk *b, const char *buf, Layout *L) {
+void layout(PlotBlock *b, const char *buf, Layout *L) {
     const LegendState &g = b->leg;
     int h = qqleghgt(b);
     double s = qqleglsp(b);
@@ -192,14 +193,14 @@ void layout(glbblk *b, const char *buf, Layout *L) {
     }
 }
 
-bool need_init(glbblk *b) {
+bool need_init(PlotBlock *b) {
     if (b->leg.init) return true;
     qqwar0(b, 15);
     return false;
 }
 
 // The pen width of a record, set without the routine name changing.
-void set_width(glbblk *b, int w) {
+void set_width(PlotBlock *b, int w) {
     if (w < 1 || w == (b->dev.lnwid < 0 ? -b->dev.lnwid : b->dev.lnwid)) return;
     char name[9];
     std::memcpy(name, b->core.rtnam, sizeof name);
@@ -207,7 +208,7 @@ void set_width(glbblk *b, int w) {
     std::memcpy(b->core.rtnam, name, sizeof name);
 }
 
-void rect_outline(glbblk *b, double x0, double y0, double x1, double y1) {
+void rect_outline(PlotBlock *b, double x0, double y0, double x1, double y1) {
     qqmove(b, x0, y0);
     qqdraw(b, x1, y0);
     qqdraw(b, x1, y1);
@@ -217,7 +218,7 @@ void rect_outline(glbblk *b, double x0, double y0, double x1, double y1) {
 
 // The upper left corner of a legend box of w by t: the fixed position,
 // or the upper right corner of the axis system inside the margin.
-void reserved_corner(glbblk *b, int w, int *x, int *y) {
+void reserved_corner(PlotBlock *b, int w, int *x, int *y) {
     const LegendState &g = b->leg;
     if (!g.autopos) {
         *x = g.posx;
@@ -232,7 +233,7 @@ void reserved_corner(glbblk *b, int w, int *x, int *y) {
     *y = a.ty + mm;
 }
 
-void legend_shield(glbblk *b, int x, int y, int w, int t) {
+void legend_shield(PlotBlock *b, int x, int y, int w, int t) {
     if (w < 1 || t < 1) return;
     double v[4] = {(double)x, (double)y, (double)x + w - 1, (double)y + t - 1};
     b->leg.shield = qqshlautoadd(b, QQ_SHL_LEGE, 1, v, 4);
@@ -240,7 +241,7 @@ void legend_shield(glbblk *b, int x, int y, int w, int t) {
 
 // With legends shielded, the first curve keeps the place of the legend
 // free before it is drawn: a box of the largest size that leglin met.
-void reserve_shield(glbblk *b) {
+void reserve_shield(PlotBlock *b) {
     LegendState &g = b->leg;
     if (!g.init || g.shield || !qqshlauto(b, QQ_SHL_LEGE) || g.maxw < 1 || g.maxh < 1) return;
     int x, y;
@@ -250,7 +251,7 @@ void reserve_shield(glbblk *b) {
 
 }  // namespace
 
-void qqleginit(glbblk *b) noexcept {
+void qqleginit(PlotBlock *b) noexcept {
     LegendState &g = b->leg;
     std::memset(&g, 0, sizeof g);
     g.bgd = -1;
@@ -259,7 +260,7 @@ void qqleginit(glbblk *b) noexcept {
     std::strcpy(g.title, "Legende");
 }
 
-void qqlegrecord(glbblk *b, int entry, int pattern, bool line, bool symbol) noexcept {
+void qqlegrecord(PlotBlock *b, int entry, int pattern, bool line, bool symbol) noexcept {
     if (entry < 1 || entry > QQ_NLEG || b->leg.ownpat) return;
     LegendRecord &r = b->leg.rec[entry - 1];
     const DeviceState &d = b->dev;
@@ -270,7 +271,7 @@ void qqlegrecord(glbblk *b, int entry, int pattern, bool line, bool symbol) noex
     r.symb = symbol ? c.marker : -1;
     r.thick = c.thkcrv;
     r.penw = d.lnwid < 0 ? -d.lnwid : d.lnwid;
-    r.colour = d.curclr;
+    r.colour = b->clr.curclr;
     r.mcolour = c.mrkclr;
     r.pattern = pattern;
     if (entry > b->leg.nrec) b->leg.nrec = entry;
@@ -278,7 +279,7 @@ void qqlegrecord(glbblk *b, int entry, int pattern, bool line, bool symbol) noex
 }
 
 void legini(char *cbuf, int nlin, int nmaxln) noexcept {
-    glbblk *b = KX_ENTRY("legini");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legini"));
     if (!b) return;
     if (nlin < 1 || nlin > QQ_NLEG) {
         qqwarn(b, 2, nlin);
@@ -312,7 +313,7 @@ void legini(char *cbuf, int nlin, int nmaxln) noexcept {
 }
 
 void leglin(char *cbuf, const char *cstr, int ilin) noexcept {
-    glbblk *b = KX_ENTRY("leglin");
+    PlotBlock *b = qqpltblk(KX_ENTRY("leglin"));
     if (!b || !need_init(b)) return;
     LegendState &g = b->leg;
     if (ilin < 1 || ilin > g.nlin) {
@@ -338,7 +339,7 @@ void leglin(char *cbuf, const char *cstr, int ilin) noexcept {
 }
 
 void legtit(const char *ctit) noexcept {
-    glbblk *b = KX_ENTRY("legtit");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legtit"));
     if (!b || !need_init(b)) return;
     size_t n = std::strlen(ctit);
     if (n > 80) n = 80;
@@ -348,7 +349,7 @@ void legtit(const char *ctit) noexcept {
 }
 
 void legpos(int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("legpos");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legpos"));
     if (!b || !need_init(b)) return;
     b->leg.autopos = 0;
     b->leg.posx = nx;
@@ -356,7 +357,7 @@ void legpos(int nx, int ny) noexcept {
 }
 
 void legtyp(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("legtyp");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legtyp"));
     if (!b) return;
     if (b->leg.init) {
         qqwar1(b, 182, "legtyp must be called before legini");
@@ -367,7 +368,7 @@ void legtyp(const char *copt) noexcept {
 }
 
 void legtbl(int nclm, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("legtbl");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legtbl"));
     if (!b || !need_init(b) || qqchki(b, nclm, 1, QQ_NLEG)) return;
     int k = qqkey(b, "VERT+HORI", 2, copt);
     if (k == 0) return;
@@ -376,7 +377,7 @@ void legtbl(int nclm, const char *copt) noexcept {
 }
 
 void legsel(const int *nray, int n) noexcept {
-    glbblk *b = KX_ENTRY("legsel");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legsel"));
     if (!b || qqchki(b, n, -1, 30)) return;
     for (int i = 0; i < n; ++i)
         if (nray[i] < 1) {
@@ -388,7 +389,7 @@ void legsel(const int *nray, int n) noexcept {
 }
 
 void legopt(double xf1, double xf2, double xf3) noexcept {
-    glbblk *b = KX_ENTRY("legopt");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legopt"));
     if (!b || !need_init(b)) return;
     if (!(xf1 >= 0) || !(xf2 > 0) || !(xf3 > 0)) {
         qqwarnd(b, 2, !(xf1 >= 0) ? xf1 : !(xf2 > 0) ? xf2 : xf3);
@@ -400,7 +401,7 @@ void legopt(double xf1, double xf2, double xf3) noexcept {
 }
 
 void legval(double x, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("legval");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legval"));
     if (!b || !need_init(b)) return;
     int k = qqkey(b, "PATT+MARG+LINE+SYMB+HSPA+DIST", 6, copt);
     LegendState &g = b->leg;
@@ -409,7 +410,7 @@ void legval(double x, const char *copt) noexcept {
 }
 
 void legpat(int ityp, int ithk, int isym, int iclr, int ipat, int ilin) noexcept {
-    glbblk *b = KX_ENTRY("legpat");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legpat"));
     if (!b || !need_init(b)) return;
     if (qqchki(b, ityp, -1, 7) || qqchki(b, ithk, 1, -1) || qqchki(b, isym, -1, QQ_NSYMB - 1) ||
         qqchki(b, iclr, -1, -1) || qqchki(b, ilin, 1, QQ_NLEG))
@@ -426,7 +427,7 @@ void legpat(int ityp, int ithk, int isym, int iclr, int ipat, int ilin) noexcept
     r.symb = isym;
     r.thick = 1;
     r.penw = ithk;
-    r.colour = iclr == -1 ? b->dev.curclr : iclr;
+    r.colour = iclr == -1 ? b->clr.curclr : iclr;
     r.mcolour = -1;
     r.pattern = ipat;
     g.flags[ilin - 1] = '1';
@@ -434,13 +435,13 @@ void legpat(int ityp, int ithk, int isym, int iclr, int ipat, int ilin) noexcept
 }
 
 void legclr() noexcept {
-    glbblk *b = KX_ENTRY("legclr");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legclr"));
     if (!b) return;
     b->leg.clrflag = 1;
 }
 
 void legbgd(int nclr) noexcept {
-    glbblk *b = KX_ENTRY("legbgd");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legbgd"));
     // -1 takes the background away; any colour from 0 up, index or
     // explicit RGB value, is a background.
     if (!b || qqchki(b, nclr, -1, -2)) return;
@@ -448,13 +449,13 @@ void legbgd(int nclr) noexcept {
 }
 
 void mixleg() noexcept {
-    glbblk *b = KX_ENTRY("mixleg");
+    PlotBlock *b = qqpltblk(KX_ENTRY("mixleg"));
     if (!b) return;
     b->leg.mix = 1;
 }
 
 int nxlegn(const char *cbuf) noexcept {
-    glbblk *b = KX_ENTRY("nxlegn");
+    PlotBlock *b = qqpltblk(KX_ENTRY("nxlegn"));
     if (!b || !need_init(b)) return 0;
     Layout L;
     layout(b, cbuf, &L);
@@ -464,7 +465,7 @@ int nxlegn(const char *cbuf) noexcept {
 }
 
 int nylegn(const char *cbuf) noexcept {
-    glbblk *b = KX_ENTRY("nylegn");
+    PlotBlock *b = qqpltblk(KX_ENTRY("nylegn"));
     if (!b || !need_init(b)) return 0;
     Layout L;
     layout(b, cbuf, &L);
@@ -472,7 +473,7 @@ int nylegn(const char *cbuf) noexcept {
 }
 
 void legend(const char *cbuf, int npos) noexcept {
-    glbblk *b = KX_ENTRY("legend");
+    PlotBlock *b = qqpltblk(KX_ENTRY("legend"));
     if (!b || !need_init(b)) return;
     LegendState &g = b->leg;
     if (g.autopos && (npos < 1 || npos > 10)) {
@@ -623,7 +624,7 @@ void legend(const char *cbuf, int npos) noexcept {
                 }
                 if (r.symb != -1 && b->crv.hsymbl >= 1) {
                     qqsolid(b);
-                    int cur = b->dev.curclr;
+                    int cur = b->clr.curclr;
                     if (r.mcolour != -1) qqsetc(b, r.mcolour);
                     qqsymb(b, r.symb, cx + p / 2, cy + h / 2);
                     qqflsh(b);
@@ -656,13 +657,13 @@ void legend(const char *cbuf, int npos) noexcept {
         });
     }
     qqflsh(b);
-    if (b->dev.curclr != save.colour) qqsetc(b, save.colour);
+    if (b->clr.curclr != save.colour) qqsetc(b, save.colour);
     if (reserved || qqshlauto(b, QQ_SHL_LEGE)) legend_shield(b, x, y, w, t);
     b->core.ynoflp = flip;
 }
 
 int qqlegbytes() noexcept {
-    glbblk *b = qqcur();
+    PlotBlock *b = qqpltblk(qqcur());
     if (!b || !b->leg.init) return 0;
     return b->leg.nlin * b->leg.nmaxln;
 }

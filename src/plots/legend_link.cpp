@@ -6,11 +6,12 @@
 #include "devices/device.h"
 #include "plots/fill.h"
 #include "plots/legend_link.h"
+#include "plots/plot_block.h"
 
-int qqleghgt(glbblk *b) noexcept {
+int qqleghgt(PlotBlock *b) noexcept {
     return qqaxth(b);
 }
-double qqleglsp(glbblk *b) noexcept {
+double qqleglsp(PlotBlock *b) noexcept {
     return qqaxlinesp(b);
 }
 
@@ -24,27 +25,27 @@ void copy_text(const char *text, int n, char *out) {
 }
 }  // namespace
 
-int qqlegwidth(glbblk *b, const char *text, int n) noexcept {
+int qqlegwidth(PlotBlock *b, const char *text, int n) noexcept {
     char t[257];
     copy_text(text, n, t);
     return (int)qqaxtw(b, t);
 }
 
-void qqlegtext(glbblk *b, const char *text, int n, int x, int y) noexcept {
+void qqlegtext(PlotBlock *b, const char *text, int n, int x, int y) noexcept {
     char t[257];
     copy_text(text, n, t);
     qqaxtxt(b, t, x, y, 0);
 }
-int qqlegframe(glbblk *b) noexcept {
+int qqlegframe(PlotBlock *b) noexcept {
     return b->ax.frmthk;
 }
 
-void qqlegbox(glbblk *b, int x, int y, int w, int h, int f) noexcept {
+void qqlegbox(PlotBlock *b, int x, int y, int w, int h, int f) noexcept {
     qqframe(b, x, y, w, h, f, 0.0, -1);
     qqflsh(b);
 }
 
-void qqlegaxis(glbblk *b, LegendAxis *a) noexcept {
+void qqlegaxis(PlotBlock *b, LegendAxis *a) noexcept {
     const ScaleRecord &r = b->ax.rec;
     a->px = r.nxa;
     a->py = r.nya;
@@ -54,6 +55,6 @@ void qqlegaxis(glbblk *b, LegendAxis *a) noexcept {
     a->ty = b->ax.legy;
 }
 
-char qqlegmix(glbblk *b) noexcept {
+char qqlegmix(PlotBlock *b) noexcept {
     return b->txt.mixchr[3] ? b->txt.mixchr[3] : '/';
 }

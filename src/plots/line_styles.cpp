@@ -6,7 +6,6 @@
 
 #include <cstring>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -14,6 +13,7 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "plots/plot_block.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ const int kStyles[8][5] = {
 
 }  // namespace
 
-void qqlintyp(glbblk *b, int ityp) noexcept {
+void qqlintyp(PlotBlock *b, int ityp) noexcept {
     DeviceState &d = b->dev;
     const int *s = kStyles[ityp];
     d.dshn = s[0];
@@ -43,7 +43,7 @@ void qqlintyp(glbblk *b, int ityp) noexcept {
     qqdshres(b);
 }
 
-void qqdshsave(glbblk *b, SavedDash *s) noexcept {
+void qqdshsave(PlotBlock *b, SavedDash *s) noexcept {
     const DeviceState &d = b->dev;
     s->ltyp = b->sty.ltyp;
     s->dshn = d.dshn;
@@ -54,7 +54,7 @@ void qqdshsave(glbblk *b, SavedDash *s) noexcept {
     s->clridx = d.clridx;
 }
 
-void qqdshback(glbblk *b, const SavedDash *s) noexcept {
+void qqdshback(PlotBlock *b, const SavedDash *s) noexcept {
     DeviceState &d = b->dev;
     b->sty.ltyp = s->ltyp;
     d.dshn = s->dshn;
@@ -66,15 +66,15 @@ void qqdshback(glbblk *b, const SavedDash *s) noexcept {
 }
 
 void lintyp(int ityp) noexcept {
-    glbblk *b = KX_ENTRY("lintyp");
+    PlotBlock *b = qqpltblk(KX_ENTRY("lintyp"));
     if (!b || qqchki(b, ityp, 0, 7)) return;
     qqlintyp(b, ityp);
 }
 
-#define KX_NAMED_STYLE(name, n)         \
-    void name() noexcept {              \
-        glbblk *b = KX_ENTRY(#name);    \
-        if (b) qqlintyp(b, n);          \
+#define KX_NAMED_STYLE(name, n)                   \
+    void name() noexcept {                        \
+        PlotBlock *b = qqpltblk(KX_ENTRY(#name)); \
+        if (b) qqlintyp(b, n);                    \
     }
 KX_NAMED_STYLE(solid, 0)
 KX_NAMED_STYLE(dot, 1)
@@ -87,7 +87,7 @@ KX_NAMED_STYLE(dashl, 7)
 #undef KX_NAMED_STYLE
 
 void myline(const int *nray, int n) noexcept {
-    glbblk *b = KX_ENTRY("myline");
+    PlotBlock *b = qqpltblk(KX_ENTRY("myline"));
     if (!b || qqchki(b, n, 1, 10)) return;
     for (int k = 0; k < n; ++k)
         if (nray[k] < 1) {
@@ -101,7 +101,7 @@ void myline(const int *nray, int n) noexcept {
 }
 
 void linclr(const int *nray, int n) noexcept {
-    glbblk *b = KX_ENTRY("linclr");
+    PlotBlock *b = qqpltblk(KX_ENTRY("linclr"));
     if (!b || qqchki(b, n, 0, 10)) return;
     for (int k = 0; k < n; ++k)
         if (nray[k] < 0) {
@@ -115,18 +115,18 @@ void linclr(const int *nray, int n) noexcept {
 }
 
 void line(int nx1, int ny1, int nx2, int ny2) noexcept {
-    glbblk *b = KX_ENTRY("line");
+    PlotBlock *b = qqpltblk(KX_ENTRY("line"));
     if (!b) return;
     qqline(b, nx1, qqyflp(b, ny1), nx2, qqyflp(b, ny2));
 }
 
 int getlin() noexcept {
-    glbblk *b = KX_ENTRY("getlin");
+    PlotBlock *b = qqpltblk(KX_ENTRY("getlin"));
     if (!b) return 0;
     return b->dev.lnwid < 0 ? -b->dev.lnwid : b->dev.lnwid;
 }
 
 int gettyp() noexcept {
-    glbblk *b = KX_ENTRY("gettyp");
+    PlotBlock *b = qqpltblk(KX_ENTRY("gettyp"));
     return b ? b->sty.ltyp : 0;
 }

@@ -3,11 +3,13 @@
 // (qqline, qqpolyln) are the device layer's, in devices/device.h.
 #pragma once
 
-struct glbblk;
+#include "plots/plot_block.h"
+
+struct PlotBlock;
 
 // Sets line style 0 to 7 by the style table (no checks): the dash lengths
 // in plot coordinates and a fresh dash state.
-void qqlintyp(glbblk *b, int ityp) noexcept;
+void qqlintyp(PlotBlock *b, int ityp) noexcept;
 // The dash pattern of the device layer, saved round a drawing that needs
 // a style of its own (hatching, frames).
 struct SavedDash {
@@ -15,5 +17,5 @@ struct SavedDash {
     double dsrem;
     int dspen, dsidx, clridx;
 };
-void qqdshsave(glbblk *b, SavedDash *s) noexcept;
-void qqdshback(glbblk *b, const SavedDash *s) noexcept;
+void qqdshsave(PlotBlock *b, SavedDash *s) noexcept;
+void qqdshback(PlotBlock *b, const SavedDash *s) noexcept;

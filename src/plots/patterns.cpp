@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
@@ -14,6 +13,7 @@
 #include "kolvex.h"
 #include "plots/fill.h"
 #include "plots/line_styles.h"
+#include "plots/plot_block.h"
 #include "plots/sweep.h"
 
 namespace {
@@ -24,7 +24,7 @@ const int kCodes[18] = {0,     45150, 150450, 135150, 45450, 45151, 135210, 4545
 
 // Derives angle, type, density, cross flag, line distance and the bundle
 // of a code; the pattern number is the caller's.
-void apply_code(glbblk *b, int code) {
+void apply_code(PlotBlock *b, int code) {
     StyleState &s = b->sty;
     s.patcrs = code % 2;
     s.patden = code / 10 % 10;
@@ -57,16 +57,22 @@ void apply_code(glbblk *b, int code) {
     s.patdst = s.shdfct * (double)d / b->core.unitf;
 }
 
-int hatch_polys(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
-                double d, int maxcross, void (*move)(glbblk *, double, double),
-                void (*draw)(glbblk *, double, double)) {
+int hatch_polys(DeviceBlock *b, const double *const *x, const double *const *y, const int *n,
+                int npoly, double d, int maxcross, void (*move)(DeviceBlock *, double, double),
+                void (*draw)(DeviceBlock *, double, double)) {
     if (!move || !draw) return 0;
     SweepPen pen{move, draw};
-    return qqsweepn(b, x, y, n, npoly, d, maxcross, 0, 0, 0, pen);
+    return qqsweepn(qqpltblk(b), x, y, n, npoly, d, maxcross, 0, 0, 0, pen);
 }
 
-void styles_first(glbblk *b) {
-    b->dev.fillfn = qqpfill;
+// The device layer's fill of a polygon, done with the pattern in force.
+void pattern_fill(DeviceBlock *b, double *x, double *y, int n) {
+    qqpfill(qqpltblk(b), x, y, n);
+}
+
+void styles_first(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
+    b->dev.fillfn = pattern_fill;
     b->dev.hatchfn = hatch_polys;
     b->sty.shdfct = 1.0;
     b->sty.outline = 1;
@@ -74,9 +80,10 @@ void styles_first(glbblk *b) {
     for (int k = 0; k < 30; ++k) b->sty.patcycl[k] = k % 18;
 }
 
-void styles_init(glbblk *b) {
+void styles_init(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     StyleState &s = b->sty;
-    b->dev.fillfn = qqpfill;
+    b->dev.fillfn = pattern_fill;
     b->dev.hatchfn = hatch_polys;
     qqlintyp(b, 0);
     s.shdfct = 1.0;
@@ -88,16 +95,24 @@ void styles_init(glbblk *b) {
     qqshdpat(b, 0);
 }
 
-void reset_linclr(glbblk *b) {
+void reset_linclr(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->dev.clrn = 0;
     b->dev.clridx = 1;
 }
-void reset_noarln(glbblk *b) { b->sty.outline = 1; }
-void reset_nofill(glbblk *b) { b->sty.logofill = 1; }
-void reset_patcyc(glbblk *b) {
+void reset_noarln(CoreBlock *b) {
+    qqpltblk(b)->sty.outline = 1;
+}
+void reset_nofill(CoreBlock *b) {
+    qqpltblk(b)->sty.logofill = 1;
+}
+void reset_patcyc(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     for (int k = 0; k < 30; ++k) b->sty.patcycl[k] = k % 18;
 }
-void reset_shdpat(glbblk *b) { qqshdpat(b, 0); }
+void reset_shdpat(CoreBlock *b) {
+    qqshdpat(qqpltblk(b), 0);
+}
 
 const ResetEntry kResets[] = {
     {"LINC", reset_linclr}, {"NOAR", reset_noarln}, {"NOFI", reset_nofill},
@@ -108,15 +123,17 @@ const ResetEntry kResets[] = {
 
 extern const Subsystem kxsub_styles = {"styles", styles_first, styles_init, nullptr, kResets, nullptr};
 
-void qqshdpat(glbblk *b, int n) noexcept {
+void qqshdpat(PlotBlock *b, int n) noexcept {
     apply_code(b, n < 18 ? kCodes[n] : n);
     b->sty.patnum = n;
 }
 
-int qqgetpat(const glbblk *b) noexcept { return b->sty.patnum; }
+int qqgetpat(const PlotBlock *b) noexcept {
+    return b->sty.patnum;
+}
 
 void shdpat(int ipat) noexcept {
-    glbblk *b = KX_ENTRY("shdpat");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shdpat"));
     if (!b) return;
     if (ipat < 0) {
         qqwarn(b, 2, ipat);
@@ -126,7 +143,7 @@ void shdpat(int ipat) noexcept {
 }
 
 void mypat(int iang, int itype, int idens, int icross) noexcept {
-    glbblk *b = KX_ENTRY("mypat");
+    PlotBlock *b = qqpltblk(KX_ENTRY("mypat"));
     if (!b) return;
     int bad = qqchki(b, iang, 0, 179);
     bad |= qqchki(b, itype, 0, 7);
@@ -139,13 +156,13 @@ void mypat(int iang, int itype, int idens, int icross) noexcept {
 }
 
 void patcyc(int index, int ipat) noexcept {
-    glbblk *b = KX_ENTRY("patcyc");
+    PlotBlock *b = qqpltblk(KX_ENTRY("patcyc"));
     if (!b || qqchki(b, index, 1, 30) || qqchki(b, ipat, 0, 180000)) return;
     b->sty.patcycl[index - 1] = ipat;
 }
 
 void shdfac(double xfac) noexcept {
-    glbblk *b = KX_ENTRY("shdfac");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shdfac"));
     if (!b) return;
     if (!(xfac > 0) || !std::isfinite(xfac)) {
         qqwarnd(b, 2, xfac);
@@ -155,16 +172,16 @@ void shdfac(double xfac) noexcept {
 }
 
 void noarln() noexcept {
-    glbblk *b = KX_ENTRY("noarln");
+    PlotBlock *b = qqpltblk(KX_ENTRY("noarln"));
     if (b) b->sty.outline = 0;
 }
 
 void nofill() noexcept {
-    glbblk *b = KX_ENTRY("nofill");
+    PlotBlock *b = qqpltblk(KX_ENTRY("nofill"));
     if (b) b->sty.logofill = 0;
 }
 
 int getpat() noexcept {
-    glbblk *b = KX_ENTRY("getpat");
+    PlotBlock *b = qqpltblk(KX_ENTRY("getpat"));
     return b ? b->sty.patnum : 0;
 }

@@ -1,11 +1,11 @@
 // polclp: one pass of the Sutherland-Hodgman clipper against one border.
 #include <cmath>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "plots/plot_block.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ void crossing(int edge, double x0, double y0, double x1, double y1, double v, do
 
 int polclp(const double *xray, const double *yray, int n, double *xout, double *yout, int nmax,
            double xv, const char *cedge) noexcept {
-    glbblk *b = KX_ENTRY("polclp");
+    PlotBlock *b = qqpltblk(KX_ENTRY("polclp"));
     if (!b) return 0;
     if (n < 1 || nmax < 1) {
         qqwarn(b, 2, n < 1 ? n : nmax);

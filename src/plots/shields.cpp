@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -18,6 +17,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "plots/fill.h"
+#include "plots/plot_block.h"
 #include "plots/shields.h"
 
 namespace {
@@ -51,7 +51,7 @@ int words_of(const ShieldState &s, int off) {
     return t == 6 ? 3 + 2 * s.store[off + 2] : kWords[t];
 }
 
-int segtest(glbblk *b, double x0, double y0, double x1, double y1);
+int segment_hook(DeviceBlock *b, double x0, double y0, double x1, double y1);
 
 int cell_of(double v, double lo, double scale) {
     double c = (v - lo) * scale;
@@ -75,7 +75,7 @@ void index_grid(ShieldState &s) {
 }
 
 // Decodes the visible records and sets or clears the device hook.
-void rebuild(glbblk *b) {
+void rebuild(PlotBlock *b) {
     ShieldState &s = b->shl;
     s.nvis = 0;
     s.ux0 = s.uy0 = 1e300;
@@ -140,11 +140,12 @@ void rebuild(glbblk *b) {
         s.ux1 = std::max(s.ux1, r.bx1), s.uy1 = std::max(s.uy1, r.by1);
     }
     index_grid(s);
-    b->dev.segtest = s.nreg > 0 ? segtest : nullptr;
+    b->dev.segtest = s.nreg > 0 ? segment_hook : nullptr;
 }
 
 // Removes the records for which a test holds; returns how many.
-template <class Test> int remove_if(glbblk *b, Test test) {
+template <class Test>
+int remove_if(PlotBlock *b, Test test) {
     ShieldState &s = b->shl;
     int out = 0, kept = 0, gone = 0;
     for (int off = 0, k = 0; k < s.nreg; ++k) {
@@ -332,7 +333,8 @@ void crossings(const ShieldState &s, const ShieldRegion &r, Cross &c, double x0,
 
 // The segment hook of the device layer.  Returns 1 when it has sent the
 // segment itself (in pieces, or as a move), 0 to let the layer draw it.
-int segtest(glbblk *b, double x0, double y0, double x1, double y1) {
+int segment_hook(DeviceBlock *db, double x0, double y0, double x1, double y1) {
+    PlotBlock *b = qqpltblk(db);
     const ShieldState &s = b->shl;
     if (s.nvis == 0) return 0;
     double sx0 = std::min(x0, x1), sx1 = std::max(x0, x1), sy0 = std::min(y0, y1), sy1 = std::max(y0, y1);
@@ -398,7 +400,7 @@ int segtest(glbblk *b, double x0, double y0, double x1, double y1) {
     return 1;
 }
 
-int add_record(glbblk *b, int type, const short *vals, int nv) {
+int add_record(PlotBlock *b, int type, const short *vals, int nv) {
     ShieldState &s = b->shl;
     qqflsh(b);
     if (s.nreg == 0) s.nused = s.lastid = s.nown = 0;
@@ -417,7 +419,8 @@ int add_record(glbblk *b, int type, const short *vals, int nv) {
     return s.lastid;
 }
 
-void shields_init(glbblk *b) {
+void shields_init(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     ShieldState &s = b->shl;
     s.nused = s.nreg = s.lastid = s.nown = s.kind = s.surf = 0;
     for (int &f : s.autofl) f = 0;
@@ -426,11 +429,14 @@ void shields_init(glbblk *b) {
     b->txt.shield = nullptr;
 }
 
-void reset_flags(glbblk *b) {
+void reset_flags(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     for (int &f : b->shl.autofl) f = 0;
     b->txt.shield = nullptr;
 }
-void reset_surface(glbblk *b) { b->shl.surf = 0; }
+void reset_surface(CoreBlock *b) {
+    qqpltblk(b)->shl.surf = 0;
+}
 
 const ResetEntry kResets[] = {{"SHIE", reset_flags}, {"SHLS", reset_surface}, {nullptr, nullptr}};
 
@@ -438,7 +444,7 @@ const ResetEntry kResets[] = {{"SHIE", reset_flags}, {"SHLS", reset_surface}, {n
 
 extern const Subsystem kxsub_shields = {"shields", nullptr, shields_init, nullptr, kResets, nullptr};
 
-int qqshladd(glbblk *b, int type, const double *v, int nv) noexcept {
+int qqshladd(PlotBlock *b, int type, const double *v, int nv) noexcept {
     if (type < 1 || type > 6) return 0;
     short w[QQ_SHLWORDS];
     double ox = b->dev.nxsh, oy = b->dev.nysh;
@@ -475,11 +481,11 @@ int qqshladd(glbblk *b, int type, const double *v, int nv) noexcept {
     return add_record(b, type, w, n);
 }
 
-int qqshlauto(glbblk *b, int kind) noexcept {
+int qqshlauto(PlotBlock *b, int kind) noexcept {
     return kind >= 1 && kind <= 5 ? b->shl.autofl[kind - 1] : 0;
 }
 
-int qqshlautoadd(glbblk *b, int kind, int type, const double *v, int nv) noexcept {
+int qqshlautoadd(PlotBlock *b, int kind, int type, const double *v, int nv) noexcept {
     int saved = b->shl.kind;
     b->shl.kind = kind;
     int id = qqshladd(b, type, v, nv);
@@ -492,7 +498,8 @@ namespace {
 // The box of a string drawn while texts are shielded: a rectangle when the
 // text runs straight across or up the page, else the turned box as a
 // polygon.
-void text_shield(glbblk *b, const double *bx, const double *by) {
+void text_shield(TextBlock *tb, const double *bx, const double *by) {
+    PlotBlock *b = qqpltblk(tb);
     bool across = std::fabs(by[0] - by[1]) < 1e-9 && std::fabs(bx[1] - bx[2]) < 1e-9;
     bool up = std::fabs(bx[0] - bx[1]) < 1e-9 && std::fabs(by[1] - by[2]) < 1e-9;
     if (across || up) {
@@ -508,7 +515,7 @@ void text_shield(glbblk *b, const double *bx, const double *by) {
 
 }  // namespace
 
-void qqshldelid(glbblk *b, int id, int kind) noexcept {
+void qqshldelid(PlotBlock *b, int id, int kind) noexcept {
     if (id <= 0) return;
     qqflsh(b);
     remove_if(b, [id, kind](const short *w) { return w[1] == id && kind_of(w[0]) == kind; });
@@ -522,10 +529,11 @@ namespace {
 // out of the way: the frame lies on the region's border and would
 // otherwise be cut away by the region itself.
 struct FrameScope {
-    glbblk *b;
-    int (*hook)(glbblk *, double, double, double, double);
+    PlotBlock *b;
+    int (*hook)(DeviceBlock *, double, double, double, double);
     int pl3on, trfon;
-    explicit FrameScope(glbblk *bb) : b(bb), hook(bb->dev.segtest), pl3on(bb->dev.pl3on), trfon(bb->dev.trfon) {
+    explicit FrameScope(PlotBlock *bb)
+        : b(bb), hook(bb->dev.segtest), pl3on(bb->dev.pl3on), trfon(bb->dev.trfon) {
         qqflsh(b);
         b->dev.segtest = nullptr;
         b->dev.pl3on = 0;
@@ -539,11 +547,13 @@ struct FrameScope {
     }
 };
 
-int frame_of(glbblk *b) { return b->shl.kind == 0 ? b->ax.frmthk : 0; }
+int frame_of(PlotBlock *b) {
+    return b->shl.kind == 0 ? b->ax.frmthk : 0;
+}
 
 // |t| ellipses about (x, y), each semi-axis grown (or, for t below 0,
 // shrunk) by i; a circle has a equal to b.
-void frame_ellipse(glbblk *b, double x, double y, double a, double bb, double angle, int t) {
+void frame_ellipse(PlotBlock *b, double x, double y, double a, double bb, double angle, int t) {
     FrameScope scope(b);
     double c = std::cos(angle), sn = std::sin(angle);
     int m = t < 0 ? -t : t;
@@ -567,7 +577,7 @@ void frame_ellipse(glbblk *b, double x, double y, double a, double bb, double an
 // radius r + e, widened on both sides by the angle that spans e on the
 // rim, and the two radial lines moved outward by e, which end where they
 // cross, or at the midpoint of their inner ends when they do not.
-void frame_pie(glbblk *b, double x, double y, double r, double a0, double a1, int t) {
+void frame_pie(PlotBlock *b, double x, double y, double r, double a0, double a1, int t) {
     FrameScope scope(b);
     if (a1 < a0) a1 += 2 * kPi;
     int m = t < 0 ? -t : t;
@@ -598,7 +608,7 @@ void frame_pie(glbblk *b, double x, double y, double r, double a0, double a1, in
 
 // |t| polygons at the distances 0, 1, ... outside the polygon v of m
 // points (inside for t below 0), each vertex where its two moved edges meet.
-void frame_polygon(glbblk *b, const double *v, int m, int t) {
+void frame_polygon(PlotBlock *b, const double *v, int m, int t) {
     FrameScope scope(b);
     double area = 0;
     for (int j = 0; j < m; ++j) {
@@ -632,7 +642,7 @@ void frame_polygon(glbblk *b, const double *v, int m, int t) {
 // ---- public routines ----
 
 void shield(const char *cblank, const char *cmode) noexcept {
-    glbblk *b = KX_ENTRY("shield");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shield"));
     if (!b) return;
     int k = qqkey(b, "MESS+SYMB+BARS+PIE +LEGE", 5, cblank);
     if (!k) return;
@@ -660,7 +670,7 @@ void shield(const char *cblank, const char *cmode) noexcept {
 }
 
 void shlrec(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("shlrec");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlrec"));
     if (!b) return;
     if (nw < 1 || nh < 1) {
         qqwarn(b, 2, nw < nh ? nw : nh);
@@ -675,7 +685,7 @@ void shlrec(int nx, int ny, int nw, int nh) noexcept {
 }
 
 void shlrct(int nx, int ny, int nw, int nh, double angle) noexcept {
-    glbblk *b = KX_ENTRY("shlrct");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlrct"));
     if (!b) return;
     if (nw < 1 || nh < 1 || !std::isfinite(angle)) {
         qqwarn(b, 2, nw < nh ? nw : nh);
@@ -691,7 +701,7 @@ void shlrct(int nx, int ny, int nw, int nh, double angle) noexcept {
 }
 
 void shlcir(int nx, int ny, int nr) noexcept {
-    glbblk *b = KX_ENTRY("shlcir");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlcir"));
     if (!b) return;
     if (qqchki(b, nr, 1, 10000)) return;
     double v[3] = {(double)nx, qqyflp(b, ny), (double)nr};
@@ -700,7 +710,7 @@ void shlcir(int nx, int ny, int nr) noexcept {
 }
 
 void shlell(int nx, int ny, int na, int nb, double angle) noexcept {
-    glbblk *b = KX_ENTRY("shlell");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlell"));
     if (!b) return;
     if (na < 1 || nb < 1 || !std::isfinite(angle)) {
         qqwarn(b, 2, na < nb ? na : nb);
@@ -712,7 +722,7 @@ void shlell(int nx, int ny, int na, int nb, double angle) noexcept {
 }
 
 void shlpie(int nx, int ny, int nr, double alpha, double beta) noexcept {
-    glbblk *b = KX_ENTRY("shlpie");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlpie"));
     if (!b) return;
     if (qqchki(b, nr, 1, 10000)) return;
     if (!std::isfinite(alpha) || !std::isfinite(beta)) {
@@ -732,7 +742,7 @@ void shlpie(int nx, int ny, int nr, double alpha, double beta) noexcept {
 }
 
 void shlpol(const int *nxray, const int *nyray, int n) noexcept {
-    glbblk *b = KX_ENTRY("shlpol");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlpol"));
     if (!b) return;
     if (qqchki(b, n, 3, 2000)) return;
     if (!nxray || !nyray) return;
@@ -756,7 +766,7 @@ void shlpol(const int *nxray, const int *nyray, int n) noexcept {
 }
 
 void shlres(int n) noexcept {
-    glbblk *b = KX_ENTRY("shlres");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlres"));
     if (!b) return;
     if (n < 1) {
         qqwarn(b, 2, n);
@@ -770,7 +780,7 @@ void shlres(int n) noexcept {
 }
 
 void shldel(int id) noexcept {
-    glbblk *b = KX_ENTRY("shldel");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shldel"));
     if (!b) return;
     if (id < 0) {
         qqwarn(b, 2, id);
@@ -784,7 +794,7 @@ void shldel(int id) noexcept {
 }
 
 void shlvis(int id, const char *cvis) noexcept {
-    glbblk *b = KX_ENTRY("shlvis");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlvis"));
     if (!b) return;
     int m = qqkey(b, "ON  +OFF ", 2, cvis);
     if (!m) return;
@@ -796,13 +806,13 @@ void shlvis(int id, const char *cvis) noexcept {
 }
 
 int shlind() noexcept {
-    glbblk *b = KX_ENTRY("shlind");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlind"));
     if (!b) return 0;
     return b->shl.nreg;
 }
 
 void shlsur() noexcept {
-    glbblk *b = KX_ENTRY("shlsur");
+    PlotBlock *b = qqpltblk(KX_ENTRY("shlsur"));
     if (!b) return;
     b->shl.surf = 1;
 }

@@ -8,28 +8,29 @@
 #include "plots/fill.h"
 #include "plots/line_styles.h"
 #include "plots/patterns.h"
+#include "plots/plot_block.h"
 
-void qqsetstyle(glbblk *b, int ltyp) noexcept {
+void qqsetstyle(PlotBlock *b, int ltyp) noexcept {
     if (ltyp < 0 || ltyp > 7) return;
     qqflsh(b);
     qqlintyp(b, ltyp);
 }
 
-int qqgetstyle(glbblk *b) noexcept {
+int qqgetstyle(PlotBlock *b) noexcept {
     return b->sty.ltyp;
 }
 
-void qqstylesave(glbblk *b, CurveSave *s) noexcept {
+void qqstylesave(PlotBlock *b, CurveSave *s) noexcept {
     s->ltyp = b->sty.ltyp;
     s->pattern = qqgetpat(b);
 }
 
-void qqstylerestore(glbblk *b, const CurveSave *s) noexcept {
+void qqstylerestore(PlotBlock *b, const CurveSave *s) noexcept {
     b->sty.ltyp = s->ltyp;
     if (qqgetpat(b) != s->pattern) qqshdpat(b, s->pattern);
 }
 
-void qqpatfill(glbblk *b, const double *x, const double *y, int n, int pattern) noexcept {
+void qqpatfill(PlotBlock *b, const double *x, const double *y, int n, int pattern) noexcept {
     if (pattern == 0 || n < 3) return;
     int saved = qqgetpat(b);
     if (saved != pattern) qqshdpat(b, pattern);
@@ -46,19 +47,49 @@ void qqpatfill(glbblk *b, const double *x, const double *y, int n, int pattern) 
     if (saved != pattern) qqshdpat(b, saved);
 }
 
-void qqsolidfill(glbblk *b, const double *x, const double *y, int n) noexcept {
+void qqsolidfill(PlotBlock *b, const double *x, const double *y, int n) noexcept {
     qqpatfill(b, x, y, n, QQ_SOLID_PATTERN);
 }
 
-int qqgetpattern(glbblk *b) noexcept {
+int qqgetpattern(PlotBlock *b) noexcept {
     return qqgetpat(b);
 }
-void qqsetpattern(glbblk *b, int pattern) noexcept {
+void qqsetpattern(PlotBlock *b, int pattern) noexcept {
     qqshdpat(b, pattern);
 }
-int qqpatcycle(glbblk *b, int index) noexcept {
+int qqpatcycle(PlotBlock *b, int index) noexcept {
     return index >= 1 && index <= 30 ? b->sty.patcycl[index - 1] : 0;
 }
-bool qqarealine(glbblk *b) noexcept {
+bool qqarealine(PlotBlock *b) noexcept {
     return b->sty.outline != 0;
+}
+
+void qqcrvsave(PlotBlock *b, CurveSave *s) noexcept {
+    const DeviceState &d = b->dev;
+    s->colour = b->clr.curclr;
+    s->dshn = d.dshn;
+    for (int i = 0; i < 10; ++i) s->dshl[i] = d.dshl[i];
+    s->lnoff = d.lnoff;
+    s->ynoflp = b->core.ynoflp;
+    qqstylesave(b, s);
+}
+
+void qqcrvrestore(PlotBlock *b, const CurveSave *s) noexcept {
+    DeviceState &d = b->dev;
+    qqflsh(b);
+    d.lnoff = s->lnoff;
+    d.dshn = s->dshn;
+    for (int i = 0; i < 10; ++i) d.dshl[i] = s->dshl[i];
+    qqdshres(b);
+    qqstylerestore(b, s);
+    if (b->clr.curclr != s->colour) qqsetc(b, s->colour);
+    b->core.ynoflp = s->ynoflp;
+}
+
+void qqsolid(PlotBlock *b) noexcept {
+    qqflsh(b);
+    b->dev.dshn = 1;
+    b->dev.dshl[0] = 1;
+    b->dev.lnoff = 0.0;
+    qqdshres(b);
 }

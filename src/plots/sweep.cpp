@@ -12,9 +12,9 @@
 #include <cstdlib>
 #include <initializer_list>
 
-#include "core/glbblk.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "plots/plot_block.h"
 
 namespace {
 
@@ -75,7 +75,7 @@ bool drawn(long long k, int run, int gap) {
 
 // The range of y in the rotated frame that the clip region covers, with a
 // margin; false when it cannot be told.
-bool clip_range(glbblk *b, const SweepLines &l, double *lo, double *hi) {
+bool clip_range(PlotBlock *b, const SweepLines &l, double *lo, double *hi) {
     const DeviceState &d = b->dev;
     double x1, y1, x2, y2;
     if (d.clpcir == 1) {
@@ -115,7 +115,7 @@ int *qqsweepwork(int n) noexcept {
     return (int *)std::malloc(sizeof(int) * 3 * (size_t)n);
 }
 
-int qqsweep(glbblk *b, const double *x, const double *y, int n, const SweepLines &l,
+int qqsweep(PlotBlock *b, const double *x, const double *y, int n, const SweepLines &l,
             int *work) noexcept {
     if (n < 3 || !(l.d > 0) || !std::isfinite(l.d)) return 0;
     for (int i = 0; i < n; ++i)
@@ -204,8 +204,9 @@ int qqsweep(glbblk *b, const double *x, const double *y, int n, const SweepLines
     return 0;
 }
 
-int qqsweepn(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
-             double d, int maxcross, int inverted, double xleft, double xright, const SweepPen &pen) noexcept {
+int qqsweepn(PlotBlock *b, const double *const *x, const double *const *y, const int *n, int npoly,
+             double d, int maxcross, int inverted, double xleft, double xright,
+             const SweepPen &pen) noexcept {
     if (npoly < 1 || maxcross < 1 || !(d > 0) || !std::isfinite(d)) return 0;
     // All vertices finite, and their count, for one allocation.
     size_t total = 0;

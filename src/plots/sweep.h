@@ -1,7 +1,9 @@
 // The scan-line sweep that hatches a polygon (private to the fill).
 #pragma once
 
-struct glbblk;
+#include "plots/plot_block.h"
+
+struct PlotBlock;
 
 struct SweepLines {
     double d;         // line distance in the rotated frame
@@ -17,13 +19,13 @@ int *qqsweepwork(int n) noexcept;
 // Draws the hatch lines of the polygon (x, y), given in the rotated frame,
 // with qqmove and qqdraw.  work holds 3 n integers.  Returns 0, or the
 // number of crossings of a scan line above 100 (the sweep then stopped).
-int qqsweep(glbblk *b, const double *x, const double *y, int n, const SweepLines &l,
+int qqsweep(PlotBlock *b, const double *x, const double *y, int n, const SweepLines &l,
             int *work) noexcept;
 
 // The pen of the sweep for many polygons: positions in the caller's frame.
 struct SweepPen {
-    void (*move)(glbblk *b, double x, double y);
-    void (*draw)(glbblk *b, double x, double y);
+    void (*move)(DeviceBlock *b, double x, double y);
+    void (*draw)(DeviceBlock *b, double x, double y);
 };
 
 // The sweep for many polygons at once (contour shading, map shading, the
@@ -33,6 +35,6 @@ struct SweepPen {
 // polygons, from xleft to the first crossing, the gaps between pairs and
 // from the last crossing to xright.  More than maxcross crossings on a line
 // give warning 26 with their number and end the sweep (returns 1).
-int qqsweepn(glbblk *b, const double *const *x, const double *const *y, const int *n, int npoly,
+int qqsweepn(PlotBlock *b, const double *const *x, const double *const *y, const int *n, int npoly,
              double d, int maxcross, int inverted, double xleft, double xright,
              const SweepPen &pen) noexcept;

@@ -11,6 +11,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "plots/curves.h"
+#include "plots/plot_block.h"
 #include "plots/shields.h"
 
 namespace {
@@ -62,7 +63,7 @@ const Figure kFigures[QQ_NSYMB] = {
 
 // Symbols go to the driver as one call where it draws them itself and
 // nothing transforms the page.
-bool hardware_symbol(glbblk *b, int nsym, double x, double y) {
+bool hardware_symbol(PlotBlock *b, int nsym, double x, double y) {
     const CurveState &c = b->crv;
     const DriverOps *drv = b->dev.drv;
     int kind = qqdevkind(b);
@@ -74,7 +75,7 @@ bool hardware_symbol(glbblk *b, int nsym, double x, double y) {
     return drv->marker(b, nsym, x + b->dev.nxsh, y + b->dev.nysh, c.hsymbl) != 0;
 }
 
-void draw_symbol(glbblk *b, int nsym, double x, double y) {
+void draw_symbol(PlotBlock *b, int nsym, double x, double y) {
     const CurveState &c = b->crv;
     if (hardware_symbol(b, nsym, x, y)) return;
     double a = c.symrot * (-3.1415927 / 180.0);
@@ -118,7 +119,7 @@ void draw_symbol(glbblk *b, int nsym, double x, double y) {
 
 }  // namespace
 
-void qqsymb(glbblk *b, int nsym, double x, double y) noexcept {
+void qqsymb(PlotBlock *b, int nsym, double x, double y) noexcept {
     if (nsym < 0) return;
     draw_symbol(b, nsym, x, y);
     // A shielded symbol keeps a square of 1.2 times its size free of
@@ -131,7 +132,7 @@ void qqsymb(glbblk *b, int nsym, double x, double y) noexcept {
 }
 
 void symbol(int nsym, int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("symbol");
+    PlotBlock *b = qqpltblk(KX_ENTRY("symbol"));
     if (!b) return;
     bool user = b->crv.usrn > 0 && nsym == b->crv.usrsym;
     if (!user && qqchki(b, nsym, -1, QQ_NSYMB - 1)) return;

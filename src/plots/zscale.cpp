@@ -2,12 +2,12 @@
 
 #include <cmath>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/subsystems.h"
 #include "kolvex.h"
+#include "plots/plot_block.h"
 
-void qqzscl(glbblk *b, double zmin, double zmax) noexcept {
+void qqzscl(PlotBlock *b, double zmin, double zmax) noexcept {
     ZScaleState &z = b->zsc;
     const AxesState &ax = b->ax;
     z.zmin = zmin;
@@ -30,7 +30,7 @@ void qqzscl(glbblk *b, double zmin, double zmax) noexcept {
     z.k = std::fabs(zmax - zmin) < b->core.eps ? 0.0 : (mx - mn + 1) / (zmax - zmin);
 }
 
-int qqzclr(const glbblk *b, double zv) noexcept {
+int qqzclr(const PlotBlock *b, double zv) noexcept {
     const ZScaleState &z = b->zsc;
     const ColourState &c = b->clr;
     bool rising = z.zmax > z.zmin;
@@ -46,21 +46,21 @@ int qqzclr(const glbblk *b, double zv) noexcept {
     return k;
 }
 
-void qqzrgb(const glbblk *b, double zv, double *r, double *g, double *bl) noexcept {
+void qqzrgb(const PlotBlock *b, double zv, double *r, double *g, double *bl) noexcept {
     int e = b->clr.colmap[qqzclr(b, zv) & 255];
     *r = ((e >> 16) & 255) / 255.0;
     *g = ((e >> 8) & 255) / 255.0;
     *bl = (e & 255) / 255.0;
 }
 
-int qqzuser(const glbblk *b, double *za, double *ze) noexcept {
+int qqzuser(const PlotBlock *b, double *za, double *ze) noexcept {
     *za = b->zsc.ua;
     *ze = b->zsc.ue;
     return b->zsc.uset;
 }
 
 void zscale(double zmin, double zmax) noexcept {
-    glbblk *b = KX_ENTRY("zscale");
+    PlotBlock *b = qqpltblk(KX_ENTRY("zscale"));
     if (!b) return;
     b->zsc.uset = 1;
     b->zsc.ua = zmin;
@@ -68,7 +68,8 @@ void zscale(double zmin, double zmax) noexcept {
 }
 
 namespace {
-void zsc_init(glbblk *b) {
+void zsc_init(CoreBlock *blk) {
+    PlotBlock *b = qqpltblk(blk);
     b->zsc = ZScaleState{};
     b->zsc.zmax = 1;
     b->zsc.hi = 1;

@@ -8,11 +8,13 @@
 // value on the upper limit takes the last colour.
 #pragma once
 
-struct glbblk;
+#include "plots/plot_block.h"
 
-void qqzscl(glbblk *b, double zmin, double zmax) noexcept;
-int qqzclr(const glbblk *b, double z) noexcept;
+struct PlotBlock;
+
+void qqzscl(PlotBlock *b, double zmin, double zmax) noexcept;
+int qqzclr(const PlotBlock *b, double z) noexcept;
 // The same as red, green, blue in 0 to 1 (the table entry of the colour).
-void qqzrgb(const glbblk *b, double z, double *r, double *g, double *bl) noexcept;
+void qqzrgb(const PlotBlock *b, double z, double *r, double *g, double *bl) noexcept;
 // Whether zscale gave a range, and the range.
-int qqzuser(const glbblk *b, double *za, double *ze) noexcept;
+int qqzuser(const PlotBlock *b, double *za, double *ze) noexcept;

@@ -8,11 +8,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/glbblk.h"
-#include "core/subsystems.h"
 #include "colour/colour.h"
+#include "core/subsystems.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 
 namespace {
 
@@ -300,32 +300,23 @@ void qqcoption(qqcanvas *cv, int code, int value) noexcept {
     }
 }
 
-qqcanvas *qqcanvasof(glbblk *b) noexcept {
+qqcanvas *qqcanvasof(RasterBlock *b) noexcept {
     return b->cnv.cv.pix ? &b->cnv.cv : nullptr;
 }
 
-void qqcnvpen(glbblk *b) noexcept {
-    qqcanvas *cv = qqcanvasof(b);
-    if (!cv) return;
-    const DeviceState &d = b->dev;
-    qqcoption(cv, 27, d.lncp);
-    qqcoption(cv, 28, d.lnjn);
-    cv->miter = d.lnml >= 1.0 ? d.lnml : 1.0;
-    qqcoption(cv, 34, d.lnsmooth ? 2 : 1);
-}
-
-void qqcnvsync(glbblk *b) noexcept {
+void qqcnvsync(RasterBlock *b) noexcept {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return;
     qqctable(cv, b->clr.colmap, b->clr.vltkind);
-    qqcsetc(cv, b->dev.curclr);
+    qqcsetc(cv, b->clr.curclr);
 }
 
 // ---- the canvas's share of the block ---------------------------------------------
 
 namespace {
 
-void canvas_first(glbblk *b) {
+void canvas_first(CoreBlock *blk) {
+    RasterBlock *b = qqrstblk(blk);
     CanvasState &s = b->cnv;
     s.imgtran = -1;
     s.tpralpha = 255;
@@ -340,7 +331,8 @@ void canvas_first(glbblk *b) {
 // Session defaults: the whole canvas as clip, a thin line, and the pen of
 // the device layer; the colour table and the colour follow from the colour
 // model's share, which runs after this one.
-void canvas_init(glbblk *b) {
+void canvas_init(CoreBlock *blk) {
+    RasterBlock *b = qqrstblk(blk);
     CanvasState &s = b->cnv;
     s.imgcflg = 0;
     qqcanvas *cv = qqcanvasof(b);
@@ -353,21 +345,24 @@ void canvas_init(glbblk *b) {
     qqcoption(cv, 33, 0);
     qqcoption(cv, 26, 1);
     qqcoption(cv, 32, s.imgtran);
-    qqcnvpen(b);
+    if (s.pen) s.pen(b);
 }
 
-void canvas_release(glbblk *b) {
+void canvas_release(CoreBlock *blk) {
+    RasterBlock *b = qqrstblk(blk);
     qqcnvfree(&b->cnv.cv);
     b->cnv.imgact = 0;
     b->cnv.tprlvl = 0;
 }
 
-void canvas_end(glbblk *b) {
+void canvas_end(CoreBlock *blk) {
+    RasterBlock *b = qqrstblk(blk);
     qqimgend(b);
     qqtprend(b);
 }
 
-void reset_imgclp(glbblk *b) {
+void reset_imgclp(CoreBlock *blk) {
+    RasterBlock *b = qqrstblk(blk);
     b->cnv.imgcflg = 0;
 }
 

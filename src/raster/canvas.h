@@ -7,7 +7,9 @@
 // changes, so that the canvas can turn indices into colours on its own.
 #pragma once
 
-struct glbblk;
+#include "raster/raster_block.h"
+
+struct RasterBlock;
 struct qqcanvas;
 
 // Allocates and clears the base plane for w by h pixels and sets the pen
@@ -38,9 +40,6 @@ void qqcgetrow(const qqcanvas *cv, int x, int y, int n, int rgb, unsigned char *
 void qqcputrow(qqcanvas *cv, int x, int y, int n, int rgb, const unsigned char *data) noexcept;
 
 // The canvas of a block while it has planes, else null.
-qqcanvas *qqcanvasof(glbblk *b) noexcept;
-// Sends the pen of the device layer (width, cap, join, miter limit, smooth
-// lines) to the canvas of the session.
-void qqcnvpen(glbblk *b) noexcept;
+qqcanvas *qqcanvasof(RasterBlock *b) noexcept;
 // Gives the block's canvas the current colour table and colour.
-void qqcnvsync(glbblk *b) noexcept;
+void qqcnvsync(RasterBlock *b) noexcept;

@@ -8,7 +8,7 @@
 // itself lives as long as the block.
 #pragma once
 
-struct glbblk;
+struct RasterBlock;
 
 enum { QQ_CPTS = 100 };  // points that the canvas collects before drawing
 
@@ -77,7 +77,9 @@ struct CanvasState {
     int tifwin[4];          // window of wtiff: x, y, width, height
     int tiforgx, tiforgy;   // where wtiff puts the window's first pixel
     // Set by the device layer with its first values: sends the pending
-    // polyline, and hands the canvas of image mode to a page format.
-    void (*flush)(glbblk *b);
-    void (*embed)(glbblk *b);
+    // polyline, hands the canvas of image mode to a page format, and gives
+    // the canvas the layer's pen (cap, join, miter limit, smooth lines).
+    void (*flush)(RasterBlock *b);
+    void (*embed)(RasterBlock *b);
+    void (*pen)(RasterBlock *b);
 };

@@ -16,10 +16,11 @@
 #include "raster/canvas.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 #include "raster/writers.h"
 
 int rbfpng(unsigned char *cbuf, int nmax) noexcept {
-    glbblk *b = KX_ENTRY("rbfpng");
+    RasterBlock *b = qqrstblk(KX_ENTRY("rbfpng"));
     if (!b) return 0;
     int kind = qqdevkind(b);
     if (kind == QQ_KIND_FILE || kind == QQ_KIND_PAGE) {
@@ -54,7 +55,7 @@ int rbfpng(unsigned char *cbuf, int nmax) noexcept {
 }
 
 void tifwin(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("tifwin");
+    RasterBlock *b = qqrstblk(KX_ENTRY("tifwin"));
     if (!b) return;
     if (qqchkrect(b, nx, ny, nw, nh)) return;
     CanvasState &s = b->cnv;
@@ -66,7 +67,7 @@ void tifwin(int nx, int ny, int nw, int nh) noexcept {
 }
 
 void tiforg(int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("tiforg");
+    RasterBlock *b = qqrstblk(KX_ENTRY("tiforg"));
     if (!b) return;
     if (nx < 0 || ny < 0) {
         qqwarn(b, 2, nx < ny ? nx : ny);
@@ -119,7 +120,7 @@ bool skip(FILE *fp, long n) {
 }
 
 // Loads the ColorMap into the colour table; 0 or a warning number.
-int read_colormap(glbblk *b, FILE *fp) {
+int read_colormap(RasterBlock *b, FILE *fp) {
     unsigned char raw[1536];
     if (std::fread(raw, 1, sizeof raw, fp) != sizeof raw) return 56;
     double *rgb = static_cast<double *>(std::malloc(768 * sizeof(double)));
@@ -132,7 +133,7 @@ int read_colormap(glbblk *b, FILE *fp) {
 }
 
 // Reads the rows into the canvas, the window of tifwin at tiforg.
-int read_rows(glbblk *b, FILE *fp, const TiffInfo &t) {
+int read_rows(RasterBlock *b, FILE *fp, const TiffInfo &t) {
     const CanvasState &s = b->cnv;
     qqcanvas *cv = qqcanvasof(b);
     size_t rowlen = t.bilevel ? (size_t)(t.w + 7) / 8 : (size_t)t.w * (t.rgb ? 3 : 1);
@@ -172,7 +173,7 @@ int read_rows(glbblk *b, FILE *fp, const TiffInfo &t) {
 }  // namespace
 
 void wtiff(const char *cfl) noexcept {
-    glbblk *b = KX_ENTRY("wtiff");
+    RasterBlock *b = qqrstblk(KX_ENTRY("wtiff"));
     if (!b) return;
     if (qqdevkind(b) == QQ_KIND_FILE) {
         qqwar0(b, 40);

@@ -13,6 +13,7 @@
 #include "raster/canvas.h"
 #include "raster/image_out.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 #include "raster/writers.h"
 
 namespace raster {
@@ -115,7 +116,7 @@ int read_pixels(FILE *fp, qqcanvas *cv, const int num[9]) {
 }  // namespace
 
 void rimage(const char *cfl) noexcept {
-    glbblk *b = KX_ENTRY("rimage");
+    RasterBlock *b = qqrstblk(KX_ENTRY("rimage"));
     if (!b) return;
     if (!qqcanvasof(b)) {
         qqwar0(b, 40);
@@ -125,7 +126,7 @@ void rimage(const char *cfl) noexcept {
 }
 
 void wimage(const char *cfl) noexcept {
-    glbblk *b = KX_ENTRY("wimage");
+    RasterBlock *b = qqrstblk(KX_ENTRY("wimage"));
     if (!b) return;
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) {

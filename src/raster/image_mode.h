@@ -2,15 +2,17 @@
 // see them.
 #pragma once
 
-struct glbblk;
+#include "raster/raster_block.h"
+
+struct RasterBlock;
 
 // Leaves image mode as imgfin does, if it is on (kolfin).
-void qqimgend(glbblk *b) noexcept;
+void qqimgend(RasterBlock *b) noexcept;
 // Closes the transparency layer whatever its nesting depth (kolfin).
-void qqtprend(glbblk *b) noexcept;
+void qqtprend(RasterBlock *b) noexcept;
 // Opens and closes one level of the transparency bracket of a figure
 // routine: only when tprmod("AUTO", "FIGU") is set and the alpha is not 255.
-void qqtprfig(glbblk *b, int open) noexcept;
+void qqtprfig(RasterBlock *b, int open) noexcept;
 // Bytes a pixel of the data of rpixls, wpixls, rpxrow and wpxrow for the
 // calling thread: 3 in RGB mode, else 1.  The binding sizes its buffers by
 // this, never by a flag of its own.

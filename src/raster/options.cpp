@@ -3,20 +3,20 @@
 // them from CanvasState::ropt.
 #include <cmath>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "kolvex.h"
+#include "raster/raster_block.h"
 
 void imgfmt(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("imgfmt");
+    RasterBlock *b = qqrstblk(KX_ENTRY("imgfmt"));
     if (!b) return;
     int k = qqkey(b, "IND +RGB +BIL ", 3, copt);
     if (k > 0) b->cnv.ropt.rasfmt = k - 1;
 }
 
 void bmpmod(int n, const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("bmpmod");
+    RasterBlock *b = qqrstblk(KX_ENTRY("bmpmod"));
     if (!b) return;
     if (qqkey(b, "RESO", 1, copt) == 0) return;
     int k = qqkey(b, "METE+INCH", 2, cval);
@@ -25,7 +25,7 @@ void bmpmod(int n, const char *cval, const char *copt) noexcept {
 }
 
 void tifmod(int n, const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("tifmod");
+    RasterBlock *b = qqrstblk(KX_ENTRY("tifmod"));
     if (!b) return;
     if (qqkey(b, "RESO", 1, copt) == 0) return;
     int k = qqkey(b, "INCH+CM  ", 2, cval);
@@ -35,21 +35,21 @@ void tifmod(int n, const char *cval, const char *copt) noexcept {
 }
 
 void pngmod(const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("pngmod");
+    RasterBlock *b = qqrstblk(KX_ENTRY("pngmod"));
     if (!b) return;
     int k = qqkeyopt(b, "TRAN", copt, "OFF +ON  ", 2, cval);
     if (k > 0) b->cnv.ropt.pngtran = k - 1;
 }
 
 void gifmod(const char *cval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("gifmod");
+    RasterBlock *b = qqrstblk(KX_ENTRY("gifmod"));
     if (!b) return;
     int k = qqkeyopt(b, "TRAN", copt, "OFF +ON  ", 2, cval);
     if (k > 0) b->cnv.ropt.giftran = k - 1;
 }
 
 void clrmod(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("clrmod");
+    RasterBlock *b = qqrstblk(KX_ENTRY("clrmod"));
     if (!b) return;
     int k = qqkey(b, "NONE+FULL+CONT", 3, copt);
     if (k > 0) b->cnv.ropt.clrmd = k - 1;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "colour/colour.h"
 #include "core/family.h"
 #include "core/guard.h"
 #include "core/keywords.h"
@@ -11,14 +12,14 @@
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
-#include "colour/colour.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 
 namespace {
 
 // The canvas of image mode, ready for pixel work; null after warning 55.
-qqcanvas *image_canvas(glbblk *b) {
+qqcanvas *image_canvas(RasterBlock *b) {
     qqcanvas *cv = qqcanvasof(b);
     if (!b->cnv.imgact || !cv) {
         qqwar0(b, 55);
@@ -29,7 +30,7 @@ qqcanvas *image_canvas(glbblk *b) {
     return cv;
 }
 
-int bytes_per_pixel(const glbblk *b) {
+int bytes_per_pixel(const RasterBlock *b) {
     return b->cnv.imgrgb ? 3 : 1;
 }
 
@@ -55,7 +56,7 @@ bool row_inside(const qqcanvas *cv, int ix, int iy, int n) {
     return n >= 1 && inside(cv, ix, iy) && (long long)ix + n <= cv->cw;
 }
 
-bool block_inside(const glbblk *b, const qqcanvas *cv, int ix, int iy, int nw, int nh) {
+bool block_inside(const RasterBlock *b, const qqcanvas *cv, int ix, int iy, int nw, int nh) {
     int dir = b->cnv.imgbot ? -1 : 1;
     long long last = (long long)iy + dir * (long long)(nh - 1);
     return nw >= 1 && nh >= 1 && inside(cv, ix, iy) && (long long)ix + nw <= cv->cw &&
@@ -65,19 +66,19 @@ bool block_inside(const glbblk *b, const qqcanvas *cv, int ix, int iy, int nw, i
 }  // namespace
 
 int qqpixbytes() noexcept {
-    glbblk *b = qqcur();
+    RasterBlock *b = qqrstblk(qqcur());
     return b && b->cnv.imgrgb ? 3 : 1;
 }
 
 long long qqpixlimit() noexcept {
-    glbblk *b = qqcur();
+    RasterBlock *b = qqrstblk(qqcur());
     if (!b || b->core.level < 1 || !b->cnv.imgact) return 0;
     const qqcanvas *cv = qqcanvasof(b);
     return cv ? (long long)cv->cw * cv->ch * bytes_per_pixel(b) : 0;
 }
 
 long long qqpixrequest(int ix, int iy, int nw, int nh, int row) noexcept {
-    glbblk *b = qqcur();
+    RasterBlock *b = qqrstblk(qqcur());
     if (!b || b->core.level < 1 || !b->cnv.imgact) return -1;
     const qqcanvas *cv = qqcanvasof(b);
     if (!cv) return -1;
@@ -86,7 +87,7 @@ long long qqpixrequest(int ix, int iy, int nw, int nh, int row) noexcept {
 }
 
 void imgmod(const char *cmode) noexcept {
-    glbblk *b = KX_ENTRY("imgmod");
+    RasterBlock *b = qqrstblk(KX_ENTRY("imgmod"));
     if (!b) return;
     int k = qqkey(b, "IND +RGB +TOP +BOT ", 4, cmode);
     if (k == 0) return;
@@ -97,7 +98,7 @@ void imgmod(const char *cmode) noexcept {
 }
 
 void imgsiz(int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("imgsiz");
+    RasterBlock *b = qqrstblk(KX_ENTRY("imgsiz"));
     if (!b) return;
     if (nw < 1 || nh < 1) {
         qqwarn(b, 2, nw < nh ? nw : nh);
@@ -109,7 +110,7 @@ void imgsiz(int nw, int nh) noexcept {
 }
 
 void imgbox(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("imgbox");
+    RasterBlock *b = qqrstblk(KX_ENTRY("imgbox"));
     if (!b) return;
     if (qqchkrect(b, nx, ny, nw, nh)) return;
     CanvasState &s = b->cnv;
@@ -121,7 +122,7 @@ void imgbox(int nx, int ny, int nw, int nh) noexcept {
 }
 
 void imgclp(int nx, int ny, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("imgclp");
+    RasterBlock *b = qqrstblk(KX_ENTRY("imgclp"));
     if (!b) return;
     if (qqchkrect(b, nx, ny, nw, nh)) return;
     // The image is known only while a canvas exists; a rectangle given
@@ -143,14 +144,14 @@ void imgclp(int nx, int ny, int nw, int nh) noexcept {
 }
 
 void imgtpr(int nclr) noexcept {
-    glbblk *b = KX_ENTRY("imgtpr");
+    RasterBlock *b = qqrstblk(KX_ENTRY("imgtpr"));
     if (!b) return;
     b->cnv.imgtran = nclr;
     if (qqcanvas *cv = qqcanvasof(b)) qqcoption(cv, 32, nclr);
 }
 
 void imgini() noexcept {
-    glbblk *b = KX_ENTRY("imgini");
+    RasterBlock *b = qqrstblk(KX_ENTRY("imgini"));
     if (!b) return;
     CanvasState &s = b->cnv;
     if (s.imgact) {
@@ -186,7 +187,7 @@ void imgini() noexcept {
 }
 
 void imgfin() noexcept {
-    glbblk *b = KX_ENTRY("imgfin");
+    RasterBlock *b = qqrstblk(KX_ENTRY("imgfin"));
     if (!b) return;
     if (!b->cnv.imgact) {
         qqwar0(b, 55);
@@ -195,7 +196,7 @@ void imgfin() noexcept {
     qqimgend(b);
 }
 
-void qqimgend(glbblk *b) noexcept {
+void qqimgend(RasterBlock *b) noexcept {
     CanvasState &s = b->cnv;
     if (!s.imgact) return;
     if (qqcanvas *cv = qqcanvasof(b)) qqcflush(cv);
@@ -210,7 +211,7 @@ void qqimgend(glbblk *b) noexcept {
 }
 
 void wpixel(int ix, int iy, int iclr) noexcept {
-    glbblk *b = KX_ENTRY("wpixel");
+    RasterBlock *b = qqrstblk(KX_ENTRY("wpixel"));
     if (!b) return;
     qqcanvas *cv = image_canvas(b);
     if (!cv || !inside(cv, ix, iy)) return;
@@ -243,7 +244,7 @@ void wpixel(int ix, int iy, int iclr) noexcept {
 }
 
 void rpixel(int ix, int iy, int *iclr) noexcept {
-    glbblk *b = KX_ENTRY("rpixel");
+    RasterBlock *b = qqrstblk(KX_ENTRY("rpixel"));
     if (!b) return;
     qqcanvas *cv = image_canvas(b);
     if (!cv) return;
@@ -262,7 +263,7 @@ void rpixel(int ix, int iy, int *iclr) noexcept {
 }
 
 void wpxrow(const unsigned char *iray, int ix, int iy, int n) noexcept {
-    glbblk *b = KX_ENTRY("wpxrow");
+    RasterBlock *b = qqrstblk(KX_ENTRY("wpxrow"));
     if (!b) return;
     qqcanvas *cv = image_canvas(b);
     if (!cv) return;
@@ -270,7 +271,7 @@ void wpxrow(const unsigned char *iray, int ix, int iy, int n) noexcept {
 }
 
 void rpxrow(unsigned char *iray, int ix, int iy, int n) noexcept {
-    glbblk *b = KX_ENTRY("rpxrow");
+    RasterBlock *b = qqrstblk(KX_ENTRY("rpxrow"));
     if (!b) return;
     qqcanvas *cv = image_canvas(b);
     if (!cv) return;
@@ -282,7 +283,7 @@ void rpxrow(unsigned char *iray, int ix, int iy, int n) noexcept {
 }
 
 void wpixls(const unsigned char *iray, int ix, int iy, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("wpixls");
+    RasterBlock *b = qqrstblk(KX_ENTRY("wpixls"));
     if (!b) return;
     qqcanvas *cv = image_canvas(b);
     if (!cv || nw < 1 || nh < 1) return;
@@ -299,7 +300,7 @@ void wpixls(const unsigned char *iray, int ix, int iy, int nw, int nh) noexcept 
 }
 
 void rpixls(unsigned char *iray, int ix, int iy, int nw, int nh) noexcept {
-    glbblk *b = KX_ENTRY("rpixls");
+    RasterBlock *b = qqrstblk(KX_ENTRY("rpixls"));
     if (!b) return;
     qqcanvas *cv = image_canvas(b);
     if (!cv) return;

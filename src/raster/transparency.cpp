@@ -15,6 +15,7 @@
 #include "raster/canvas.h"
 #include "raster/image_mode.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 
 namespace {
 
@@ -71,7 +72,7 @@ void composite(qqcanvas *cv) {
 }
 
 // Opens the layer; 0, or 53 when it cannot be made.
-int open_layer(glbblk *b) {
+int open_layer(RasterBlock *b) {
     b->cnv.flush(b);
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return 53;
@@ -91,7 +92,7 @@ int open_layer(glbblk *b) {
     return 0;
 }
 
-void close_layer(glbblk *b) {
+void close_layer(RasterBlock *b) {
     b->cnv.flush(b);
     qqcanvas *cv = qqcanvasof(b);
     if (!cv || cv->tprplane != 2) return;
@@ -102,7 +103,7 @@ void close_layer(glbblk *b) {
 }
 
 // 0 when the layer may be used, else the warning has been reported.
-int usable(glbblk *b) {
+int usable(RasterBlock *b) {
     int kind = qqdevkind(b);
     if (kind == QQ_KIND_FILE || kind == QQ_KIND_PAGE) {
         qqwar1(b, 169, "Output format must be a raster format");
@@ -120,7 +121,7 @@ int usable(glbblk *b) {
 }  // namespace
 
 void tprini() noexcept {
-    glbblk *b = KX_ENTRY("tprini");
+    RasterBlock *b = qqrstblk(KX_ENTRY("tprini"));
     if (!b || usable(b)) return;
     CanvasState &s = b->cnv;
     if (s.tprlvl >= 1) {
@@ -140,7 +141,7 @@ void tprini() noexcept {
 }
 
 void tprfin() noexcept {
-    glbblk *b = KX_ENTRY("tprfin");
+    RasterBlock *b = qqrstblk(KX_ENTRY("tprfin"));
     if (!b) return;
     CanvasState &s = b->cnv;
     if (s.tprlvl == 0) {
@@ -155,7 +156,7 @@ void tprfin() noexcept {
 }
 
 void tprval(double xalph) noexcept {
-    glbblk *b = KX_ENTRY("tprval");
+    RasterBlock *b = qqrstblk(KX_ENTRY("tprval"));
     if (!b || usable(b)) return;
     double v = std::trunc(xalph * 255 + 0.5);
     if (!(v >= 0 && v <= 255)) {
@@ -167,7 +168,7 @@ void tprval(double xalph) noexcept {
 }
 
 void tprmod(const char *cmode, const char *ckey) noexcept {
-    glbblk *b = KX_ENTRY("tprmod");
+    RasterBlock *b = qqrstblk(KX_ENTRY("tprmod"));
     if (!b) return;
     int what = qqkey(b, "FIGU+BACK", 2, ckey);
     if (what == 0) return;
@@ -183,7 +184,7 @@ void tprmod(const char *cmode, const char *ckey) noexcept {
     if (qqcanvas *cv = qqcanvasof(b)) qqcoption(cv, 21, s.tprnoop);
 }
 
-void qqtprfig(glbblk *b, int open) noexcept {
+void qqtprfig(RasterBlock *b, int open) noexcept {
     CanvasState &s = b->cnv;
     if (!s.tprauto || s.tpralpha == 255 || s.imgact || !qqcanvasof(b) || !b->cnv.cv.rgbcnv) return;
     if (open) {
@@ -197,7 +198,7 @@ void qqtprfig(glbblk *b, int open) noexcept {
     }
 }
 
-void qqtprend(glbblk *b) noexcept {
+void qqtprend(RasterBlock *b) noexcept {
     if (b->cnv.tprlvl == 0) return;
     b->cnv.tprlvl = 0;
     close_layer(b);

@@ -7,13 +7,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/glbblk.h"
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
 #include "raster/canvas.h"
 #include "raster/image_out.h"
 #include "raster/primitives.h"
+#include "raster/raster_block.h"
 
 namespace raster {
 
@@ -84,7 +84,7 @@ enum Data { TRUE_COLOUR, TABLE, OWN_PALETTE };
 // What a format receives: PPM always colour, IMAG the canvas as it is, GIF
 // always a palette (its own when the pixels are colours), the others
 // colour with imgfmt RGB and a palette otherwise.
-Data data_for(const glbblk *b, int format) {
+Data data_for(const RasterBlock *b, int format) {
     bool rgbout = b->cnv.ropt.rasfmt == 1;
     bool deep = b->sess.colbits > 8 || b->cnv.cv.rgbcnv;
     switch (format) {
@@ -101,7 +101,7 @@ Data data_for(const glbblk *b, int format) {
 }
 
 // Sets up the picture of a rectangle; returns 0 or -2 without memory.
-int prepare(glbblk *b, Picture &p, int format, int x, int y, int w, int h) {
+int prepare(RasterBlock *b, Picture &p, int format, int x, int y, int w, int h) {
     const qqcanvas *cv = &b->cnv.cv;
     p.cv = cv;
     p.x0 = x;
@@ -131,14 +131,14 @@ int prepare(glbblk *b, Picture &p, int format, int x, int y, int w, int h) {
     return 0;
 }
 
-void release(Picture &p) {
+void free_picture(Picture &p) {
     std::free(p.scratch);
     raster::octree_free(p.oct);
     p.scratch = nullptr;
     p.oct = nullptr;
 }
 
-raster::WriteOptions options_of(const glbblk *b) {
+raster::WriteOptions options_of(const RasterBlock *b) {
     raster::WriteOptions o;
     o.pngtran = b->cnv.ropt.pngtran;
     o.giftran = b->cnv.ropt.giftran;
@@ -181,7 +181,7 @@ int run_writer(raster::Sink &s, const Picture &p, const raster::WriteOptions &o,
 
 }  // namespace
 
-int qqwrite(glbblk *b, FILE *fp, const char *name, int format) noexcept {
+int qqwrite(RasterBlock *b, FILE *fp, const char *name, int format) noexcept {
     qqcanvas *cv = qqcanvasof(b);
     int r;
     if (!cv || !fp) {
@@ -207,7 +207,7 @@ int qqwrite(glbblk *b, FILE *fp, const char *name, int format) noexcept {
             // A full disk shows here: the file is then not what it claims.
             if (r == 0 && (std::fflush(fp) != 0 || std::ferror(fp))) r = -1;
         }
-        release(p);
+        free_picture(p);
     }
     if (r == -1) {
         qqwar0(b, 36);
@@ -220,7 +220,7 @@ int qqwrite(glbblk *b, FILE *fp, const char *name, int format) noexcept {
     return r;
 }
 
-long qqpngmem(glbblk *b, unsigned char *buffer, size_t size) noexcept {
+long qqpngmem(RasterBlock *b, unsigned char *buffer, size_t size) noexcept {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return -1;
     qqcflush(cv);
@@ -230,13 +230,13 @@ long qqpngmem(glbblk *b, unsigned char *buffer, size_t size) noexcept {
     sink.mem = buffer;
     sink.cap = size;
     if (r == 0) r = raster::write_png(sink, p, options_of(b));
-    release(p);
+    free_picture(p);
     if (r != 0) return r;
     if (sink.toosmall) return 0;
     return (long)sink.pos;
 }
 
-int qqwritefile(glbblk *b, const char *file, int format) noexcept {
+int qqwritefile(RasterBlock *b, const char *file, int format) noexcept {
     QQOutFile out{};
     qqscpy(out.name, file ? file : "", 256);
     if (qqoutopen(b, &out, "wb") != 0) return -1;

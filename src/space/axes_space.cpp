@@ -11,9 +11,9 @@
 #include "axes/axes.h"
 #include "axes/axis_draw.h"
 #include "axes/label_text.h"
-#include "core/glbblk.h"
 #include "devices/device.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ void lerp3(const double *a, const double *e, double t, double *p) {
 
 // The page direction of a short step along d from p: a unit vector of plot
 // coordinates, or false when the step projects to (almost) nothing.
-bool page_dir(glbblk *b, const double p[3], const double d[3], double u[2]) {
+bool page_dir(SpaceBlock *b, const double p[3], const double d[3], double u[2]) {
     const SpaceState &s = b->sp;
     double h = 1e-3 * std::fmax(s.len[0], std::fmax(s.len[1], s.len[2]));
     double x0, y0, x1, y1;
@@ -71,7 +71,7 @@ int upright(double deg) {
 // Writes text so that its box touches the point (ax, ay) from the side
 // that the unit direction d points to; returns the depth of the box along
 // d (the extent that the next element must clear).
-double place_text(glbblk *b, const char *t, double ax, double ay, const double d[2], int angle,
+double place_text(SpaceBlock *b, const char *t, double ax, double ay, const double d[2], int angle,
                   int h) {
     double w = qqaxtw(b, t);
     double th = angle * 3.14159265358979323846 / 180;
@@ -98,7 +98,7 @@ void value_point(const AxisPlan &a, double v, double p[3]) {
     lerp3(a.e.from, a.e.to, t, p);
 }
 
-void draw_ticks(glbblk *b, const AxisPlan &a) {
+void draw_ticks(SpaceBlock *b, const AxisPlan &a) {
     const AxesState &ax = b->ax;
     const AxisCall &c = a.c;
     int n = ax.ntic[c.axis];
@@ -125,7 +125,7 @@ void draw_ticks(glbblk *b, const AxisPlan &a) {
 }
 
 // The labels; returns their greatest depth away from the axis.
-double draw_labels(glbblk *b, const AxisPlan &a, double gap) {
+double draw_labels(SpaceBlock *b, const AxisPlan &a, double gap) {
     AxesState &ax = b->ax;
     const AxisCall &c = a.c;
     const SpaceState &s = b->sp;
@@ -160,7 +160,7 @@ double draw_labels(glbblk *b, const AxisPlan &a, double gap) {
     return depth;
 }
 
-void draw_name(glbblk *b, const AxisPlan &a, double gap) {
+void draw_name(SpaceBlock *b, const AxisPlan &a, double gap) {
     const AxesState &ax = b->ax;
     const char *nm = ax.name[a.c.axis];
     if (!nm[0]) return;
@@ -177,7 +177,7 @@ void draw_name(glbblk *b, const AxisPlan &a, double gap) {
 
 }  // namespace
 
-void qqspaxes(glbblk *b) noexcept {
+void qqspaxes(SpaceBlock *b) noexcept {
     SpaceState &s = b->sp;
     const AxesState &ax = b->ax;
     SpaceAxis edges[3];

@@ -12,6 +12,7 @@
 #include "plots/curves.h"
 #include "plots/patterns.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 
@@ -32,7 +33,7 @@ double cut(const SpaceState &s, int i, double u) {
     return u < lo ? lo : u > hi ? hi : u;
 }
 
-void face(glbblk *b, const double (*p)[3], int clr) {
+void face(SpaceBlock *b, const double (*p)[3], int clr) {
     double x[4], y[4], z[4], r[4], g[4], bl[4];
     int ir, ig, ib;
     qqclrrgb(b, clr, &ir, &ig, &ib);
@@ -47,7 +48,7 @@ void face(glbblk *b, const double (*p)[3], int clr) {
 
 void bars3d(const double *xray, const double *yray, const double *z1ray, const double *z2ray,
             const double *xwray, const double *ywray, const int *icray, int n) noexcept {
-    glbblk *b = KX_ENTRY("bars3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("bars3d"));
     if (!b) return;
     SpaceState &s = b->sp;
     if (!s.open) {
@@ -60,7 +61,7 @@ void bars3d(const double *xray, const double *yray, const double *z1ray, const d
     }
     qqchk3(b, xray, yray, z1ray, n);
     qqchk3(b, xray, yray, z2ray, n);
-    const int current = b->dev.curclr;
+    const int current = b->clr.curclr;
     // One legend record for each colour, at its first occurrence.  The
     // legend holds at most QQ_NLEG entries: the search ends with them.
     CurveState &cs = b->crv;
@@ -72,12 +73,12 @@ void bars3d(const double *xray, const double *yray, const double *z1ray, const d
         for (int j = 0; j < nseen && !known; ++j) known = seen[j] == clr;
         if (known) continue;
         seen[nseen++] = clr;
-        if (clr != b->dev.curclr) qqsetc(b, clr);
+        if (clr != b->clr.curclr) qqsetc(b, clr);
         qqlegrecord(b, cs.ncrv, QQ_SOLID_PATTERN, false, false);
         cs.ncrv++;
         cs.legpend = 1;
     }
-    if (b->dev.curclr != current) qqsetc(b, current);
+    if (b->clr.curclr != current) qqsetc(b, current);
     // Faces go through the depth buffer unless a buffer already sorts them.
     bool own = !s.dopen && !qqzpix(b);
     if (own && qqdbfopen(b, 3LL * n)) return;
@@ -86,7 +87,7 @@ void bars3d(const double *xray, const double *yray, const double *z1ray, const d
     int edge = b->bar.border;
     if (edge == -1) {
         qqcolorfore(b);
-        edge = b->dev.curclr;
+        edge = b->clr.curclr;
         if (edge != current) qqsetc(b, current);
     }
     const int mesh = s.mesh, curmesh = s.curmesh, code = s.edgecode;
@@ -129,5 +130,5 @@ void bars3d(const double *xray, const double *yray, const double *z1ray, const d
     s.curmesh = curmesh;
     s.edgecode = code;
     qqshdpat(b, pattern);
-    if (b->dev.curclr != current) qqsetc(b, current);
+    if (b->clr.curclr != current) qqsetc(b, current);
 }

@@ -13,7 +13,6 @@
 #include <cstring>
 
 #include "colour/colour.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/numfmt.h"
@@ -22,6 +21,7 @@
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 struct PlyStore {
     float *x, *y, *z;
@@ -120,7 +120,7 @@ unsigned char byte_of(double c) {
 
 }  // namespace
 
-void qqplyadd(glbblk *blk, const double *x, const double *y, const double *z, const double *r,
+void qqplyadd(SpaceBlock *blk, const double *x, const double *y, const double *z, const double *r,
               const double *g, const double *b, int n) noexcept {
     SpaceState &sp = blk->sp;
     if (n < 1) return;
@@ -162,8 +162,8 @@ void qqplyadd(glbblk *blk, const double *x, const double *y, const double *z, co
     s->nf++;
 }
 
-void qqplypoly(glbblk *b, const double *x, const double *y, const double *z, int n, const double *r,
-               const double *g, const double *bl, int clr) noexcept {
+void qqplypoly(SpaceBlock *b, const double *x, const double *y, const double *z, int n,
+               const double *r, const double *g, const double *bl, int clr) noexcept {
     double ux[4], uy[4], uz[4], cr[4], cg[4], cb[4];
     if (n < 1 || n > 4) return;
     bool own = !qqzpix(b);
@@ -187,14 +187,14 @@ void qqplypoly(glbblk *b, const double *x, const double *y, const double *z, int
     qqplyadd(b, ux, uy, uz, cr, cg, cb, n);
 }
 
-void qqplyfree(glbblk *b) noexcept {
+void qqplyfree(SpaceBlock *b) noexcept {
     free_store(b->sp.ply);
     b->sp.ply = nullptr;
     b->sp.plymode = 0;
 }
 
 void plyini(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("plyini");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("plyini"));
     if (!b) return;
     int k = qqkey(b, "STAN", 1, copt);
     if (k < 1) return;
@@ -206,7 +206,7 @@ void plyini(const char *copt) noexcept {
 }
 
 void plyfin(const char *cfile, const char *cobj) noexcept {
-    glbblk *b = KX_ENTRY("plyfin");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("plyfin"));
     if (!b) return;
     SpaceState &sp = b->sp;
     if (!sp.plymode) {

@@ -7,8 +7,8 @@
 #include <cstring>
 
 #include "axes/axes.h"
+#include "colour/colour.h"
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/subsystems.h"
@@ -19,14 +19,15 @@
 #include "plots/patterns.h"
 #include "plots/zscale.h"
 #include "raster/canvas.h"
-#include "colour/colour.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 
 const double kPi = 3.1415927;
 
-void defaults(glbblk *b) {
+void defaults(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
     SpaceState &s = b->sp;
     std::free(s.zbuf);
     std::free(s.dpol);
@@ -73,19 +74,35 @@ void defaults(glbblk *b) {
     for (double &c : s.scene) c = 0.20000000298023224;
 }
 
-void on_endgrf(glbblk *b) {
+void on_endgrf(AxesBlock *ab) {
+    SpaceBlock *b = qqspcblk(ab);
     // endgrf inside a plane ends only the 2-D system drawn there.
     if (b->sp.plane) return;
     b->sp.open = 0;
     b->dev.pl3on = 0;
 }
 
-void space_init(glbblk *b) {
-    defaults(b);
-    qqaxhook(b, on_endgrf);
+// The X and Y ends of the open 3-D axis system, for getmat's grid.
+int xy_ends(const FieldBlock *fb, double a[2], double e[2], int log[2]) {
+    const SpaceState &s = qqspcblk(fb)->sp;
+    if (!s.open) return 0;
+    for (int k = 0; k < 2; ++k) {
+        a[k] = s.a[k];
+        e[k] = s.e[k];
+        log[k] = s.logax[k] != 0;
+    }
+    return 1;
 }
 
-void space_release(glbblk *b) {
+void space_init(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
+    defaults(b);
+    qqaxhook(b, on_endgrf);
+    b->cpl.xyends3d = xy_ends;
+}
+
+void space_release(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
     SpaceState &s = b->sp;
     std::free(s.zbuf);
     std::free(s.dpol);
@@ -96,20 +113,21 @@ void space_release(glbblk *b) {
     qqplyfree(b);
 }
 
-void space_end(glbblk *b) {
+void space_end(CoreBlock *blk) {
+    SpaceBlock *b = qqspcblk(blk);
     qqdbfclose(b);
     qqzbfclose(b);
     // A record that plyfin never wrote dies with the session.
     qqplyfree(b);
 }
 
-void sides(glbblk *b, int *lo, int *hi) {
+void sides(SpaceBlock *b, int *lo, int *hi) {
     int s = b->sp.side;
     *lo = s == 1 ? 1 : 0;
     *hi = s == 0 ? 0 : 1;
 }
 
-bool negative(glbblk *b, double v) {
+bool negative(SpaceBlock *b, double v) {
     if (v < 0) {
         qqwar0(b, 1);
         return true;
@@ -117,7 +135,7 @@ bool negative(glbblk *b, double v) {
     return false;
 }
 
-bool light_index(glbblk *b, int k) {
+bool light_index(SpaceBlock *b, int k) {
     if (k < 1 || k > 8) {
         qqwarn(b, 2, k);
         return false;
@@ -145,7 +163,7 @@ struct Grid {
     int k;
 };
 
-void absp(glbblk *b, const Grid &g, int i, int j, double p[3]) {
+void absp(SpaceBlock *b, const Grid &g, int i, int j, double p[3]) {
     size_t at = (size_t)i * g.m + j;
     p[0] = qqusr2abs(b, 0, g.full ? g.x[at] : g.x[i]);
     p[1] = qqusr2abs(b, 1, g.full ? g.y[at] : g.y[j]);
@@ -154,7 +172,7 @@ void absp(glbblk *b, const Grid &g, int i, int j, double p[3]) {
 
 // One curved mesh line from corner a to corner e through the k - 2 user
 // points at mid, with the 3-D pen (depth tested on a z-buffer).
-void curved_line(glbblk *b, const double *a, const double *e, const double *mid, int k) {
+void curved_line(SpaceBlock *b, const double *a, const double *e, const double *mid, int k) {
     qqmov3(b, a[0], a[1], a[2]);
     for (int t = 0; t < k - 2; ++t) {
         const double *u = mid + 3 * t;
@@ -165,7 +183,7 @@ void curved_line(glbblk *b, const double *a, const double *e, const double *mid,
 }
 
 // The four mesh lines of cell (i, j) as curves; P holds its corners.
-void curved_cell(glbblk *b, const Grid &g, int i, int j, const double P[4][3]) {
+void curved_cell(SpaceBlock *b, const Grid &g, int i, int j, const double P[4][3]) {
     int k = g.k;
     size_t w = (size_t)(k - 2) * 3;
     curved_line(b, P[0], P[1], g.ep + ((size_t)i * g.m + j) * w, k);
@@ -188,7 +206,7 @@ void normal(const double *p1, const double *p2, const double *p3, int back, doub
 }
 
 // 1 when the face turns away from the eye, else 2.
-int facing(const glbblk *b, const double *p1, const double *p2, const double *p3, int back) {
+int facing(const SpaceBlock *b, const double *p1, const double *p2, const double *p3, int back) {
     const SpaceState &s = b->sp;
     double n[3];
     normal(p1, p2, p3, back, n);
@@ -205,7 +223,7 @@ int facing(const glbblk *b, const double *p1, const double *p2, const double *p3
     return v[0] * n[0] + v[1] * n[1] + v[2] * n[2] > 0 ? 1 : 2;
 }
 
-void rgb_of(glbblk *b, int clr, double c[3]) {
+void rgb_of(SpaceBlock *b, int clr, double c[3]) {
     int r, g, bl;
     qqclrrgb(b, clr, &r, &g, &bl);
     c[0] = r / 255.0;
@@ -214,7 +232,7 @@ void rgb_of(glbblk *b, int clr, double c[3]) {
 }
 
 // The light at grid corner (i, j) with the normal of cell (ci, cj).
-bool cell_normal(glbblk *b, const Grid &g, int ci, int cj, int back, double n[3]) {
+bool cell_normal(SpaceBlock *b, const Grid &g, int ci, int cj, int back, double n[3]) {
     if (ci < 0 || cj < 0 || ci >= g.n - 1 || cj >= g.m - 1) return false;
     double p0[3], p1[3], p2[3];
     absp(b, g, ci, cj, p0);
@@ -227,9 +245,9 @@ bool cell_normal(glbblk *b, const Grid &g, int ci, int cj, int back, double n[3]
 
 // The flat fill colour of a pass: the current colour; the background for
 // a mesh alone; with surclr and no lights, the colour of the side drawn.
-int flat_colour(glbblk *b, double rgb[3]) {
+int flat_colour(SpaceBlock *b, double rgb[3]) {
     const SpaceState &s = b->sp;
-    int clr = b->dev.curclr;
+    int clr = b->clr.curclr;
     if (s.mesh == 2) {
         clr = b->clr.bckclr;
         // Lit pixels on a white page pass the swap of black and white.
@@ -242,9 +260,9 @@ int flat_colour(glbblk *b, double rgb[3]) {
 }
 
 // Mesh "LINE" or "POIN": the polygon's edges or corners in the mesh colour.
-void mesh_marks(glbblk *b, const double (*P)[3], int n) {
+void mesh_marks(SpaceBlock *b, const double (*P)[3], int n) {
     SpaceState &s = b->sp;
-    if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
+    if (s.curmesh != b->clr.curclr) qqsetc(b, s.curmesh);
     for (int k = 0; k < n; ++k) {
         const double *a = P[k], *e = s.mesh == 3 ? P[(k + 1) % n] : P[k];
         qqmov3(b, a[0], a[1], a[2]);
@@ -256,7 +274,7 @@ void mesh_marks(glbblk *b, const double (*P)[3], int n) {
 // The one colour number of a polygon for output without pixels: the z
 // colour of its mean value without lights, the flat colour where that
 // serves, else the nearest colour of the mean of its corners' colours.
-int polygon_colour(glbblk *b, int flatclr, double mean, const double *r, const double *g,
+int polygon_colour(SpaceBlock *b, int flatclr, double mean, const double *r, const double *g,
                    const double *bl, int n) {
     const SpaceState &s = b->sp;
     if (!s.lights && s.mesh != 2 && s.zsca == 0) return qqzclr(b, mean);
@@ -270,9 +288,9 @@ int polygon_colour(glbblk *b, int flatclr, double mean, const double *r, const d
     return qqnearest(b, (int)(mr * 255 + 0.5), (int)(mg * 255 + 0.5), (int)(mb * 255 + 0.5));
 }
 
-void cell_pass(glbblk *b, const Grid &g, int back) {
+void cell_pass(SpaceBlock *b, const Grid &g, int back) {
     SpaceState &s = b->sp;
-    int savclr = b->dev.curclr;
+    int savclr = b->clr.curclr;
     s.curmesh = s.mshclr[0] == -1 ? savclr : s.mshclr[0];
     bool lights = s.lights != 0;
     bool smooth = s.shade == 1;
@@ -295,7 +313,7 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
             if (!ok) continue;  // a hole in the surface
             if (s.cull != 0 && facing(b, P[0], P[1], P[2], back) == s.cull) continue;
             if (s.mesh == 3 && curved) {
-                if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
+                if (s.curmesh != b->clr.curclr) qqsetc(b, s.curmesh);
                 curved_cell(b, g, i, j, P);
                 continue;
             }
@@ -385,11 +403,11 @@ void cell_pass(glbblk *b, const Grid &g, int back) {
             s.mesh = 0;
             qqtri3(b, X, Y, Z, 4, r, gg, bl, clr);
             s.mesh = mesh;
-            if (s.curmesh != b->dev.curclr) qqsetc(b, s.curmesh);
+            if (s.curmesh != b->clr.curclr) qqsetc(b, s.curmesh);
             curved_cell(b, g, i, j, P);
-            if (b->dev.curclr != savclr) qqsetc(b, savclr);
+            if (b->clr.curclr != savclr) qqsetc(b, savclr);
         }
-    if (b->dev.curclr != savclr) qqsetc(b, savclr);
+    if (b->clr.curclr != savclr) qqsetc(b, savclr);
 }
 
 // The back pass runs with the sides exchanged: slot 0 of the mesh and
@@ -400,7 +418,7 @@ void swap_sides(SpaceState &s) {
 }
 
 // The frame that every surface routine shares; returns after drawing.
-void surface(glbblk *b, const Grid &g, long long ncells) {
+void surface(SpaceBlock *b, const Grid &g, long long ncells) {
     SpaceState &s = b->sp;
     if (g.n < 2 || g.m < 2) {
         qqwarn(b, 2, g.n < 2 ? g.n : g.m);
@@ -441,7 +459,7 @@ void surface(glbblk *b, const Grid &g, long long ncells) {
     if (b->sty.patnum != savpat) qqshdpat(b, savpat);
 }
 
-void colour_scale(glbblk *b, const double *c, size_t n, bool own) {
+void colour_scale(SpaceBlock *b, const double *c, size_t n, bool own) {
     double za, ze;
     if (qqzuser(b, &za, &ze)) {
         qqzscl(b, za, ze);
@@ -467,7 +485,7 @@ void colour_scale(glbblk *b, const double *c, size_t n, bool own) {
 extern const Subsystem kxsub_space = {"space",       defaults, space_init,
                                       space_release, nullptr,  space_end};
 
-void qqlitabs(glbblk *b, int k) noexcept {
+void qqlitabs(SpaceBlock *b, int k) noexcept {
     Light3 &l = b->sp.lit[k];
     if (!b->sp.open) return;
     if (l.mode == 2) {
@@ -483,7 +501,7 @@ void qqlitabs(glbblk *b, int k) noexcept {
     for (int i = 0; i < 3; ++i) l.at[i] = l.pos[i];
 }
 
-void qqlight(const glbblk *b, const double p[3], const double N[3], int side, const double *dif,
+void qqlight(const SpaceBlock *b, const double p[3], const double N[3], int side, const double *dif,
              double out[3]) noexcept {
     const SpaceState &s = b->sp;
     const Material3 &m = s.mat[side];
@@ -522,7 +540,7 @@ void qqlight(const glbblk *b, const double p[3], const double N[3], int side, co
 // Surface routines.
 
 void surshd(const double *xray, int n, const double *yray, int m, const double *zmat) noexcept {
-    glbblk *b = KX_ENTRY("surshd");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surshd"));
     if (!b) return;
     if (n >= 2 && m >= 2 && b->sp.open) colour_scale(b, zmat, (size_t)n * m, false);
     Grid g{xray, yray, zmat, zmat, n, m, 0, nullptr, nullptr, 0};
@@ -531,7 +549,7 @@ void surshd(const double *xray, int n, const double *yray, int m, const double *
 
 void surshc(const double *xray, int n, const double *yray, int m, const double *zmat,
             const double *cmat) noexcept {
-    glbblk *b = KX_ENTRY("surshc");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surshc"));
     if (!b) return;
     if (n >= 2 && m >= 2 && b->sp.open) colour_scale(b, cmat, (size_t)n * m, true);
     Grid g{xray, yray, zmat, cmat, n, m, 0, nullptr, nullptr, 0};
@@ -540,7 +558,7 @@ void surshc(const double *xray, int n, const double *yray, int m, const double *
 
 void surtri(const double *xray, const double *yray, const double *zray, int n, const int *i1,
             const int *i2, const int *i3, int ntri) noexcept {
-    glbblk *b = KX_ENTRY("surtri");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surtri"));
     if (!b) return;
     SpaceState &s = b->sp;
     if (n < 3 || ntri < 1) {
@@ -569,7 +587,7 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
         }
         qqshdpat(b, 16);
     }
-    int savclr = b->dev.curclr;
+    int savclr = b->clr.curclr;
     bool pix = qqzpix(b) != 0;
     for (int side = 1; side >= 0; --side) {
         if ((side == 1 && s.survis == 1) || (side == 0 && s.survis == 2)) continue;
@@ -626,7 +644,7 @@ void surtri(const double *xray, const double *yray, const double *zray, int n, c
     }
     if (down) qqdbfclose(b);
     if (zown) qqzbfclose(b);
-    if (b->dev.curclr != savclr) qqsetc(b, savclr);
+    if (b->clr.curclr != savclr) qqsetc(b, savclr);
     if (b->sty.patnum != savpat) qqshdpat(b, savpat);
 }
 
@@ -660,7 +678,7 @@ constexpr double kMaxParamPoints = 4e6;
 // looked at again afterwards.
 void surfcp(double (*zfun)(double, double, int), double pmin, double pmax, double pstp, double qmin,
             double qmax, double qstp) noexcept {
-    glbblk *b = KX_ENTRY("surfcp");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surfcp"));
     if (!b) return;
     if (!b->sp.open) {
         qqwar0(b, 35);
@@ -720,7 +738,7 @@ void surfcp(double (*zfun)(double, double, int), double pmin, double pmax, doubl
                 }
             }
     // The function may have ended the axis system or the session.
-    glbblk *again = KX_ENTRY("surfcp");
+    SpaceBlock *again = qqspcblk(KX_ENTRY("surfcp"));
     if (again == b && b->sp.open) {
         colour_scale(b, z, cnt, false);
         Grid g{x, y, z, z, n, m, 1, curves ? ep : nullptr, curves ? eq : nullptr, k};
@@ -733,21 +751,21 @@ void surfcp(double (*zfun)(double, double, int), double pmin, double pmax, doubl
 // Settings.
 
 void light(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("light");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("light"));
     if (!b) return;
     int k = qqkey(b, "OFF +ON  ", 2, copt);
     if (k > 0) b->sp.lights = k - 1;
 }
 
 void litmod(int id, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("litmod");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("litmod"));
     if (!b || !light_index(b, id)) return;
     int k = qqkey(b, "OFF +ON  ", 2, copt);
     if (k > 0) b->sp.lit[id - 1].on = k - 1;
 }
 
 void litpos(int id, double x, double y, double z, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("litpos");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("litpos"));
     if (!b || !light_index(b, id)) return;
     int k = qqkey(b, "ABS +USER+ANGL", 3, copt);
     if (k < 1) return;
@@ -768,7 +786,7 @@ void litpos(int id, double x, double y, double z, const char *copt) noexcept {
 }
 
 void litopt(int id, double xval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("litopt");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("litopt"));
     if (!b || !light_index(b, id)) return;
     int k = qqkey(b, "AMBI+DIFF+SPEC+CONS+LINE+QUAD", 6, copt);
     if (k < 1 || negative(b, xval)) return;
@@ -783,7 +801,7 @@ void litopt(int id, double xval, const char *copt) noexcept {
 }
 
 void litop3(int id, double xr, double xg, double xb, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("litop3");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("litop3"));
     if (!b || !light_index(b, id)) return;
     int k = qqkey(b, "AMBI+DIFF+SPEC", 3, copt);
     if (k < 1 || negative(b, xr) || negative(b, xg) || negative(b, xb)) return;
@@ -795,7 +813,7 @@ void litop3(int id, double xr, double xg, double xb, const char *copt) noexcept 
 }
 
 void matopt(double xval, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("matopt");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("matopt"));
     if (!b) return;
     int k = qqkey(b, "AMBI+DIFF+SPEC+EXPO", 4, copt);
     if (k < 1 || negative(b, xval)) return;
@@ -813,7 +831,7 @@ void matopt(double xval, const char *copt) noexcept {
 }
 
 void matop3(double xr, double xg, double xb, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("matop3");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("matop3"));
     if (!b) return;
     int k = qqkey(b, "AMBI+DIFF+SPEC", 3, copt);
     if (k < 1 || negative(b, xr) || negative(b, xg) || negative(b, xb)) return;
@@ -829,14 +847,14 @@ void matop3(double xr, double xg, double xb, const char *copt) noexcept {
 }
 
 void setfce(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("setfce");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("setfce"));
     if (!b) return;
     int k = qqkey(b, "TOP +BOTT+BOTH", 3, copt);
     if (k > 0) b->sp.side = k - 1;
 }
 
 void mshclr(int nclr) noexcept {
-    glbblk *b = KX_ENTRY("mshclr");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("mshclr"));
     if (!b) return;
     int lo, hi;
     sides(b, &lo, &hi);
@@ -845,19 +863,19 @@ void mshclr(int nclr) noexcept {
 }
 
 void mshcrv(int n) noexcept {
-    glbblk *b = KX_ENTRY("mshcrv");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("mshcrv"));
     if (b) b->sp.mshcrv = n < 4 ? 0 : n;
 }
 
 void surmsh(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("surmsh");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("surmsh"));
     if (!b) return;
     int k = qqkey(b, "OFF +ON  +ONLY+LINE+POIN", 5, copt);
     if (k > 0) b->sp.mesh = b->cpl.mesh = k - 1;
 }
 
 void shdmod(const char *copt, const char *ctype) noexcept {
-    glbblk *b = KX_ENTRY("shdmod");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("shdmod"));
     if (!b) return;
     enum { SURF = 1, CONT, CURV, CELL, COLO, CULL, SYMB, ZSCA };
     int t = qqkey(b, "SURF+CONT+CURV+CELL+COLO+CULL+SYMB+ZSCA", 8, ctype);

@@ -3,7 +3,7 @@
 // the settings of shaded surfaces.
 #pragma once
 
-struct glbblk;
+struct SpaceBlock;
 struct PlyStore;
 
 struct Light3 {

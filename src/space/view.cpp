@@ -9,7 +9,6 @@
 #include "axes/axes.h"
 #include "axes/axis_draw.h"
 #include "axes/label_text.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
@@ -18,12 +17,13 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 
 const double kPi = 3.1415927;  // the degree conversions of the settings use this value
 
-bool in_graf3d(const glbblk *b) {
+bool in_graf3d(const SpaceBlock *b) {
     return b->sp.open != 0;
 }
 
@@ -33,7 +33,7 @@ double plain_abs(const SpaceState &s, int i, double v) {
     return (v - s.a[i]) * s.len[i] / d - s.len[i] / 2;
 }
 
-void build_matrix(glbblk *b) {
+void build_matrix(SpaceBlock *b) {
     SpaceState &s = b->sp;
     double ex = s.ex, ey = s.ey, ez = s.ez;
     double a = ex - s.fx, bb = ey - s.fy, c = ez - s.fz;
@@ -81,7 +81,7 @@ void build_matrix(glbblk *b) {
     }
 }
 
-void resolve_view(glbblk *b) {
+void resolve_view(SpaceBlock *b) {
     SpaceState &s = b->sp;
     if (s.focmode == 0) {
         s.fx = s.fy = s.fz = 0;
@@ -135,7 +135,8 @@ void resolve_view(glbblk *b) {
 // ---------------------------------------------------------------------------
 // The plane of 2-D drawing.
 
-void plane_map(glbblk *b, double *x, double *y) {
+void plane_map(DeviceBlock *db, double *x, double *y) {
+    SpaceBlock *b = qqspcblk(db);
     const SpaceState &s = b->sp;
     const DeviceState &d = b->dev;
     double u = (*x - d.nxsh - s.pnxa) / (s.pnxl - 1 > 0 ? s.pnxl - 1 : 1);
@@ -148,7 +149,7 @@ void plane_map(glbblk *b, double *x, double *y) {
     *y = yp + d.nysh;
 }
 
-void plane_open(glbblk *b, const double c1[3], const double c2[3], const double c3[3]) {
+void plane_open(SpaceBlock *b, const double c1[3], const double c2[3], const double c3[3]) {
     SpaceState &s = b->sp;
     qqflsh(b);
     for (int i = 0; i < 3; ++i) {
@@ -165,7 +166,7 @@ void plane_open(glbblk *b, const double c1[3], const double c2[3], const double 
     b->dev.pl3on = 1;
 }
 
-void plane_close(glbblk *b) {
+void plane_close(SpaceBlock *b) {
     qqflsh(b);
     b->sp.plane = 0;
     b->dev.pl3on = 0;
@@ -173,7 +174,7 @@ void plane_close(glbblk *b) {
 
 // The 3-D record of the axes (graf3d's), written back after 2-D drawing in
 // a plane replaced it.
-void set_record(glbblk *b) {
+void set_record(SpaceBlock *b) {
     SpaceState &s = b->sp;
     ScaleRecord &r = b->ax.rec;
     r.type = 3;
@@ -223,7 +224,7 @@ const short kAxisPlanes[27][9] = {
     {341, 1, 1, 234, 0, 0, 215, 0, 1},
 };
 
-void draw_axes(glbblk *b) {
+void draw_axes(SpaceBlock *b) {
     SpaceState &s = b->sp;
     AxesState &ax = b->ax;
     int cx = s.ex < -s.len[0] / 2 ? 1 : s.ex > s.len[0] / 2 ? 3 : 2;
@@ -341,7 +342,7 @@ void bounds(const double c[4], double f[6]) {
     f[5] = c[3] - c[2];
 }
 
-void clip_to_plot(const glbblk *b, const double c[4], double *xp, double *yp) {
+void clip_to_plot(const SpaceBlock *b, const double c[4], double *xp, double *yp) {
     const SpaceState &s = b->sp;
     double w = c[3];
     if (std::fabs(w) < 1e-30) w = 1e-30;
@@ -349,7 +350,7 @@ void clip_to_plot(const glbblk *b, const double c[4], double *xp, double *yp) {
     *yp = s.cy - s.s * c[1] / w;
 }
 
-void seg_plot(glbblk *b, const double *p0, const double *p1, bool move) {
+void seg_plot(SpaceBlock *b, const double *p0, const double *p1, bool move) {
     double x0, y0, x1, y1;
     qqabs2plot(b, p0[0], p0[1], p0[2], &x0, &y0, nullptr);
     qqabs2plot(b, p1[0], p1[1], p1[2], &x1, &y1, nullptr);
@@ -362,11 +363,11 @@ void seg_plot(glbblk *b, const double *p0, const double *p1, bool move) {
 // ---------------------------------------------------------------------------
 // Conversions.
 
-int qqclipbox(const glbblk *b, double p0[3], double p1[3]) noexcept {
+int qqclipbox(const SpaceBlock *b, double p0[3], double p1[3]) noexcept {
     return clip_box(b->sp, p0, p1);
 }
 
-double qqusr2abs(const glbblk *b, int i, double v) noexcept {
+double qqusr2abs(const SpaceBlock *b, int i, double v) noexcept {
     const SpaceState &s = b->sp;
     double u = s.logax[i] ? std::log10(v) : v;
     double d = s.e[i] - s.a[i];
@@ -374,28 +375,28 @@ double qqusr2abs(const glbblk *b, int i, double v) noexcept {
     return (u - s.a[i]) * s.len[i] / d - s.len[i] / 2;
 }
 
-double qqabs2usr(const glbblk *b, int i, double v) noexcept {
+double qqabs2usr(const SpaceBlock *b, int i, double v) noexcept {
     const SpaceState &s = b->sp;
     double u = (v + s.len[i] / 2) * (s.e[i] - s.a[i]) / s.len[i] + s.a[i];
     return s.logax[i] ? std::pow(10.0, u) : u;
 }
 
-double qqplain2abs(const glbblk *b, int i, double v) noexcept {
+double qqplain2abs(const SpaceBlock *b, int i, double v) noexcept {
     return plain_abs(b->sp, i, v);
 }
 
-double qqabs2plain(const glbblk *b, int i, double v) noexcept {
+double qqabs2plain(const SpaceBlock *b, int i, double v) noexcept {
     const SpaceState &s = b->sp;
     if (s.len[i] == 0) return s.a[i];
     return (v + s.len[i] / 2) * (s.e[i] - s.a[i]) / s.len[i] + s.a[i];
 }
 
-void qqclip4(const glbblk *b, const double p[3], double out[4]) noexcept {
+void qqclip4(const SpaceBlock *b, const double p[3], double out[4]) noexcept {
     const double (&m)[4][4] = b->sp.m;
     for (int r = 0; r < 4; ++r) out[r] = m[r][0] * p[0] + m[r][1] * p[1] + m[r][2] * p[2] + m[r][3];
 }
 
-void qqabs2plot(const glbblk *b, double x, double y, double z, double *xp, double *yp,
+void qqabs2plot(const SpaceBlock *b, double x, double y, double z, double *xp, double *yp,
                 double *depth) noexcept {
     double p[3] = {x, y, z}, c[4];
     qqclip4(b, p, c);
@@ -403,7 +404,7 @@ void qqabs2plot(const glbblk *b, double x, double y, double z, double *xp, doubl
     if (depth) *depth = c[2] / (std::fabs(c[3]) < 1e-30 ? 1e-30 : c[3]);
 }
 
-void qqmov3(glbblk *b, double x, double y, double z) noexcept {
+void qqmov3(SpaceBlock *b, double x, double y, double z) noexcept {
     SpaceState &s = b->sp;
     double p[3] = {x, y, z};
     if (qqzpix(b)) {
@@ -430,7 +431,7 @@ void qqmov3(glbblk *b, double x, double y, double z) noexcept {
     }
 }
 
-void qqdrw3(glbblk *b, double x, double y, double z) noexcept {
+void qqdrw3(SpaceBlock *b, double x, double y, double z) noexcept {
     SpaceState &s = b->sp;
     double p[3] = {x, y, z};
     if (qqzpix(b)) {
@@ -498,7 +499,7 @@ void qqdrw3(glbblk *b, double x, double y, double z) noexcept {
 // Settings.
 
 void axis3d(double x, double y, double z) noexcept {
-    glbblk *b = KX_ENTRY("axis3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("axis3d"));
     if (!b) return;
     double v[3] = {x, y, z};
     for (double t : v)
@@ -510,7 +511,7 @@ void axis3d(double x, double y, double z) noexcept {
 }
 
 void view3d(double x, double y, double z, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("view3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("view3d"));
     if (!b) return;
     int k = qqkey(b, "ABS +USER+ANGL", 3, copt);
     if (k < 1) return;
@@ -522,7 +523,7 @@ void view3d(double x, double y, double z, const char *copt) noexcept {
 }
 
 void vfoc3d(double x, double y, double z, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("vfoc3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("vfoc3d"));
     if (!b) return;
     int k = qqkey(b, "ABS +USER", 2, copt);
     if (k < 1) return;
@@ -534,7 +535,7 @@ void vfoc3d(double x, double y, double z, const char *copt) noexcept {
 }
 
 void vup3d(double angle) noexcept {
-    glbblk *b = KX_ENTRY("vup3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("vup3d"));
     if (!b) return;
     if (!std::isfinite(angle)) {
         qqwarnd(b, 2, angle);
@@ -544,7 +545,7 @@ void vup3d(double angle) noexcept {
 }
 
 void vang3d(double angle) noexcept {
-    glbblk *b = KX_ENTRY("vang3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("vang3d"));
     if (!b) return;
     if (!(angle > 0 && angle < 180)) {
         qqwarnd(b, 2, angle);
@@ -554,7 +555,7 @@ void vang3d(double angle) noexcept {
 }
 
 void vclp3d(double xnear, double xfar) noexcept {
-    glbblk *b = KX_ENTRY("vclp3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("vclp3d"));
     if (!b) return;
     if (!(xnear > 0) || !std::isfinite(xnear)) {
         qqwarnd(b, 2, xnear);
@@ -570,28 +571,28 @@ void vclp3d(double xnear, double xfar) noexcept {
 }
 
 void proj3d(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("proj3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("proj3d"));
     if (!b) return;
     int k = qqkey(b, "PERS+ORTH", 2, copt);
     if (k > 0) b->sp.proj = k - 1;
 }
 
 void clip3d(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("clip3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("clip3d"));
     if (!b) return;
     int k = qqkey(b, "WORL+EYE +NONE", 3, copt);
     if (k > 0) b->sp.clip = k - 1;
 }
 
 void labl3d(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("labl3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("labl3d"));
     if (!b) return;
     int k = qqkey(b, "STAN+HORI+PARA+OTHE", 4, copt);
     if (k > 0) b->sp.labmode = k - 1;
 }
 
 void flab3d() noexcept {
-    glbblk *b = KX_ENTRY("flab3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("flab3d"));
     if (b) b->sp.flab = 0;
 }
 
@@ -600,7 +601,7 @@ void flab3d() noexcept {
 
 void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor,
             double ystp, double za, double ze, double zor, double zstp) noexcept {
-    glbblk *b = KX_ENTRY("graf3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("graf3d"));
     if (!b) return;
     AxesState &ax = b->ax;
     SpaceState &s = b->sp;
@@ -640,7 +641,7 @@ void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye
     ax.legy = ax.nya - nyl + 1;
     ax.ncx = ax.nxa + nxl / 2;
     ax.ncy = ax.nya - nyl / 2;
-    ax.savclr = b->dev.curclr;
+    ax.savclr = b->clr.curclr;
     ax.savlev = 1;
     if (ax.nogrf) return;
     if (s.labmode == 0)
@@ -651,7 +652,7 @@ void graf3d(double xa, double xe, double xor_, double xstp, double ya, double ye
 }
 
 void box3d() noexcept {
-    glbblk *b = KX_ENTRY("box3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("box3d"));
     if (!b) return;
     if (!in_graf3d(b)) {
         qqwar0(b, 35);
@@ -678,7 +679,7 @@ void box3d() noexcept {
 }
 
 void box2d() noexcept {
-    glbblk *b = KX_ENTRY("box2d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("box2d"));
     if (!b) return;
     const AxesState &ax = b->ax;
     int t = ax.frmthk;
@@ -698,7 +699,7 @@ void box2d() noexcept {
 
 void grfini(double x1, double y1, double z1, double x2, double y2, double z2, double x3, double y3,
             double z3) noexcept {
-    glbblk *b = KX_ENTRY("grfini");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("grfini"));
     if (!b) return;
     if (!in_graf3d(b)) {
         qqwar0(b, 35);
@@ -710,7 +711,7 @@ void grfini(double x1, double y1, double z1, double x2, double y2, double z2, do
 }
 
 void grffin() noexcept {
-    glbblk *b = KX_ENTRY("grffin");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("grffin"));
     if (!b) return;
     if (!b->sp.plane) {
         qqwar0(b, 34);
@@ -723,7 +724,7 @@ void grffin() noexcept {
 }
 
 void grid3d(int nx, int ny, const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("grid3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("grid3d"));
     if (!b) return;
     if (!in_graf3d(b)) {
         qqwar0(b, 35);
@@ -770,7 +771,7 @@ void grid3d(int nx, int ny, const char *copt) noexcept {
 }
 
 void strt3d(double x, double y, double z) noexcept {
-    glbblk *b = KX_ENTRY("strt3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("strt3d"));
     if (!b) return;
     if (!in_graf3d(b)) {
         qqwar0(b, 35);
@@ -780,7 +781,7 @@ void strt3d(double x, double y, double z) noexcept {
 }
 
 void conn3d(double x, double y, double z) noexcept {
-    glbblk *b = KX_ENTRY("conn3d");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("conn3d"));
     if (!b) return;
     if (!in_graf3d(b)) {
         qqwar0(b, 35);
@@ -796,7 +797,7 @@ void conn3d(double x, double y, double z) noexcept {
 // of pagorg, as every Y of the interface does; drawing inside the library
 // uses the unflipped projection.
 void abs3pt(double x, double y, double z, double *xp, double *yp) noexcept {
-    glbblk *b = KX_ENTRY("abs3pt");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("abs3pt"));
     *xp = *yp = 0;
     if (!b) return;
     qqabs2plot(b, x, y, z, xp, yp, nullptr);
@@ -804,7 +805,7 @@ void abs3pt(double x, double y, double z, double *xp, double *yp) noexcept {
 }
 
 void rel3pt(double x, double y, double z, double *xp, double *yp) noexcept {
-    glbblk *b = KX_ENTRY("rel3pt");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("rel3pt"));
     *xp = *yp = 0;
     if (!b) return;
     qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), xp, yp, nullptr);
@@ -812,7 +813,7 @@ void rel3pt(double x, double y, double z, double *xp, double *yp) noexcept {
 }
 
 void pos3pt(double x, double y, double z, double *xp, double *yp, double *zp) noexcept {
-    glbblk *b = KX_ENTRY("pos3pt");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("pos3pt"));
     *xp = *yp = *zp = 0;
     if (!b) return;
     *xp = qqusr2abs(b, 0, x);
@@ -822,7 +823,7 @@ void pos3pt(double x, double y, double z, double *xp, double *yp, double *zp) no
 
 double x3dabs(double x, double y, double z) noexcept {
     double xp, yp;
-    glbblk *b = KX_ENTRY("x3dabs");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("x3dabs"));
     if (!b) return 0;
     qqabs2plot(b, x, y, z, &xp, &yp, nullptr);
     return xp;
@@ -830,7 +831,7 @@ double x3dabs(double x, double y, double z) noexcept {
 
 double y3dabs(double x, double y, double z) noexcept {
     double xp, yp;
-    glbblk *b = KX_ENTRY("y3dabs");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("y3dabs"));
     if (!b) return 0;
     qqabs2plot(b, x, y, z, &xp, &yp, nullptr);
     return qqyflp(b, yp);
@@ -838,7 +839,7 @@ double y3dabs(double x, double y, double z) noexcept {
 
 double x3drel(double x, double y, double z) noexcept {
     double xp, yp;
-    glbblk *b = KX_ENTRY("x3drel");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("x3drel"));
     if (!b) return 0;
     qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), &xp, &yp, nullptr);
     return xp;
@@ -846,23 +847,23 @@ double x3drel(double x, double y, double z) noexcept {
 
 double y3drel(double x, double y, double z) noexcept {
     double xp, yp;
-    glbblk *b = KX_ENTRY("y3drel");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("y3drel"));
     if (!b) return 0;
     qqabs2plot(b, qqusr2abs(b, 0, x), qqusr2abs(b, 1, y), qqusr2abs(b, 2, z), &xp, &yp, nullptr);
     return qqyflp(b, yp);
 }
 
 double x3dpos(double x, double, double) noexcept {
-    glbblk *b = KX_ENTRY("x3dpos");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("x3dpos"));
     return b ? qqusr2abs(b, 0, x) : 0;
 }
 
 double y3dpos(double, double y, double) noexcept {
-    glbblk *b = KX_ENTRY("y3dpos");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("y3dpos"));
     return b ? qqusr2abs(b, 1, y) : 0;
 }
 
 float z3dpos(double, double, double z) noexcept {
-    glbblk *b = KX_ENTRY("z3dpos");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("z3dpos"));
     return b ? (float)qqusr2abs(b, 2, z) : 0.0f;
 }

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "colour/colour.h"
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/warnings.h"
@@ -16,19 +16,19 @@
 #include "kolvex.h"
 #include "plots/fill.h"
 #include "raster/canvas.h"
-#include "colour/colour.h"
 #include "raster/primitives.h"
 #include "raster/zbuffer.h"
 #include "space/space.h"
+#include "space/space_block.h"
 
 namespace {
 
-qqcanvas *pix_canvas(glbblk *b) {
+qqcanvas *pix_canvas(SpaceBlock *b) {
     return qqcanvasof(b);
 }
 
 // Plot to pixel position of the canvas in use.
-void to_pix(glbblk *b, double x, double y, double *px, double *py) {
+void to_pix(SpaceBlock *b, double x, double y, double *px, double *py) {
     x += b->dev.nxsh;
     y += b->dev.nysh;
     if (b->cnv.owncnv) {
@@ -87,7 +87,7 @@ bool eye_out(const double c[4]) {
            c[3] - c[2] < 0;
 }
 
-void dbf_store(glbblk *b, const double *xp, const double *yp, const double *dp, int n, int fill,
+void dbf_store(SpaceBlock *b, const double *xp, const double *yp, const double *dp, int n, int fill,
                int edge, int code) {
     SpaceState &s = b->sp;
     if (s.dn == s.dcap) {
@@ -130,8 +130,8 @@ void dbf_store(glbblk *b, const double *xp, const double *yp, const double *dp, 
     s.dpn += 2 * n;
 }
 
-void fill_plot(glbblk *b, const double *xp, const double *yp, int n, int clr) {
-    if (b->dev.curclr != clr) qqsetc(b, clr);
+void fill_plot(SpaceBlock *b, const double *xp, const double *yp, int n, int clr) {
+    if (b->clr.curclr != clr) qqsetc(b, clr);
     double x[16], y[16];
     for (int i = 0; i < n; ++i) {
         x[i] = xp[i];
@@ -141,7 +141,7 @@ void fill_plot(glbblk *b, const double *xp, const double *yp, int n, int clr) {
     if (!qqdevpoly(b, x, y, n)) qqpfill(b, x, y, n);
 }
 
-void outline(glbblk *b, const double *xp, const double *yp, int n, int code) {
+void outline(SpaceBlock *b, const double *xp, const double *yp, int n, int code) {
     if (code >= 1 && code <= n) {
         qqmove(b, xp[code - 1], yp[code - 1]);
         qqdraw(b, xp[code % n], yp[code % n]);
@@ -154,11 +154,11 @@ void outline(glbblk *b, const double *xp, const double *yp, int n, int code) {
 
 }  // namespace
 
-int qqzpix(const glbblk *b) noexcept {
+int qqzpix(const SpaceBlock *b) noexcept {
     return b->sp.zopen || b->cnv.imgact;
 }
 
-int qqzbfopen(glbblk *b) noexcept {
+int qqzbfopen(SpaceBlock *b) noexcept {
     SpaceState &s = b->sp;
     if (s.zopen) {
         qqwar1(b, 120, "z-buffer is already in use");
@@ -210,7 +210,7 @@ int qqzbfopen(glbblk *b) noexcept {
     return 0;
 }
 
-void qqzbfclose(glbblk *b) noexcept {
+void qqzbfclose(SpaceBlock *b) noexcept {
     SpaceState &s = b->sp;
     if (!s.zopen) return;
     std::free(s.zbuf);
@@ -228,7 +228,7 @@ void qqzbfclose(glbblk *b) noexcept {
     }
 }
 
-int qqdbfopen(glbblk *b, long long ntri) noexcept {
+int qqdbfopen(SpaceBlock *b, long long ntri) noexcept {
     SpaceState &s = b->sp;
     if (s.dopen) {
         qqwar1(b, 120, "Depth buffer is already in use");
@@ -253,7 +253,7 @@ int qqdbfopen(glbblk *b, long long ntri) noexcept {
     return 0;
 }
 
-void qqdbfclose(glbblk *b) noexcept {
+void qqdbfclose(SpaceBlock *b) noexcept {
     SpaceState &s = b->sp;
     if (!s.dopen) return;
     s.dopen = 0;
@@ -262,7 +262,7 @@ void qqdbfclose(glbblk *b) noexcept {
     std::stable_sort(s.dpol, s.dpol + s.dn,
                      [](const DepthPoly &p, const DepthPoly &q) { return p.depth < q.depth; });
     qqflsh(b);
-    int saved = b->dev.curclr;
+    int saved = b->clr.curclr;
     for (int i = s.dn - 1; i >= 0; --i) {
         const DepthPoly &q = s.dpol[i];
         double x[16], y[16];
@@ -283,10 +283,10 @@ void qqdbfclose(glbblk *b) noexcept {
     s.dpol = nullptr;
     s.dpts = nullptr;
     s.dn = s.dcap = s.dpn = s.dpcap = 0;
-    if (b->dev.curclr != saved) qqsetc(b, saved);
+    if (b->clr.curclr != saved) qqsetc(b, saved);
 }
 
-void qqzlin3(glbblk *b, const double p0[3], const double p1[3]) noexcept {
+void qqzlin3(SpaceBlock *b, const double p0[3], const double p1[3]) noexcept {
     SpaceState &s = b->sp;
     double a[3] = {p0[0], p0[1], p0[2]}, e[3] = {p1[0], p1[1], p1[2]};
     if (s.clip == 0 && !qqclipbox(b, a, e)) return;
@@ -306,8 +306,8 @@ void qqzlin3(glbblk *b, const double p0[3], const double p1[3]) noexcept {
     qqczline(cv, s.zbuf, xa, ya, za, xe, ye, ze, s.zbias);
 }
 
-void qqtri3(glbblk *b, const double *x, const double *y, const double *z, int n, const double *r,
-            const double *g, const double *bl, int clr) noexcept {
+void qqtri3(SpaceBlock *b, const double *x, const double *y, const double *z, int n,
+            const double *r, const double *g, const double *bl, int clr) noexcept {
     SpaceState &s = b->sp;
     if (n < 3 || n > 4) return;
     V6 v[24], tmp[24];
@@ -364,7 +364,7 @@ void qqtri3(glbblk *b, const double *x, const double *y, const double *z, int n,
             qqcrast(cv, s.zbuf, tri, alpha);
         }
         if (mesh) {
-            int saved = b->dev.curclr;
+            int saved = b->clr.curclr;
             if (s.curmesh != saved) qqsetc(b, s.curmesh);
             float bias = s.zbias;
             s.zbias = 0.001f;
@@ -378,27 +378,27 @@ void qqtri3(glbblk *b, const double *x, const double *y, const double *z, int n,
         }
         return;
     }
-    int saved = b->dev.curclr;
+    int saved = b->clr.curclr;
     fill_plot(b, xp, yp, n, clr);
     if (mesh) {
         qqsetc(b, s.curmesh);
         outline(b, xp, yp, n, s.edgecode);
         qqflsh(b);
     }
-    if (b->dev.curclr != saved) qqsetc(b, saved);
+    if (b->clr.curclr != saved) qqsetc(b, saved);
 }
 
 // ---------------------------------------------------------------------------
 // Public routines.
 
 int zbfini() noexcept {
-    glbblk *b = KX_ENTRY("zbfini");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("zbfini"));
     if (!b) return 1;
     return qqzbfopen(b);
 }
 
 void zbffin() noexcept {
-    glbblk *b = KX_ENTRY("zbffin");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("zbffin"));
     if (!b) return;
     if (!b->sp.zopen) {
         qqwar1(b, 115, "No initialization of z-buffer");
@@ -408,7 +408,7 @@ void zbffin() noexcept {
 }
 
 void zbfres() noexcept {
-    glbblk *b = KX_ENTRY("zbfres");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("zbfres"));
     if (!b) return;
     SpaceState &s = b->sp;
     if (!s.zopen) {
@@ -419,7 +419,7 @@ void zbfres() noexcept {
 }
 
 void zbfers() noexcept {
-    glbblk *b = KX_ENTRY("zbfers");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("zbfers"));
     if (!b) return;
     if (!b->sp.zopen) {
         qqwar1(b, 115, "No initialization of z-buffer");
@@ -433,14 +433,14 @@ void zbfers() noexcept {
 }
 
 void zbfmod(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("zbfmod");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("zbfmod"));
     if (!b) return;
     int k = qqkey(b, "OFF +ON  ", 2, copt);
     if (k > 0) b->sp.zact = k - 1;
 }
 
 void zbfscl(double x) noexcept {
-    glbblk *b = KX_ENTRY("zbfscl");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("zbfscl"));
     if (!b) return;
     if (!(x >= 1 && x <= 10)) {
         qqwarnd(b, 2, x);
@@ -450,7 +450,7 @@ void zbfscl(double x) noexcept {
 }
 
 void zbftri(const double *xray, const double *yray, const double *zray, const int *iclr) noexcept {
-    glbblk *b = KX_ENTRY("zbftri");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("zbftri"));
     if (!b) return;
     if (!b->sp.open) {
         qqwar0(b, 35);
@@ -478,7 +478,7 @@ void zbftri(const double *xray, const double *yray, const double *zray, const in
 }
 
 void zbflin(double x1, double y1, double z1, double x2, double y2, double z2) noexcept {
-    glbblk *b = KX_ENTRY("zbflin");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("zbflin"));
     if (!b) return;
     SpaceState &s = b->sp;
     if (!s.open) {
@@ -498,13 +498,13 @@ void zbflin(double x1, double y1, double z1, double x2, double y2, double z2) no
 }
 
 int dbfini() noexcept {
-    glbblk *b = KX_ENTRY("dbfini");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("dbfini"));
     if (!b) return 1;
     return qqdbfopen(b, 0);
 }
 
 void dbffin() noexcept {
-    glbblk *b = KX_ENTRY("dbffin");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("dbffin"));
     if (!b) return;
     if (!b->sp.dopen) {
         qqwar1(b, 115, "No initialization of depth buffer");
@@ -514,7 +514,7 @@ void dbffin() noexcept {
 }
 
 void dbfmod(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("dbfmod");
+    SpaceBlock *b = qqspcblk(KX_ENTRY("dbfmod"));
     if (!b) return;
     int k = qqkey(b, "OFF +ON  ", 2, copt);
     if (k > 0) b->sp.dact = k - 1;

@@ -7,6 +7,7 @@
 #include "core/keywords.h"
 #include "core/warnings.h"
 #include "kolvex.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {
@@ -95,7 +96,7 @@ const ShiftRun kRuns[8] = {
 
 }  // namespace
 
-int qqtxtcodes(glbblk *b, const char *text, int32_t *codes, int max, int *n, int warn) noexcept {
+int qqtxtcodes(TextBlock *b, const char *text, int32_t *codes, int max, int *n, int warn) noexcept {
     *n = 0;
     if (!text) return 0;
     const unsigned char *s = (const unsigned char *)text;
@@ -132,7 +133,7 @@ syntax:
     return -1;
 }
 
-void qqtxteushft(glbblk *b) noexcept {
+void qqtxteushft(TextBlock *b) noexcept {
     TextState &t = b->txt;
     if (!t.shfon || t.chacod == ISO5 || t.chacod == KOI8 || t.chacod == ISO7) return;
     int out = 0;
@@ -169,7 +170,7 @@ void qqtxteushft(glbblk *b) noexcept {
     t.ncodes = out;
 }
 
-int qqtxtconvert(glbblk *b, int code, int *alf) noexcept {
+int qqtxtconvert(TextBlock *b, int code, int *alf) noexcept {
     const TextState &t = b->txt;
     if (code < 32) return 32;
     if (code < 127 || t.chacod == STAN) return code;
@@ -239,21 +240,21 @@ int qqtxtconvert(glbblk *b, int code, int *alf) noexcept {
 }
 
 void chacod(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("chacod");
+    TextBlock *b = qqtxtblk(KX_ENTRY("chacod"));
     if (!b) return;
     int k = qqkey(b, "STAN+ISO1+ISO2+ISO3+ISO5+KOI8+UTF8+ISO7", 8, copt);
     if (k > 0) b->txt.chacod = k - 1;
 }
 
 void basalf(const char *calph) noexcept {
-    glbblk *b = KX_ENTRY("basalf");
+    TextBlock *b = qqtxtblk(KX_ENTRY("basalf"));
     if (!b) return;
     int k = qqkey(b, "STAN+GREE+MATH+ITAL+SCRI+RUSS", 6, calph);
     if (k > 0) b->txt.basalf = k;
 }
 
 const char *getalf() noexcept {
-    glbblk *b = KX_ENTRY("getalf");
+    TextBlock *b = qqtxtblk(KX_ENTRY("getalf"));
     static const char *const names[6] = {"STANDARD", "GREEK", "MATHEMATIC", "ITALIC", "SCRIPT",
                                          "RUSSIAN"};
     if (!b) return "";
@@ -263,7 +264,7 @@ const char *getalf() noexcept {
 }
 
 void eushft(const char *cnat, const char *cshf) noexcept {
-    glbblk *b = KX_ENTRY("eushft");
+    TextBlock *b = qqtxtblk(KX_ENTRY("eushft"));
     if (!b) return;
     int k = qqkey(b, "GERM+DANI+SPAN+FREN+ACUT+GRAV+CIRC+TURK", 8, cnat);
     if (k <= 0) return;
@@ -283,7 +284,7 @@ void eushft(const char *cnat, const char *cshf) noexcept {
 }
 
 const char *getshf(const char *cnat) noexcept {
-    glbblk *b = KX_ENTRY("getshf");
+    TextBlock *b = qqtxtblk(KX_ENTRY("getshf"));
     if (!b) return "";
     int k = qqkey(b, "GERM+DANI+SPAN+FREN+ACUT+GRAV+CIRC+TURK", 8, cnat);
     TextState &t = b->txt;
@@ -296,13 +297,13 @@ const char *getshf(const char *cnat) noexcept {
 }
 
 void mixalf() noexcept {
-    glbblk *b = KX_ENTRY("mixalf");
+    TextBlock *b = qqtxtblk(KX_ENTRY("mixalf"));
     if (!b) return;
     b->txt.mixon = 1;
 }
 
 void setmix(const char *cchar, const char *cmix) noexcept {
-    glbblk *b = KX_ENTRY("setmix");
+    TextBlock *b = qqtxtblk(KX_ENTRY("setmix"));
     if (!b) return;
     int k = qqkey(b, "EXP +IND +RES +LEG +TEX ", 5, cmix);
     if (k <= 0) return;
@@ -310,7 +311,7 @@ void setmix(const char *cchar, const char *cmix) noexcept {
 }
 
 const char *getmix(const char *cmix) noexcept {
-    glbblk *b = KX_ENTRY("getmix");
+    TextBlock *b = qqtxtblk(KX_ENTRY("getmix"));
     if (!b) return "";
     int k = qqkey(b, "EXP +IND +RES +LEG +TEX ", 5, cmix);
     TextState &t = b->txt;
@@ -320,7 +321,7 @@ const char *getmix(const char *cmix) noexcept {
 }
 
 void newmix() noexcept {
-    glbblk *b = KX_ENTRY("newmix");
+    TextBlock *b = qqtxtblk(KX_ENTRY("newmix"));
     if (!b) return;
     b->txt.mixchr[0] = '^';
     b->txt.mixchr[1] = '_';
@@ -328,7 +329,7 @@ void newmix() noexcept {
 }
 
 int intutf(const int *iray, int nray, char *cstr, int nmax) noexcept {
-    glbblk *b = KX_ENTRY("intutf");
+    TextBlock *b = qqtxtblk(KX_ENTRY("intutf"));
     if (!b) return -1;
     if (!iray || !cstr || nray < 0 || nmax < 0) return -1;
     int k = 0;
@@ -356,7 +357,7 @@ int intutf(const int *iray, int nray, char *cstr, int nmax) noexcept {
 }
 
 int utfint(const char *cstr, int *iray, int nray) noexcept {
-    glbblk *b = KX_ENTRY("utfint");
+    TextBlock *b = qqtxtblk(KX_ENTRY("utfint"));
     if (!b) return -1;
     if (!iray || nray < 0) return -1;
     TextState &t = b->txt;

@@ -18,6 +18,7 @@
 #include "devices/device.h"
 #include "kolvex.h"
 #include "text/text.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {
@@ -89,7 +90,7 @@ bool is_outline(const TextState &t, const TextSection *s) {
 }
 
 // Draws the strokes of a glyph at the pen.
-void draw_glyph(glbblk *b, const TextSection *s, int rec, bool italic) {
+void draw_glyph(TextBlock *b, const TextSection *s, int rec, bool italic) {
     TextState &t = b->txt;
     bool outline = is_outline(t, s);
     double mult = outline ? 2.0 : 0.5;
@@ -167,7 +168,7 @@ void record_measure(TextState &t) {
     if (d > t.maxlen) t.maxlen = d;
 }
 
-void draw_code(glbblk *b, int code) {
+void draw_code(TextBlock *b, int code) {
     TextState &t = b->txt;
     if ((t.smxon || t.shfact) && qqtxtshift(b, code)) return;
     int alf = t.curalf;
@@ -217,12 +218,12 @@ void draw_code(glbblk *b, int code) {
 }
 
 // Copies the settings into the working state of a string.
-void begin_string(glbblk *b) {
+void begin_string(TextBlock *b) {
     TextState &t = b->txt;
     t.fallback = -1;
     t.curhgt = t.starthgt = t.height;
     t.curalf = t.basalf;
-    t.curclr = t.startclr = b->dev.curclr;
+    t.curclr = t.startclr = b->clr.curclr;
     t.curwfac = t.wfac;
     t.curspc = t.spcadd;
     t.curshear = t.shear;
@@ -239,7 +240,7 @@ void begin_string(glbblk *b) {
 }
 
 // Runs the codes through the loop, mix mode included.
-void run_codes(glbblk *b) {
+void run_codes(TextBlock *b) {
     TextState &t = b->txt;
     double ret = 0.0;
     for (int k = 0; k < t.ncodes; ++k) {
@@ -278,7 +279,7 @@ void run_codes(glbblk *b) {
 // Runs the string: in TeX mode through the formula parser, measured first
 // and drawn from the same pen when the measure found no error (shift mode
 // off for both passes); else through the character loop.
-void run_string(glbblk *b) {
+void run_string(TextBlock *b) {
     TextState &t = b->txt;
     if (!(t.texon && t.tex)) {
         run_codes(b);
@@ -309,7 +310,7 @@ void run_string(glbblk *b) {
 }
 
 // The string's codes: 0, or -1 when nothing is to be drawn.
-int load_codes(glbblk *b, const char *text) {
+int load_codes(TextBlock *b, const char *text) {
     TextState &t = b->txt;
     int n = 0;
     if (qqtxtcodes(b, text, t.codes, QQ_NCODES, &n, 1) < 0) return -1;
@@ -320,10 +321,10 @@ int load_codes(glbblk *b, const char *text) {
 }
 
 // Measures the loaded codes from a pen at (0, 0); restores pen and state.
-double measure_loaded(glbblk *b) {
+double measure_loaded(TextBlock *b) {
     TextState &t = b->txt;
     double px = t.penx, py = t.peny, sx = t.strx, sy = t.stry;
-    int oldclr = b->dev.curclr;
+    int oldclr = b->clr.curclr;
     begin_string(b);
     t.measure = 1;
     t.penx = t.peny = 0.0;
@@ -337,7 +338,7 @@ double measure_loaded(glbblk *b) {
     t.stry = sy;
     t.curhgt = t.height;
     t.cachesec = 0;
-    if (b->dev.curclr != oldclr) qqsetc(b, oldclr);
+    if (b->clr.curclr != oldclr) qqsetc(b, oldclr);
     return len;
 }
 
@@ -354,7 +355,7 @@ int count_raise(const TextState &t) {
 
 // The box of frames and backgrounds: four page positions without the
 // origin shift, from the upper left corner (ox, oy) of the first character.
-void text_box(glbblk *b, double ox, double oy, double len, double bx[4], double by[4]) {
+void text_box(TextBlock *b, double ox, double oy, double len, double bx[4], double by[4]) {
     TextState &t = b->txt;
     double h = t.height;
     double m = (t.linsp - 1.0) * h;
@@ -382,8 +383,8 @@ void text_box(glbblk *b, double ox, double oy, double len, double bx[4], double 
     by[3] = y0 + H * vy;
 }
 
-void fill_box(glbblk *b, const double bx[4], const double by[4], int colour) {
-    int old = b->dev.curclr;
+void fill_box(TextBlock *b, const double bx[4], const double by[4], int colour) {
+    int old = b->clr.curclr;
     qqsetc(b, colour);
     // a device that fills polygons takes the box whole; else it is hatched
     if (!qqdevsolid(b, bx, by, 4)) {
@@ -393,7 +394,7 @@ void fill_box(glbblk *b, const double bx[4], const double by[4], int colour) {
     qqsetc(b, old);
 }
 
-void frame_box(glbblk *b, const double bx[4], const double by[4], int thick) {
+void frame_box(TextBlock *b, const double bx[4], const double by[4], int thick) {
     TextState &t = b->txt;
     int n = thick < 0 ? (thick == INT_MIN ? INT_MAX : -thick) : thick;
     int dir = thick < 0 ? -1 : 1;
@@ -414,7 +415,7 @@ void frame_box(glbblk *b, const double bx[4], const double by[4], int thick) {
     }
 }
 
-void test_point(glbblk *b, double x, double y, const char *what) {
+void test_point(TextBlock *b, double x, double y, const char *what) {
     int ix = qqround(x), iy = qqround(y);
     if (ix >= 0 && iy >= 0 && ix <= b->core.nxp && iy <= b->core.nyp) return;
     char msg[64];
@@ -424,7 +425,7 @@ void test_point(glbblk *b, double x, double y, const char *what) {
 
 // Draws a string; (x, y) the upper left corner in plot coordinates, keep
 // continues at the pen.
-void draw_string(glbblk *b, const char *text, int x, int y, bool keep) {
+void draw_string(TextBlock *b, const char *text, int x, int y, bool keep) {
     TextState &t = b->txt;
     if (load_codes(b, text) < 0) return;
     double h1 = t.height - 1.0;
@@ -458,29 +459,29 @@ void draw_string(glbblk *b, const char *text, int x, int y, bool keep) {
         test_point(b, t.penx - t.lastgap * t.cosa, t.peny + t.lastgap * t.sina, "Endpoint");
     t.curhgt = t.height;
     t.cachesec = 0;
-    if (b->dev.curclr != t.startclr) qqsetc(b, t.startclr);
+    if (b->clr.curclr != t.startclr) qqsetc(b, t.startclr);
     if (t.frmthk != 0) frame_box(b, bx, by, t.frmthk);
     if (t.shield) t.shield(b, bx, by);
 }
 
 }  // namespace
 
-void qqtxtadvance(glbblk *b, double along) noexcept {
+void qqtxtadvance(TextBlock *b, double along) noexcept {
     b->txt.penx += along * b->txt.cosa;
     b->txt.peny -= along * b->txt.sina;
 }
 
-void qqtxtup(glbblk *b, double up) noexcept {
+void qqtxtup(TextBlock *b, double up) noexcept {
     b->txt.penx -= up * b->txt.sina;
     b->txt.peny -= up * b->txt.cosa;
 }
 
-double qqtxtalong(glbblk *b) noexcept {
+double qqtxtalong(TextBlock *b) noexcept {
     const TextState &t = b->txt;
     return (t.penx - t.strx) * t.cosa - (t.peny - t.stry) * t.sina;
 }
 
-void qqtxtrule(glbblk *b, double d0, double d1, double below) noexcept {
+void qqtxtrule(TextBlock *b, double d0, double d1, double below) noexcept {
     TextState &t = b->txt;
     if (t.measure) return;
     double o = t.vshift + t.voff - below;
@@ -489,7 +490,7 @@ void qqtxtrule(glbblk *b, double d0, double d1, double below) noexcept {
     qqdraw(b, bx + d1 * t.cosa, by - d1 * t.sina);
 }
 
-void qqmessag(glbblk *b, const char *text, int x, int y) noexcept {
+void qqmessag(TextBlock *b, const char *text, int x, int y) noexcept {
     TextState &t = b->txt;
     if (!text) return;
     bool keep = x == 999 && y == 999;
@@ -511,7 +512,7 @@ void qqmessag(glbblk *b, const char *text, int x, int y) noexcept {
     draw_string(b, text, x, y, keep);
 }
 
-void qqmesshgt(glbblk *b, const char *text, int x, int y, int height, int ang) noexcept {
+void qqmesshgt(TextBlock *b, const char *text, int x, int y, int height, int ang) noexcept {
     TextState &t = b->txt;
     int oh = t.height, oa = t.angle;
     double os = t.sina, oc = t.cosa;
@@ -531,7 +532,7 @@ void qqmesshgt(glbblk *b, const char *text, int x, int y, int height, int ang) n
 
 namespace {
 
-int measure_text(glbblk *b, const char *text, int warn) {
+int measure_text(TextBlock *b, const char *text, int warn) {
     if (!text) return 0;
     TextState &t = b->txt;
     int n = 0;
@@ -544,9 +545,11 @@ int measure_text(glbblk *b, const char *text, int warn) {
 
 }  // namespace
 
-int qqtxtlen(glbblk *b, const char *text) noexcept { return measure_text(b, text, 0); }
+int qqtxtlen(TextBlock *b, const char *text) noexcept {
+    return measure_text(b, text, 0);
+}
 
-int qqtxtlenh(glbblk *b, const char *text, int height) noexcept {
+int qqtxtlenh(TextBlock *b, const char *text, int height) noexcept {
     TextState &t = b->txt;
     int oh = t.height;
     if (height >= 1) t.height = height;
@@ -557,7 +560,7 @@ int qqtxtlenh(glbblk *b, const char *text, int height) noexcept {
     return n;
 }
 
-void qqtxtext(glbblk *b, const char *text, int *nh, int *nu) noexcept {
+void qqtxtext(TextBlock *b, const char *text, int *nh, int *nu) noexcept {
     TextState &t = b->txt;
     int n = 0;
     *nh = t.height;
@@ -574,7 +577,7 @@ void qqtxtext(glbblk *b, const char *text, int *nh, int *nu) noexcept {
     *nh = t.height + qqnint(count_raise(t) * (t.basfac + t.expfac - 1.0) * t.height);
 }
 
-void qqtxtchar(glbblk *b, int code) noexcept {
+void qqtxtchar(TextBlock *b, int code) noexcept {
     TextState &t = b->txt;
     begin_string(b);
     t.strx = t.penx;
@@ -584,7 +587,7 @@ void qqtxtchar(glbblk *b, int code) noexcept {
     t.cachesec = 0;
 }
 
-void qqtxthwstroke(glbblk *b, const QQHwChar *c) noexcept {
+void qqtxthwstroke(TextBlock *b, const QQHwChar *c) noexcept {
     if (!c) return;
     TextState &t = b->txt;
     // The character stands in the STANDARD section of the stroke font at the
@@ -628,21 +631,21 @@ void qqtxthwstroke(glbblk *b, const QQHwChar *c) noexcept {
     t.cachesec = 0;
 }
 
-void qqtxthooks(glbblk *b, int (*userpos)(glbblk *, double, double, double *, double *),
-                void (*symbol)(glbblk *, int, double, double, double, int)) noexcept {
+void qqtxthooks(TextBlock *b, int (*userpos)(TextBlock *, double, double, double *, double *),
+                void (*symbol)(TextBlock *, int, double, double, double, int)) noexcept {
     b->txt.userpos = userpos;
     b->txt.symbol = symbol;
 }
 
 void messag(const char *cstr, int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("messag");
+    TextBlock *b = qqtxtblk(KX_ENTRY("messag"));
     if (!b) return;
     if (!(nx == 999 && ny == 999)) ny = qqyflpi(b, ny);
     qqmessag(b, cstr, nx, ny);
 }
 
 void rlmess(const char *cstr, double xp, double yp) noexcept {
-    glbblk *b = KX_ENTRY("rlmess");
+    TextBlock *b = qqtxtblk(KX_ENTRY("rlmess"));
     if (!b) return;
     if (std::fabs(xp - 999.0) < 0.1 && std::fabs(yp - 999.0) < 0.1) {
         draw_string(b, cstr ? cstr : "", 999, 999, true);
@@ -659,7 +662,7 @@ void rlmess(const char *cstr, double xp, double yp) noexcept {
 }
 
 int nlmess(const char *cstr) noexcept {
-    glbblk *b = KX_ENTRY("nlmess");
+    TextBlock *b = qqtxtblk(KX_ENTRY("nlmess"));
     if (!b) return 0;
     return measure_text(b, cstr, 1);
 }

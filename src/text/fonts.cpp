@@ -9,6 +9,7 @@
 #include "kolvex.h"
 #include "text/fontdata.h"
 #include "text/text.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {
@@ -71,7 +72,7 @@ void register_section(TextState &t, const GlyphTable *pts, const GlyphTable *idx
     t.nsect++;
 }
 
-void select_font(glbblk *b, int font) {
+void select_font(TextBlock *b, int font) {
     TextState &t = b->txt;
     t.font = font;
     t.nsect = 0;
@@ -114,17 +115,17 @@ void select_font(glbblk *b, int font) {
     }
 }
 
-void font_routine(const char *name, glbblk *b, int font) {
+void font_routine(const char *name, CoreBlock *blk, int font) {
     (void)name;
+    TextBlock *b = qqtxtblk(blk);
     if (!b) return;
     select_font(b, font);
 }
 
-
 }  // namespace
 
 // The defaults of a session.
-void qqtxtdefaults(glbblk *b) noexcept {
+void qqtxtdefaults(TextBlock *b) noexcept {
     TextState &t = b->txt;
     double unitf = b->core.unitf > 0 ? b->core.unitf : 1.0;
     t.height = qqround(36.0 / unitf);
@@ -164,48 +165,82 @@ void qqtxtdefaults(glbblk *b) noexcept {
 
 namespace {
 
-void text_init(glbblk *b) {
+// A character that a driver refuses to draw in hardware is stroked here.
+void stroke_refused(DeviceBlock *b, const QQHwChar *c) {
+    qqtxthwstroke(qqtxtblk(b), c);
+}
+
+void text_init(CoreBlock *blk) {
+    TextBlock *b = qqtxtblk(blk);
     qqtxtdefaults(b);
-    // A character that a driver refuses to draw in hardware is stroked here.
-    b->dev.strokechar = qqtxthwstroke;
+    b->dev.strokechar = stroke_refused;
 }
 
 // A new block has the session defaults too, so that measuring before a
 // session never meets an empty section.
-void text_first(glbblk *b) { qqtxtdefaults(b); }
+void text_first(CoreBlock *b) {
+    qqtxtdefaults(qqtxtblk(b));
+}
 
 // reset() rows: each puts one setting back to its session default.
-void reset_angle(glbblk *b) {
+void reset_angle(CoreBlock *blk) {
+    TextBlock *b = qqtxtblk(blk);
     b->txt.angle = 0;
     b->txt.sina = 0.0;
     b->txt.cosa = 1.0;
 }
-void reset_basalf(glbblk *b) { b->txt.basalf = 1; }
-void reset_chaang(glbblk *b) { b->txt.shear = 0.0; }
-void reset_chaspc(glbblk *b) { b->txt.spcadd = 0.0; }
-void reset_chawth(glbblk *b) { b->txt.wfac = 1.0; }
-void reset_eushft(glbblk *b) {
+void reset_basalf(CoreBlock *b) {
+    qqtxtblk(b)->txt.basalf = 1;
+}
+void reset_chaang(CoreBlock *b) {
+    qqtxtblk(b)->txt.shear = 0.0;
+}
+void reset_chaspc(CoreBlock *b) {
+    qqtxtblk(b)->txt.spcadd = 0.0;
+}
+void reset_chawth(CoreBlock *b) {
+    qqtxtblk(b)->txt.wfac = 1.0;
+}
+void reset_eushft(CoreBlock *blk) {
+    TextBlock *b = qqtxtblk(blk);
     b->txt.shfon = 0;
     b->txt.shfset = 0;
     std::memset(b->txt.shfchr, 0, sizeof b->txt.shfchr);
 }
-void reset_fixspc(glbblk *b) {
+void reset_fixspc(CoreBlock *blk) {
+    TextBlock *b = qqtxtblk(blk);
     b->txt.fixon = 0;
     b->txt.fixfac = 1.0;
 }
-void reset_frmess(glbblk *b) { b->txt.frmthk = 0; }
-void reset_height(glbblk *b) {
+void reset_frmess(CoreBlock *b) {
+    qqtxtblk(b)->txt.frmthk = 0;
+}
+void reset_height(CoreBlock *blk) {
+    TextBlock *b = qqtxtblk(blk);
     double unitf = b->core.unitf > 0 ? b->core.unitf : 1.0;
     int h = qqround(36.0 / unitf);
     b->txt.height = h < 1 ? 1 : h;
 }
-void reset_linesp(glbblk *b) { b->txt.linsp = 1.5; }
-void reset_mixalf(glbblk *b) { b->txt.mixon = 0; }
-void reset_mixchr(glbblk *b) { std::memcpy(b->txt.mixchr, "[]$/\\", 5); }
-void reset_setbas(glbblk *b) { b->txt.basfac = 0.6; }
-void reset_setexp(glbblk *b) { b->txt.expfac = 0.8; }
-void reset_shdcha(glbblk *b) { b->txt.shdon = 0; }
-void reset_smxalf(glbblk *b) {
+void reset_linesp(CoreBlock *b) {
+    qqtxtblk(b)->txt.linsp = 1.5;
+}
+void reset_mixalf(CoreBlock *b) {
+    qqtxtblk(b)->txt.mixon = 0;
+}
+void reset_mixchr(CoreBlock *b) {
+    std::memcpy(qqtxtblk(b)->txt.mixchr, "[]$/\\", 5);
+}
+void reset_setbas(CoreBlock *b) {
+    qqtxtblk(b)->txt.basfac = 0.6;
+}
+void reset_setexp(CoreBlock *b) {
+    qqtxtblk(b)->txt.expfac = 0.8;
+}
+void reset_shdcha(CoreBlock *b) {
+    qqtxtblk(b)->txt.shdon = 0;
+}
+void reset_smxalf(CoreBlock *blk) {
+    TextBlock *b = qqtxtblk(blk);
     b->txt.smxon = 0;
     std::memset(b->txt.smxalf, 0, sizeof b->txt.smxalf);
 }
@@ -223,7 +258,7 @@ const ResetEntry kResets[] = {
 
 extern const Subsystem kxsub_text = {"text", text_first, text_init, nullptr, kResets, nullptr};
 
-const TextSection *qqtxtsection(glbblk *b, int alf) noexcept {
+const TextSection *qqtxtsection(TextBlock *b, int alf) noexcept {
     TextState &t = b->txt;
     if (alf < 1 || alf > t.nsect) alf = 1;
     const TextSection *s = &t.sect[alf - 1];

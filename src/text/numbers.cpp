@@ -12,6 +12,7 @@
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "text/text.h"
+#include "text/text_block.h"
 
 namespace {
 
@@ -23,13 +24,18 @@ constexpr int kMantissa = 21;
 constexpr int kTail = 8;
 constexpr int kTailXexp = kTail + 2;
 
-void number_init(glbblk *b) {
+void number_init(CoreBlock *blk) {
+    TextBlock *b = qqtxtblk(blk);
     b->num.numfmt = 0;
     qqscpy(b->num.numode, ".000", 4);
 }
 
-void reset_numfmt(glbblk *b) { b->num.numfmt = 0; }
-void reset_numode(glbblk *b) { qqscpy(b->num.numode, ".000", 4); }
+void reset_numfmt(CoreBlock *b) {
+    qqtxtblk(b)->num.numfmt = 0;
+}
+void reset_numode(CoreBlock *b) {
+    qqscpy(qqtxtblk(b)->num.numode, ".000", 4);
+}
 
 const ResetEntry kResets[] = {{"NUMF", reset_numfmt}, {"NUMO", reset_numode}, {nullptr, nullptr}};
 
@@ -97,7 +103,7 @@ int qqautodig(double v) noexcept {
     return d < 1 ? -1 : d;
 }
 
-int qqnumode(const glbblk *b, char *text, int size) noexcept {
+int qqnumode(const TextBlock *b, char *text, int size) noexcept {
     const char *nm = b->num.numode;
     char dec = nm[0] ? nm[0] : '.';
     char th = nm[1] ? nm[1] : '0';
@@ -131,7 +137,7 @@ int qqnumode(const glbblk *b, char *text, int size) noexcept {
     return len;
 }
 
-int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept {
+int qqnumtxt(const TextBlock *b, double x, int ndig, char *out, int size) noexcept {
     if (size > 0) out[0] = '\0';  // a refused call leaves an empty text
     if (ndig < -1 || ndig > 100) return -1;
     int fmt = b->num.numfmt;
@@ -170,7 +176,7 @@ int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept 
 // Public routines that only convert.
 
 void fcha(double x, int ndig, char *cstr) noexcept {
-    glbblk *b = KX_ENTRY("fcha");
+    TextBlock *b = qqtxtblk(KX_ENTRY("fcha"));
     if (!cstr) return;
     cstr[0] = '\0';
     if (!b) return;
@@ -182,7 +188,7 @@ void fcha(double x, int ndig, char *cstr) noexcept {
 }
 
 int flen(double x, int ndig) noexcept {
-    glbblk *b = KX_ENTRY("flen");
+    TextBlock *b = qqtxtblk(KX_ENTRY("flen"));
     if (!b) return 0;
     if (ndig < -1 || ndig > 100) {
         qqwarn(b, 2, ndig);
@@ -210,14 +216,14 @@ int flen(double x, int ndig) noexcept {
 }
 
 void intcha(int nint, char *cstr) noexcept {
-    glbblk *b = KX_ENTRY("intcha");
+    TextBlock *b = qqtxtblk(KX_ENTRY("intcha"));
     (void)b;
     if (!cstr) return;
     qqicha(nint, cstr, 20, 0, 0);
 }
 
 int intlen(int nint) noexcept {
-    glbblk *b = KX_ENTRY("intlen");
+    TextBlock *b = qqtxtblk(KX_ENTRY("intlen"));
     (void)b;
     long long a = nint < 0 ? -(long long)nint : nint;
     int n = 1;
@@ -233,7 +239,7 @@ int intlen(int nint) noexcept {
 }
 
 int trmlen(const char *cstr) noexcept {
-    glbblk *b = KX_ENTRY("trmlen");
+    TextBlock *b = qqtxtblk(KX_ENTRY("trmlen"));
     (void)b;
     if (!cstr) return 0;
     int n = (int)std::strlen(cstr);
@@ -242,14 +248,14 @@ int trmlen(const char *cstr) noexcept {
 }
 
 void numfmt(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("numfmt");
+    TextBlock *b = qqtxtblk(KX_ENTRY("numfmt"));
     if (!b) return;
     int k = qqkey(b, "FLOA+EXP +FEXP+LOG +XEXP", 5, copt);
     if (k > 0) b->num.numfmt = k - 1;
 }
 
 void numode(const char *cdec, const char *cgrp, const char *cpos, const char *cfix) noexcept {
-    glbblk *b = KX_ENTRY("numode");
+    TextBlock *b = qqtxtblk(KX_ENTRY("numode"));
     if (!b) return;
     char *nm = b->num.numode;
     int k = qqkey(b, "POIN+COMM", 2, cdec);
@@ -263,8 +269,12 @@ void numode(const char *cdec, const char *cgrp, const char *cpos, const char *cf
 }
 
 // The exponent and reset characters of mix mode.
-char qqraisech(const glbblk *b) noexcept { return b->txt.mixchr[0] ? b->txt.mixchr[0] : '['; }
-char qqbackch(const glbblk *b) noexcept { return b->txt.mixchr[2] ? b->txt.mixchr[2] : '$'; }
+char qqraisech(const TextBlock *b) noexcept {
+    return b->txt.mixchr[0] ? b->txt.mixchr[0] : '[';
+}
+char qqbackch(const TextBlock *b) noexcept {
+    return b->txt.mixchr[2] ? b->txt.mixchr[2] : '$';
+}
 
 // ---------------------------------------------------------------------------
 // Numbers drawn and measured through the text path.
@@ -280,7 +290,7 @@ struct NumberModes {
 
 // Fixed pitch for equal widths, mix mode for the exponent forms and the
 // MATHEMATIC shift of XEXP, for the length of one call.
-void modes_on(glbblk *b, NumberModes *m) {
+void modes_on(TextBlock *b, NumberModes *m) {
     TextState &t = b->txt;
     m->fixon = t.fixon;
     m->fixfac = t.fixfac;
@@ -303,7 +313,7 @@ void modes_on(glbblk *b, NumberModes *m) {
     t.cachesec = 0;
 }
 
-void modes_off(glbblk *b, const NumberModes *m) {
+void modes_off(TextBlock *b, const NumberModes *m) {
     TextState &t = b->txt;
     t.fixon = m->fixon;
     t.fixfac = m->fixfac;
@@ -316,7 +326,7 @@ void modes_off(glbblk *b, const NumberModes *m) {
 }
 
 // The text of number cut to the buffer limit of 50 characters.
-bool number_text(glbblk *b, double x, int ndig, char *out) {
+bool number_text(TextBlock *b, double x, int ndig, char *out) {
     if (ndig < -1 || ndig > 100) {
         qqwarn(b, 2, ndig);
         return false;
@@ -330,7 +340,7 @@ bool number_text(glbblk *b, double x, int ndig, char *out) {
 }  // namespace
 
 void number(double x, int ndig, int nx, int ny) noexcept {
-    glbblk *b = KX_ENTRY("number");
+    TextBlock *b = qqtxtblk(KX_ENTRY("number"));
     if (!b) return;
     char t[51];
     if (!number_text(b, x, ndig, t)) return;
@@ -340,7 +350,7 @@ void number(double x, int ndig, int nx, int ny) noexcept {
     modes_off(b, &m);
 }
 
-int qqnumlen(glbblk *b, double x, int ndig) noexcept {
+int qqnumlen(TextBlock *b, double x, int ndig) noexcept {
     char t[51];
     if (!number_text(b, x, ndig, t)) return 0;
     NumberModes m;
@@ -350,7 +360,7 @@ int qqnumlen(glbblk *b, double x, int ndig) noexcept {
     return n;
 }
 
-void qqnumat(glbblk *b, double x, int ndig, int nx, int ny) noexcept {
+void qqnumat(TextBlock *b, double x, int ndig, int nx, int ny) noexcept {
     char t[51];
     if (!number_text(b, x, ndig, t)) return;
     TextState &ts = b->txt;
@@ -368,7 +378,7 @@ void qqnumat(glbblk *b, double x, int ndig, int nx, int ny) noexcept {
 }
 
 int nlnumb(double x, int ndig) noexcept {
-    glbblk *b = KX_ENTRY("nlnumb");
+    TextBlock *b = qqtxtblk(KX_ENTRY("nlnumb"));
     if (!b) return 0;
     char t[51];
     if (!number_text(b, x, ndig, t)) return 0;
@@ -380,7 +390,7 @@ int nlnumb(double x, int ndig) noexcept {
 }
 
 void rlnumb(double x, int ndig, double xp, double yp) noexcept {
-    glbblk *b = KX_ENTRY("rlnumb");
+    TextBlock *b = qqtxtblk(KX_ENTRY("rlnumb"));
     if (!b) return;
     char t[51];
     if (!number_text(b, x, ndig, t)) return;

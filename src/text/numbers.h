@@ -7,8 +7,9 @@
 #pragma once
 
 #include "text/number_state.h"
+#include "text/text_block.h"
 
-struct glbblk;
+struct TextBlock;
 
 // The plain digit text of x with ndig decimals (-1 no point, 0 the point
 // only); a minus before an all-zero text is dropped.  Returns the length.
@@ -25,19 +26,19 @@ int qqautodig(double v) noexcept;
 
 // Applies the decimal, thousands and sign characters of numode to a plain
 // digit text in place (size bounds the result).
-int qqnumode(const glbblk *b, char *text, int size) noexcept;
+int qqnumode(const TextBlock *b, char *text, int size) noexcept;
 
 // The text that number draws for x: digit text or exponent form by numfmt,
 // with the numode decorations.  Returns the length, or -1 for a bad ndig.
-int qqnumtxt(const glbblk *b, double x, int ndig, char *out, int size) noexcept;
+int qqnumtxt(const TextBlock *b, double x, int ndig, char *out, int size) noexcept;
 
 // number and nlnumb without their guards, for the labels of plots: the
 // width of x as number writes it, and x written with its upper left
 // corner at a plot position (no page flip, no justification).
-int qqnumlen(glbblk *b, double x, int ndig) noexcept;
-void qqnumat(glbblk *b, double x, int ndig, int nx, int ny) noexcept;
+int qqnumlen(TextBlock *b, double x, int ndig) noexcept;
+void qqnumat(TextBlock *b, double x, int ndig, int nx, int ny) noexcept;
 
 // The instruction characters that raise text and bring it back to the base
 // line, as the text settings hold them.
-char qqraisech(const glbblk *b) noexcept;
-char qqbackch(const glbblk *b) noexcept;
+char qqraisech(const TextBlock *b) noexcept;
+char qqbackch(const TextBlock *b) noexcept;

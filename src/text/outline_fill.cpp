@@ -10,8 +10,8 @@
 #include <cmath>
 
 #include "core/family.h"
-#include "core/glbblk.h"
 #include "devices/device.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {
@@ -56,7 +56,7 @@ bool inside(const Contours &c, int k, double qx, double qy) {
     return in;
 }
 
-void hatch(glbblk *b, const Contours &c, const int *which, int nwhich) {
+void hatch(TextBlock *b, const Contours &c, const int *which, int nwhich) {
     const double *xs[QQ_OUTLINE_MAX], *ys[QQ_OUTLINE_MAX];
     int ns[QQ_OUTLINE_MAX];
     for (int k = 0; k < nwhich; ++k) {
@@ -73,7 +73,7 @@ void hatch(glbblk *b, const Contours &c, const int *which, int nwhich) {
 
 }  // namespace
 
-void qqtxtfilloutline(glbblk *b, const double *x, const double *y, const int *start,
+void qqtxtfilloutline(TextBlock *b, const double *x, const double *y, const int *start,
                       int ncont) noexcept {
     if (ncont <= 0 || ncont > QQ_OUTLINE_MAX) return;
     Contours c{x, y, start, ncont};

@@ -11,6 +11,7 @@
 #include "core/warnings.h"
 #include "kolvex.h"
 #include "text/text.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {
@@ -24,7 +25,7 @@ int sat(long long v) {
 }  // namespace
 
 void paghdr(const char *cstr1, const char *cstr2, int iopt, int idir) noexcept {
-    glbblk *b = KX_ENTRY("paghdr");
+    TextBlock *b = qqtxtblk(KX_ENTRY("paghdr"));
     if (!b) return;
     int corner = iopt < 0 ? (iopt == INT_MIN ? INT_MAX : -iopt) : iopt;
     if (corner < 1 || corner > 4) {

@@ -8,10 +8,11 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 void height(int nhchar) noexcept {
-    glbblk *b = KX_ENTRY("height");
+    TextBlock *b = qqtxtblk(KX_ENTRY("height"));
     if (!b) return;
     if (qqchki(b, nhchar, 1, 10000)) return;
     TextState &t = b->txt;
@@ -22,7 +23,7 @@ void height(int nhchar) noexcept {
 }
 
 void angle(int ngrad) noexcept {
-    glbblk *b = KX_ENTRY("angle");
+    TextBlock *b = qqtxtblk(KX_ENTRY("angle"));
     if (!b) return;
     TextState &t = b->txt;
     t.angle = ngrad;
@@ -33,7 +34,7 @@ void angle(int ngrad) noexcept {
 }
 
 void chaang(double xang) noexcept {
-    glbblk *b = KX_ENTRY("chaang");
+    TextBlock *b = qqtxtblk(KX_ENTRY("chaang"));
     if (!b) return;
     if (!(xang >= -60.0 && xang <= 60.0)) {
         qqwarnd(b, 2, xang);
@@ -44,7 +45,7 @@ void chaang(double xang) noexcept {
 }
 
 void chaspc(double xspc) noexcept {
-    glbblk *b = KX_ENTRY("chaspc");
+    TextBlock *b = qqtxtblk(KX_ENTRY("chaspc"));
     if (!b) return;
     if (!std::isfinite(xspc)) {
         qqwarnd(b, 2, xspc);
@@ -54,7 +55,7 @@ void chaspc(double xspc) noexcept {
 }
 
 void chawth(double xwth) noexcept {
-    glbblk *b = KX_ENTRY("chawth");
+    TextBlock *b = qqtxtblk(KX_ENTRY("chawth"));
     if (!b) return;
     if (!(xwth > 0.0 && xwth < 2.0)) {
         qqwarnd(b, 2, xwth);
@@ -64,7 +65,7 @@ void chawth(double xwth) noexcept {
 }
 
 void fixspc(double xfac) noexcept {
-    glbblk *b = KX_ENTRY("fixspc");
+    TextBlock *b = qqtxtblk(KX_ENTRY("fixspc"));
     if (!b) return;
     if (!(xfac > 0.0) || !std::isfinite(xfac)) {
         qqwarnd(b, 2, xfac);
@@ -75,7 +76,7 @@ void fixspc(double xfac) noexcept {
 }
 
 void linesp(double xfac) noexcept {
-    glbblk *b = KX_ENTRY("linesp");
+    TextBlock *b = qqtxtblk(KX_ENTRY("linesp"));
     if (!b) return;
     if (!std::isfinite(xfac)) {
         qqwarnd(b, 2, xfac);
@@ -85,7 +86,7 @@ void linesp(double xfac) noexcept {
 }
 
 void setbas(double xfac) noexcept {
-    glbblk *b = KX_ENTRY("setbas");
+    TextBlock *b = qqtxtblk(KX_ENTRY("setbas"));
     if (!b) return;
     if (!std::isfinite(xfac)) {
         qqwarnd(b, 2, xfac);
@@ -95,7 +96,7 @@ void setbas(double xfac) noexcept {
 }
 
 void setexp(double fexp) noexcept {
-    glbblk *b = KX_ENTRY("setexp");
+    TextBlock *b = qqtxtblk(KX_ENTRY("setexp"));
     if (!b) return;
     if (!std::isfinite(fexp)) {
         qqwarnd(b, 2, fexp);
@@ -105,7 +106,7 @@ void setexp(double fexp) noexcept {
 }
 
 void txtjus(const char *copt) noexcept {
-    glbblk *b = KX_ENTRY("txtjus");
+    TextBlock *b = qqtxtblk(KX_ENTRY("txtjus"));
     if (!b) return;
     int k = qqkey(b, "LEFT+CENT+RIGH+TOP +MIDD+BOTT", 6, copt);
     if (k <= 0) return;
@@ -116,13 +117,13 @@ void txtjus(const char *copt) noexcept {
 }
 
 void frmess(int nfrm) noexcept {
-    glbblk *b = KX_ENTRY("frmess");
+    TextBlock *b = qqtxtblk(KX_ENTRY("frmess"));
     if (!b) return;
     b->txt.frmthk = nfrm;
 }
 
 void txtbgd(int nclr) noexcept {
-    glbblk *b = KX_ENTRY("txtbgd");
+    TextBlock *b = qqtxtblk(KX_ENTRY("txtbgd"));
     if (!b) return;
     if (nclr < -1) {
         qqwarn(b, 2, nclr);
@@ -132,7 +133,7 @@ void txtbgd(int nclr) noexcept {
 }
 
 void shdcha() noexcept {
-    glbblk *b = KX_ENTRY("shdcha");
+    TextBlock *b = qqtxtblk(KX_ENTRY("shdcha"));
     if (!b) return;
     b->txt.shdon = 1;
 }

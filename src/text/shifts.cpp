@@ -9,6 +9,7 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "text/text_block.h"
 #include "text/text_internal.h"
 
 namespace {
@@ -23,7 +24,7 @@ struct Param {
     bool isint;
 };
 
-Param parse_param(glbblk *b, const char *buf, int n) {
+Param parse_param(TextBlock *b, const char *buf, int n) {
     Param p{0, 0.0, true};
     if (n <= 1) return p;
     if (n == 2 && (buf[1] == 'X' || buf[1] == 'x')) {
@@ -58,7 +59,7 @@ Param parse_param(glbblk *b, const char *buf, int n) {
 }
 
 // An integer parameter within [lo, hi]: false after a warning.
-bool int_param(glbblk *b, const char *buf, const Param &p, int lo, int hi, int *v) {
+bool int_param(TextBlock *b, const char *buf, const Param &p, int lo, int hi, int *v) {
     if (!p.isint) {
         qqwarc(b, 45, buf);
         return false;
@@ -71,7 +72,7 @@ bool int_param(glbblk *b, const char *buf, const Param &p, int lo, int hi, int *
     return true;
 }
 
-double blank_width(glbblk *b) {
+double blank_width(TextBlock *b) {
     TextState &t = b->txt;
     const TextSection *s = qqtxtsection(b, t.curalf);
     if (t.curfix) return t.curfixfac * t.fixbase * t.curwfac * (t.curhgt - 1);
@@ -79,7 +80,7 @@ double blank_width(glbblk *b) {
     return units * t.xscl;
 }
 
-void execute(glbblk *b) {
+void execute(TextBlock *b) {
     TextState &t = b->txt;
     int n = t.ibufn;
     if (n <= 0) return;
@@ -249,7 +250,7 @@ void execute(glbblk *b) {
     t.cachesec = 0;
 }
 
-void collect(glbblk *b, int code) {
+void collect(TextBlock *b, int code) {
     TextState &t = b->txt;
     if (code == ' ') return;
     bool param = code == 'X' || code == 'x' || code == '.' || code == '-' || (code >= '0' && code <= '9');
@@ -274,7 +275,7 @@ void collect(glbblk *b, int code) {
 
 }  // namespace
 
-int qqtxtshift(glbblk *b, int code) noexcept {
+int qqtxtshift(TextBlock *b, int code) noexcept {
     TextState &t = b->txt;
     if (!t.shfact) {
         for (int s = 0; s < 6; ++s) {
@@ -313,7 +314,7 @@ int qqtxtshift(glbblk *b, int code) noexcept {
 }
 
 void smxalf(const char *calph, const char *c1, const char *c2, int n) noexcept {
-    glbblk *b = KX_ENTRY("smxalf");
+    TextBlock *b = qqtxtblk(KX_ENTRY("smxalf"));
     if (!b) return;
     int k = qqkey(b, "STAN+GREE+MATH+ITAL+SCRI+RUSS+INST", 7, calph);
     if (k <= 0) return;
@@ -333,7 +334,7 @@ void gmxalf(const char *calph, char *c1, char *c2, int *n) noexcept {
     if (c1) c1[0] = 0;
     if (c2) c2[0] = 0;
     if (n) *n = 0;
-    glbblk *b = KX_ENTRY("gmxalf");
+    TextBlock *b = qqtxtblk(KX_ENTRY("gmxalf"));
     if (!b) return;
     int k = qqkey(b, "STAN+GREE+MATH+ITAL+SCRI+RUSS+INST", 7, calph);
     if (c1) std::strcpy(c1, " ");

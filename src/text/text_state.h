@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-struct glbblk;
+struct TextBlock;
 struct GlyphTable;
 
 enum { QQ_NSECT = 6, QQ_NCODES = 256, QQ_NTABS = 20 };
@@ -63,7 +63,7 @@ struct TextState {
     char smxc1[6], smxc2[6];
     int texon;               // TeX mode (set by a later subsystem)
     int hwmode;              // a hardware font is selected (set by its subsystem)
-    void (*hwend)(glbblk *b);  // ends the hardware font mode, or null
+    void (*hwend)(TextBlock *b);  // ends the hardware font mode, or null
     char result[16];         // text results of the getters
     int cntlab;              // 1 while a contour label is being drawn
     // working state of a string
@@ -98,16 +98,16 @@ struct TextState {
     // axis system to plot coordinates (rlmess), a symbol of the plot layer
     // (instruction S), a filled polygon (backgrounds, outline glyphs) and a
     // frame of thickness n round a rotated box.
-    int (*userpos)(glbblk *b, double x, double y, double *px, double *py);
-    void (*symbol)(glbblk *b, int n, double x, double y, double size, int angle);
+    int (*userpos)(TextBlock *b, double x, double y, double *px, double *py);
+    void (*symbol)(TextBlock *b, int n, double x, double y, double size, int angle);
     // The formula parser of TeX mode: runs over codes[0..ncodes) from the
     // pen, drawing unless measure is 1; returns 0, or 1 after it reported
     // an error.  It leaves the height and depth of the formula in texhgt and
     // texdep for frames.  Null: strings are read as plain text.
-    int (*tex)(glbblk *b, int measure);
+    int (*tex)(TextBlock *b, int measure);
     double texhgt, texdep;
     // Set while texts are shielded: receives the box of each string drawn
     // (four corners in plot coordinates, origin shift not added), after the
     // string, so that the text itself is not cut.
-    void (*shield)(glbblk *b, const double *bx, const double *by);
+    void (*shield)(TextBlock *b, const double *bx, const double *by);
 };

@@ -1,6 +1,6 @@
 // Bar routines called with counts that the module's wrappers never pass
 // on: each warns once and draws nothing.
-#include "core/glbblk.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 

@@ -9,13 +9,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "core/keywords.h"
 #include "core/session.h"
 #include "core/subsystems.h"
 #include "core/text.h"
 #include "core/warnings.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 
@@ -36,7 +36,7 @@ std::string fcha(double v, int dec, int width, int size = 41) {
 // A block at level 0 with its warnings silenced.
 glbblk *quiet_block() {
     getlev();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     return b;
 }
@@ -215,6 +215,16 @@ TEST(kolini_derives_page_axes_window_and_background) {
     delglb();
 }
 
+// The core knows only its own part of the record: the size of the whole
+// comes from the library's top, and a block it makes must hold every layer.
+TEST(blocks_are_made_in_the_size_of_the_whole_record) {
+    CHECK_EQ(qqblocksize(), sizeof(glbblk));
+    glbblk *b = qqglbblk(qqfree("getlev"));
+    CHECK(b != nullptr);
+    CHECK(qqspcblk(b) == b);
+    CHECK(&qqspcblk(b)->sp == &b->sp);
+}
+
 TEST(reset_rows_use_only_reset_names) {
     CHECK_EQ(qqresetcount(), 133);
     int n = 0;
@@ -238,13 +248,13 @@ TEST(reset_all_restores_the_session_defaults) {
     color("RED");
     int fore = 0;
     reset("COLOR");
-    fore = b->dev.curclr;
+    fore = b->clr.curclr;
     color("RED");
     reset("ALL");
     CHECK_EQ(b->dev.clpx2, b->core.nxp);
     CHECK_EQ(b->diag.chkon, 1);
     CHECK_EQ(b->dev.lnjn, 2);
-    CHECK_EQ(b->dev.curclr, fore);
+    CHECK_EQ(b->clr.curclr, fore);
     CHECK_EQ(b->core.level, 1u);
     testkit::end_session(b);
 }

@@ -4,9 +4,9 @@
 #include <vector>
 #include <unistd.h>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 
@@ -166,7 +166,7 @@ void expect_strokes(const testkit::RecordingDriver &rec, const std::vector<Seg> 
         check_seg(got[i], want[i].x0, want[i].y0, want[i].x1, want[i].y1, tol);
 }
 
-void segment(glbblk *b, double x0, double y0, double x1, double y1) {
+void segment(DeviceBlock *b, double x0, double y0, double x1, double y1) {
     qqmove(b, x0, y0);
     qqdraw(b, x1, y1);
 }
@@ -542,7 +542,7 @@ TEST(rectangles_markers_characters_go_to_the_driver_or_fall_back_to_lines) {
     // 101.4, 102.8) and one at the lower edge, in the rectangle's colour,
     // and the colour comes back.
     rec.ops.clear();
-    int before = b->dev.curclr;
+    int before = b->clr.curclr;
     const DriverOps *full = b->dev.drv;
     DriverOps plain = *full;
     plain.fill_rect = nullptr;
@@ -556,7 +556,7 @@ TEST(rectangles_markers_characters_go_to_the_driver_or_fall_back_to_lines) {
     for (const auto &o : rec.ops)
         if (o.kind == 'm') rows.push_back(o.y);
     CHECK(rows.size() == 4 && std::fabs(rows[1] - 101.4) < 1e-9 && rows[3] == 104.0);
-    CHECK_EQ(b->dev.curclr, before);
+    CHECK_EQ(b->clr.curclr, before);
     // A refused marker is drawn as lines: kind 3 is a plus of two strokes.
     rec.ops.clear();
     rec.answer = 0;
@@ -566,7 +566,7 @@ TEST(rectangles_markers_characters_go_to_the_driver_or_fall_back_to_lines) {
     CHECK_EQ(rec.count('d'), 2);
     // A refused character goes to the stroke hook, none draws nothing.
     static int stroked = 0;
-    b->dev.strokechar = [](glbblk *, const QQHwChar *c) { stroked = c->code; };
+    b->dev.strokechar = [](DeviceBlock *, const QQHwChar *c) { stroked = c->code; };
     c.code = 66;
     qqhwchar(b, &c);
     CHECK_EQ(stroked, 66);
@@ -579,7 +579,7 @@ TEST(rectangles_markers_characters_go_to_the_driver_or_fall_back_to_lines) {
     qqtriangle(b, tx, ty);
     CHECK(rec.count('d') >= 100 + 40);
     CHECK_EQ(rec.ops.front().value, 9);
-    CHECK_EQ(b->dev.curclr, before);
+    CHECK_EQ(b->clr.curclr, before);
     // Through the user transformation every shape is lines.
     rec.ops.clear();
     rec.answer = 1;

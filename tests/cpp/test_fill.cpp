@@ -4,19 +4,19 @@
 #include <cmath>
 #include <vector>
 
-#include "core/glbblk.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 
 namespace {
 
 std::vector<double> hx, hy0, hy1;
-void pen_move(glbblk *, double x, double y) {
+void pen_move(DeviceBlock *, double x, double y) {
     hx.push_back(x);
     hy0.push_back(y);
 }
-void pen_draw(glbblk *, double x, double y) {
+void pen_draw(DeviceBlock *, double x, double y) {
     hx.push_back(x);
     hy1.push_back(y);
 }

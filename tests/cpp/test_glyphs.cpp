@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 #include "text/text.h"
@@ -72,7 +72,7 @@ PAGE(glyph_repertoire_page) {
     setpag("DA4P");
     winsiz(2100, 2970);
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     int y = 60;
     for (const Font &f : kFonts) {

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "axes/label_text.h"
-#include "core/glbblk.h"
 #include "core/text.h"
+#include "glbblk.h"
 #include "testkit.h"
 #include "text/numbers.h"
 

@@ -9,10 +9,10 @@
 #include <string>
 #include <unistd.h>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/pdf_doc.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 
@@ -31,7 +31,7 @@ glbblk *open_pdf(const char *file, bool compress, bool memory = false) {
     pdfmod(memory ? "ON" : "OFF", "BUFF");
     metafl("PDF");
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     if (b) b->diag.outu = 0;
     return b;
 }

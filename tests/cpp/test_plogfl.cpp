@@ -3,9 +3,9 @@
 #include <string>
 #include <unistd.h>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "testkit.h"
 
@@ -18,7 +18,7 @@ glbblk *metafile_session(const char *name) {
     setfil(name);
     metafl("PLOG");
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     return b;
 }

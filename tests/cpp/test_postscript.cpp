@@ -7,10 +7,10 @@
 #include <string>
 #include <unistd.h>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/postscript.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/writers.h"
@@ -26,7 +26,7 @@ glbblk *open_ps(const char *device, const char *file) {
     setfil(file);
     metafl(device);
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     if (b) b->diag.outu = 0;
     return b;
 }
@@ -101,7 +101,7 @@ TEST(ps_eps_single_and_origin) {
     psmode("SING");
     open_ps("PSCL", "sing.psc");
     psmode("MULT");  // level 0 only
-    CHECK_EQ((int)qqcur()->ps.pssing, 1);
+    CHECK_EQ((int)qqglbblk(qqcur())->ps.pssing, 1);
     t = close_ps("sing.psc");
     psmode("MULT");
     CHECK(has(t, "%%EndComments\n%%Page: 1 1\n2 setlinecap 2 setlinejoin\n" + prolog_first));
@@ -196,7 +196,7 @@ TEST(ps_export_of_an_image) {
     winsiz(41, 17);  // wider than high: turned onto the sheet
     metafl("PNG");
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     CHECK_EQ(qqwritefile(b, "e.ps", QQ_WPS), 0);
     kolfin();
@@ -241,7 +241,7 @@ TEST(ps_test_page) {
         scrmod("REVE");
         metafl(dev);
         kolini();
-        glbblk *b = qqcur();
+        glbblk *b = qqglbblk(qqcur());
         b->diag.outu = 0;
         const DriverOps *drv = b->dev.drv;
         setvlt("SMAL");
@@ -297,7 +297,7 @@ TEST(ps_test_page) {
     filmod("DELE");
     metafl("PS");
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     const DriverOps *drv = b->dev.drv;
     drv->sector(b, 1000, 1000, 200, 600, 30, 150, 0x010000FF);  // red

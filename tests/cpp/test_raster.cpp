@@ -7,9 +7,9 @@
 #include <unistd.h>
 #include <utility>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 #include "raster/canvas.h"
 #include "raster/primitives.h"
@@ -222,7 +222,7 @@ TEST(too_many_crossings_warn_once_through_the_driver) {
     filmod("DELE");
     metafl("PNG");
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     double x[202], y[202];
     for (int k = 0; k < 101; ++k) {
@@ -291,7 +291,7 @@ TEST(transparency_layer_composites_by_alpha) {
     filmod("DELE");
     metafl("PNG");
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     qqcanvas *cv = qqcanvasof(b);
     CHECK(cv != nullptr);
@@ -334,7 +334,7 @@ PAGE(raster_test_page) {
     metafl("PNG");
     winsiz(1200, 850);
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     const DriverOps *drv = b->dev.drv;
     setvlt("SMAL");
@@ -410,7 +410,7 @@ TEST(rectangles_and_markers_by_driver_and_by_lines_agree) {
         metafl("VIRT");
         winsiz(600, 425);
         kolini();
-        glbblk *b = qqcur();
+        glbblk *b = qqglbblk(qqcur());
         b->diag.outu = 0;
         b->dev.hwshd = hardware;
         qqfrect(b, 100, 100, 700, 400, 0x01FF0000);

@@ -4,12 +4,12 @@
 #include <string>
 #include <unistd.h>
 
-#include "core/glbblk.h"
-#include "raster/canvas.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/registry.h"
+#include "glbblk.h"
 #include "kolvex.h"
+#include "raster/canvas.h"
 #include "testkit.h"
 
 TEST(families_own_disjoint_codes_and_unique_keywords) {
@@ -49,30 +49,33 @@ void mark(const char *op) {
 }
 
 const DriverOps proxy = {
-    .line = [](glbblk *b, double x, double y, int op) { mark("line"), real->line(b, x, y, op); },
-    .colour = [](glbblk *b, int v, int r, int g, int bl, int i) { mark("colour"), real->colour(b, v, r, g, bl, i); },
-    .colour_table = [](glbblk *b) { mark("colour_table"), real->colour_table(b); },
-    .width = [](glbblk *b, double n, int f) { return mark("width"), real->width(b, n, f); },
-    .linestyle = [](glbblk *b) { mark("linestyle"), real->linestyle(b); },
-    .clip = [](glbblk *b, int x1, int y1, int x2, int y2, int r) { mark("clip"), real->clip(b, x1, y1, x2, y2, r); },
-    .fill_polygon = [](glbblk *b, const double *x, const double *y, int n) {
-        return mark("fill_polygon"), real->fill_polygon(b, x, y, n);
-    },
-    .fill_rect = [](glbblk *b, int x1, int y1, int x2, int y2, int c) {
-        mark("fill_rect"), real->fill_rect(b, x1, y1, x2, y2, c);
-    },
-    .new_page = [](glbblk *b) { mark("new_page"), real->new_page(b); },
-    .clear = [](glbblk *b) { mark("clear"), real->clear(b); },
-    .update = [](glbblk *b) { mark("update"), real->update(b); },
-    .close = [](glbblk *b) { return mark("close"), real->close(b); },
-    .marker = [](glbblk *b, int k, double x, double y, double s) { return mark("marker"), real->marker(b, k, x, y, s); },
-    .image = [](glbblk *b) { mark("image"), real->image(b); },
-    .character = [](glbblk *b, const QQHwChar *c) { return mark("character"), real->character(b, c); },
-    .textstyle = [](glbblk *b) { mark("textstyle"), real->textstyle(b); },
-    .sector = [](glbblk *b, double x, double y, double r1, double r2, double a1, double a2, int c) {
-        return mark("sector"), real->sector(b, x, y, r1, r2, a1, a2, c);
-    },
-    .triangle = [](glbblk *b, const double *x, const double *y) { return mark("triangle"), real->triangle(b, x, y); },
+    .line = [](DeviceBlock *b, double x, double y,
+               int op) { mark("line"), real->line(b, x, y, op); },
+    .colour = [](DeviceBlock *b, int v, int r, int g, int bl,
+                 int i) { mark("colour"), real->colour(b, v, r, g, bl, i); },
+    .colour_table = [](DeviceBlock *b) { mark("colour_table"), real->colour_table(b); },
+    .width = [](DeviceBlock *b, double n, int f) { return mark("width"), real->width(b, n, f); },
+    .linestyle = [](DeviceBlock *b) { mark("linestyle"), real->linestyle(b); },
+    .clip = [](DeviceBlock *b, int x1, int y1, int x2, int y2,
+               int r) { mark("clip"), real->clip(b, x1, y1, x2, y2, r); },
+    .fill_polygon = [](DeviceBlock *b, const double *x, const double *y,
+                       int n) { return mark("fill_polygon"), real->fill_polygon(b, x, y, n); },
+    .fill_rect = [](DeviceBlock *b, int x1, int y1, int x2, int y2,
+                    int c) { mark("fill_rect"), real->fill_rect(b, x1, y1, x2, y2, c); },
+    .new_page = [](DeviceBlock *b) { mark("new_page"), real->new_page(b); },
+    .clear = [](DeviceBlock *b) { mark("clear"), real->clear(b); },
+    .update = [](DeviceBlock *b) { mark("update"), real->update(b); },
+    .close = [](DeviceBlock *b) { return mark("close"), real->close(b); },
+    .marker = [](DeviceBlock *b, int k, double x, double y,
+                 double s) { return mark("marker"), real->marker(b, k, x, y, s); },
+    .image = [](DeviceBlock *b) { mark("image"), real->image(b); },
+    .character = [](DeviceBlock *b,
+                    const QQHwChar *c) { return mark("character"), real->character(b, c); },
+    .textstyle = [](DeviceBlock *b) { mark("textstyle"), real->textstyle(b); },
+    .sector = [](DeviceBlock *b, double x, double y, double r1, double r2, double a1, double a2,
+                 int c) { return mark("sector"), real->sector(b, x, y, r1, r2, a1, a2, c); },
+    .triangle = [](DeviceBlock *b, const double *x,
+                   const double *y) { return mark("triangle"), real->triangle(b, x, y); },
 };
 
 // The proxy of a driver offers what the driver offers, no more.
@@ -123,7 +126,7 @@ TEST(every_offered_operation_is_reached_from_above_the_layer) {
         filmod("DELE");
         metafl(f->keys[0].key);
         kolini();
-        glbblk *b = qqcur();
+        glbblk *b = qqglbblk(qqcur());
         CHECK_EQ(b->core.level, 1u);
         b->diag.outu = 0;
         real = b->dev.drv;

@@ -9,12 +9,12 @@
 #include <unistd.h>
 #include <vector>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
 #include "devices/pdf.h"
-#include "raster/canvas.h"
+#include "glbblk.h"
 #include "kolvex.h"
+#include "raster/canvas.h"
 #include "testkit.h"
 
 namespace {
@@ -33,7 +33,7 @@ glbblk *open_session(const char *device, const char *file) {
     if (std::string(device) == "IPE") sclfac(254.0 / 72.0);
     metafl(device);
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     if (b) b->diag.outu = 0;
     return b;
 }
@@ -371,7 +371,7 @@ TEST(portrait_pages_turn_the_picture) {
 
     pagmod("PORT");
     open_session("IPE", "port.ipe");
-    line(qqcur(), two, 2);
+    line(qqglbblk(qqcur()), two, 2);
     close_session();
     std::string ipe = testkit::read_file("port.ipe");
     // X = s·y, Y = s·x, on a paper turned to hold it.
@@ -397,7 +397,7 @@ void draw_page(const char *device, const std::string &file) {
     scrmod("REVE");  // white sheet
     metafl(device);
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     const DriverOps *drv = b->dev.drv;
     setvlt("SMAL");

@@ -6,9 +6,9 @@
 #include <mutex>
 #include <unistd.h>
 
-#include "core/glbblk.h"
 #include "core/guard.h"
 #include "devices/device.h"
+#include "glbblk.h"
 #include "kolvex.h"
 
 namespace testkit {
@@ -33,36 +33,36 @@ void fail(const char *file, int line, const std::string &what) {
 
 // The recorder of each block: a driver's operations are plain functions,
 // so they find their recorder through the block.
-static std::map<const glbblk *, RecordingDriver *> recorders;
+static std::map<const DeviceBlock *, RecordingDriver *> recorders;
 static std::mutex recorders_lock;
 
-static RecordingDriver *of(glbblk *b) {
+static RecordingDriver *of(DeviceBlock *b) {
     std::lock_guard<std::mutex> g(recorders_lock);
     return recorders[b];
 }
 
-static void rec_line(glbblk *b, double x, double y, int op) {
+static void rec_line(DeviceBlock *b, double x, double y, int op) {
     of(b)->ops.push_back({op == QQ_MOVE ? 'm' : op == QQ_DRAW ? 'd' : 'e', x, y, op});
 }
-static void rec_colour(glbblk *b, int value, int r, int g, int bl, int index) {
+static void rec_colour(DeviceBlock *b, int value, int r, int g, int bl, int index) {
     of(b)->ops.push_back({'c', 0, 0, value, r, g, bl, index});
 }
-static int rec_width(glbblk *b, double n, int fractional) {
+static int rec_width(DeviceBlock *b, double n, int fractional) {
     of(b)->ops.push_back({'w', n, 0, fractional});
     return of(b)->hwwidth;
 }
-static void rec_clip(glbblk *b, int x1, int y1, int x2, int y2, int reset) {
+static void rec_clip(DeviceBlock *b, int x1, int y1, int x2, int y2, int reset) {
     of(b)->ops.push_back({'x', (double)x1, (double)y1, reset});
 }
 
-static void rec_rect(glbblk *b, int x1, int y1, int x2, int y2, int colour) {
+static void rec_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     of(b)->ops.push_back({'r', (double)x1, (double)y1, colour, x2, y2});
 }
-static int rec_marker(glbblk *b, int kind, double x, double y, double size) {
+static int rec_marker(DeviceBlock *b, int kind, double x, double y, double size) {
     of(b)->ops.push_back({'k', x, y, kind, (int)size});
     return of(b)->answer;
 }
-static int rec_char(glbblk *b, const QQHwChar *c) {
+static int rec_char(DeviceBlock *b, const QQHwChar *c) {
     of(b)->ops.push_back({'t', c->x, c->y, c->code});
     return of(b)->answer;
 }
@@ -77,7 +77,7 @@ static const DriverOps recording_ops = {
     .character = rec_char,
 };
 
-void RecordingDriver::install(glbblk *b) {
+void RecordingDriver::install(DeviceBlock *b) {
     {
         std::lock_guard<std::mutex> g(recorders_lock);
         recorders[b] = this;
@@ -114,7 +114,7 @@ glbblk *recording_session(RecordingDriver &rec) {
     setfil("recorded.met");
     metafl("PLOG");
     kolini();
-    glbblk *b = qqcur();
+    glbblk *b = qqglbblk(qqcur());
     b->diag.outu = 0;
     rec.install(b);
     return b;

@@ -5,6 +5,8 @@
 // that a test sees exactly what reaches a driver.
 #pragma once
 
+#include "glbblk.h"
+
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -43,7 +45,7 @@ struct RecordingDriver {
     std::vector<Op> ops;
     int hwwidth = 0;  // answer of the width operation
     int answer = 1;   // answer of the marker and character operations
-    void install(glbblk *b);
+    void install(DeviceBlock *b);
     int count(char kind) const;
     // The pieces of line: each starts with a move and holds its draws.
     std::vector<std::vector<Op>> pieces() const;

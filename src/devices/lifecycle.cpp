@@ -12,6 +12,7 @@
 #include "core/text.h"
 #include "core/warnings.h"
 #include "devices/device.h"
+#include "devices/device_block.h"
 #include "devices/registry.h"
 #include "kolvex.h"
 #include "platform/platform.h"
@@ -23,7 +24,7 @@ bool display_available() { return qqpdisplay(); }
 }  // namespace
 
 void metafl(const char *cdev) noexcept {
-    glbblk *b = KX_ENTRY("metafl");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("metafl"));
     if (!b) return;
     char key[5];
     qqkeyword(cdev, key);
@@ -46,7 +47,7 @@ void metafl(const char *cdev) noexcept {
 }
 
 void kolini() noexcept {
-    glbblk *b = KX_ENTRY("kolini");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("kolini"));
     if (!b) return;
     CoreState &c = b->core;
     SessionState &s = b->sess;
@@ -120,7 +121,7 @@ void kolini() noexcept {
 }
 
 void kolfin() noexcept {
-    glbblk *b = KX_ENTRY("kolfin");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("kolfin"));
     if (!b) return;
     SessionState &s = b->sess;
     DiagState &d = b->diag;
@@ -175,7 +176,7 @@ void kolfin() noexcept {
 }
 
 void newpag() noexcept {
-    glbblk *b = KX_ENTRY("newpag");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("newpag"));
     if (!b) return;
     qqflsh(b);
     b->sess.pageno++;
@@ -184,7 +185,7 @@ void newpag() noexcept {
 }
 
 void erase() noexcept {
-    glbblk *b = KX_ENTRY("erase");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("erase"));
     if (!b) return;
     qqflsh(b);
     const DriverOps *drv = b->dev.drv;
@@ -192,20 +193,20 @@ void erase() noexcept {
 }
 
 void sendbf() noexcept {
-    glbblk *b = KX_ENTRY("sendbf");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("sendbf"));
     if (!b) return;
     if (b->core.level > 0) qqsendbuf(b);
 }
 
 void winupd() noexcept {
-    glbblk *b = KX_ENTRY("winupd");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("winupd"));
     if (!b) return;
     const DriverOps *drv = b->dev.drv;
     if (b->core.level > 0 && drv && drv->update) drv->update(b);
 }
 
 void pagera() noexcept {
-    glbblk *b = KX_ENTRY("pagera");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("pagera"));
     if (!b) return;
     double xp = b->core.nxp, yp = b->core.nyp;
     qqrmov(b, 0, 0);
@@ -217,19 +218,19 @@ void pagera() noexcept {
 }
 
 void getpag(int *nxpag, int *nypag) noexcept {
-    glbblk *b = KX_ENTRY("getpag");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("getpag"));
     if (!b) return;
     *nxpag = b->core.nxp + 1;
     *nypag = b->core.nyp + 1;
 }
 
 const char *getfil() noexcept {
-    glbblk *b = KX_ENTRY("getfil");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("getfil"));
     return b ? b->sess.fname : "";
 }
 
 const char *getmfl() noexcept {
-    glbblk *b = KX_ENTRY("getmfl");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("getmfl"));
     return b ? b->sess.devkey : "";
 }
 

@@ -14,6 +14,7 @@
 #include "core/session.h"
 #include "core/text.h"
 #include "core/warnings.h"
+#include "devices/device_block.h"
 #include "kolvex.h"
 #include "platform/platform.h"
 
@@ -32,10 +33,12 @@ void word4(const char *text, char *out) {
     qqupc(out);
 }
 
-}  // namespace
-
-int qqsymargs(glbblk *b, const char *device, const char *status, char *store,
-              const char **argv) noexcept {
+// The arguments with which symfil starts an outside driver for the
+// finished plot file (device and status words already checked): argv gets
+// at most 11 and a null; store (260 bytes) holds the colour file's
+// argument.  Returns their count.
+int symargs(DeviceBlock *b, const char *device, const char *status, char *store,
+            const char **argv) {
     const char *program = b->core.fam->viewer;
     int n = 0;
     argv[n++] = program;
@@ -59,8 +62,10 @@ int qqsymargs(glbblk *b, const char *device, const char *status, char *store,
     return n;
 }
 
+}  // namespace
+
 void symfil(const char *cdev, const char *cstat) noexcept {
-    glbblk *b = KX_ENTRY("symfil");
+    DeviceBlock *b = qqdevblk(KX_ENTRY("symfil"));
     if (!b) return;
     SessionState &s = b->sess;
     if (!b->core.fam || !b->core.fam->viewer) {
@@ -95,7 +100,7 @@ void symfil(const char *cdev, const char *cstat) noexcept {
     // is ever read as a command; its messages are not the library's.
     char store[260];
     const char *argv[12];
-    qqsymargs(b, device, status, store, argv);
+    symargs(b, device, status, store, argv);
     qqprun(argv);
     if (dele) s.finfl = -1;
 }
