@@ -325,12 +325,12 @@ void xdraw(double x, double y) noexcept {
 // The same pen with the current line style: the dash pattern and the
 // offset of thick lines apply.
 void strtpt(double x, double y) noexcept {
-    glbblk *b = KX_ENTRY("strtpt");
+    PlotBlock *b = qqpltblk(KX_ENTRY("strtpt"));
     if (b) qqmove(b, x, qqyflp(b, y));
 }
 
 void connpt(double x, double y) noexcept {
-    glbblk *b = KX_ENTRY("connpt");
+    PlotBlock *b = qqpltblk(KX_ENTRY("connpt"));
     if (b) qqdraw(b, x, qqyflp(b, y));
 }
 
