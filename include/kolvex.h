@@ -183,6 +183,8 @@ KOLVEX_API void complx(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void duplx(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void fixspc(double xfac) KOLVEX_NOEXCEPT;
 KOLVEX_API void frmess(int nfrm) KOLVEX_NOEXCEPT;
+KOLVEX_API int getang(void) KOLVEX_NOEXCEPT;
+KOLVEX_API int gethgt(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void gothic(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void height(int nhchar) KOLVEX_NOEXCEPT;
 KOLVEX_API void helve(void) KOLVEX_NOEXCEPT;

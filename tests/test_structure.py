@@ -82,6 +82,19 @@ def test_no_layer_names_an_object_of_one_above_it():
     assert upward_externs() == []
 
 
+# A driver operation called: only the device layer may, so that its fallbacks apply.
+DRIVER_CALL = re.compile(r"\bdrv\s*->\s*[a-z_]+\s*\(")
+
+
+def driver_calls_outside_the_layer():
+    return [f"{rel}: {m.group(0)}" for rel, text in sources() if rel.split(os.sep)[0] != "devices"
+            for m in DRIVER_CALL.finditer(text)]
+
+
+def test_only_the_device_layer_calls_drivers():
+    assert driver_calls_outside_the_layer() == []
+
+
 # A device code compared with, assigned to or computed from a number.
 CODE = re.compile(r"\b(devcod|dev)\b\s*(==|!=|<=|>=|<|>|=|-|\+)\s*\d{2,3}\b|\b\d{2,3}\s*(==|!=|<=|>=|<|>)\s*(devcod|dev)\b")
 
@@ -153,6 +166,8 @@ def test_the_checks_catch_what_they_look_for(tmp_path, monkeypatch, line, caught
     (core / "x.h").write_text(line + "\n")
     assert bool(core_headers_reaching_out()) == caught
     assert device_numbers() == ["core/x.cpp: dev == 501"]
+    (core / "d.cpp").write_text("void f(B *b) { b->dev.drv->marker(b, 1, 0, 0, 1); }\n")
+    assert driver_calls_outside_the_layer() == ["core/d.cpp: drv->marker("]
     (core / "list.cpp").write_text("extern const Subsystem kxsub_axes;\n")
     (tmp_path / "axes").mkdir()
     (tmp_path / "axes" / "s.cpp").write_text("extern const Subsystem kxsub_axes = {};\n")

@@ -136,7 +136,9 @@ def test_instruction_alphabet(capfd):
     k.nlmess("{G2.5}A")       # integer with a point
     k.nlmess("{E3}A")         # no parameter allowed
     k.nlmess("{H1.5")         # unbalanced: dropped silently
-    assert warnings_of(capfd) == ["46", "44", "45", "43"]
+    k.nlmess("{M7}A{N256}A{S22}A")  # out of range, but not a tabulator
+    k.nlmess("{5H}A")         # a number before the letter: no command
+    assert warnings_of(capfd) == ["46", "44", "45", "43", "43", "43", "43", "46"]
 
 
 def test_utf8_routines(capfd):
@@ -325,3 +327,24 @@ def test_intlen_widths():
     # From 10^8 up the full ten columns are counted.
     assert k.intlen(123456789) == 10 and k.intlen(-100000000) == 11
     assert k.intlen(2147483647) == 10
+
+
+def test_string_frame_takes_the_frame_colour_and_thickness():
+    from PIL import Image
+    start("PNG", size=(1485, 1050))  # half a pixel per plot coordinate
+    k.height(100)
+    k.frmess(6)
+    k.frmclr(3)
+    k.messag("Hi", 500, 500)
+    k.kolfin()
+    a = np.asarray(Image.open("t.png").convert("RGB")).astype(int)
+    white = np.all(a == 255, axis=2)
+    frame = np.any(a != a[0, 0], axis=2) & ~white
+    assert white.any() and frame.any()  # strokes in the current colour, the frame in colour 3
+    rows = np.nonzero(frame.any(axis=1))[0]
+    mid = np.nonzero(frame[rows[0]])[0].mean().astype(int)
+    # six plot coordinates outward: three pixel rows at the top edge
+    top = np.nonzero(frame[:, mid])[0] - rows[0]
+    assert list(top[:3]) == [0, 1, 2] and top[3] > 50
+    wy = np.nonzero(white)[0]
+    assert rows[0] + 3 < wy.min() and wy.max() < rows[-1] - 3

@@ -142,6 +142,9 @@ void qqfrect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) noexcep
 // Marker of kind 0 to 23 centred at a plot position, size in plot
 // coordinates, in the current colour: the driver's marker, else lines.
 void qqmark(DeviceBlock *b, int kind, double x, double y, double size) noexcept;
+// The driver's own marker alone, where it draws one and nothing transforms the
+// page; false where the caller must draw the figure itself.
+bool qqhwmark(DeviceBlock *b, int kind, double x, double y, double size) noexcept;
 // A filled ring sector, centre and radii (r1 at most r2) in plot
 // coordinates before the origin shift, angles a1 to a2 in degrees
 // counter-clockwise, in a colour value; a filled triangle in the current

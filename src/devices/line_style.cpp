@@ -93,10 +93,10 @@ void lnmlt(double xfac) noexcept {
 void hwmode(const char *cmode, const char *ckey) noexcept {
     DeviceBlock *b = qqdevblk(KX_ENTRY("hwmode"));
     if (!b) return;
-    int what = qqkey(b, "LINE+SHAD", 2, ckey);
-    if (what == 0) return;
     int k = qqkey(b, "OFF +ON  ", 2, cmode);
     if (k == 0) return;
+    int what = qqkey(b, "LINE+SHAD", 2, ckey);
+    if (what == 0) return;
     if (what == 2) {
         b->dev.hwshd = (unsigned char)(k - 1);
         return;
@@ -114,9 +114,9 @@ void hwmode(const char *cmode, const char *ckey) noexcept {
 void linmod(const char *cmode, const char *ckey) noexcept {
     DeviceBlock *b = qqdevblk(KX_ENTRY("linmod"));
     if (!b) return;
-    if (qqkey(b, "SMOO", 1, ckey) == 0) return;
     int k = qqkey(b, "OFF +ON  ", 2, cmode);
     if (k == 0) return;
+    if (qqkey(b, "SMOO", 1, ckey) == 0) return;
     qqflsh(b);
     b->dev.lnsmooth = k - 1;
     const DriverOps *drv = b->dev.drv;

@@ -180,15 +180,21 @@ void qqfrect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) noexcep
     if (b->clr.curclr != old) qqsetc(b, old);
 }
 
+bool qqhwmark(DeviceBlock *b, int kind, double x, double y, double size) noexcept {
+    if (kind < 0 || kind > 23 || !(size >= 0 && size < 1e6)) return false;
+    const DeviceState &d = b->dev;
+    const DriverOps *drv = d.drv;
+    if (!drv || !drv->marker || d.pl3on || d.trfon || d.segtest) return false;
+    qqflsh(b);
+    return drv->marker(b, kind, x + d.nxsh, y + d.nysh, size) != 0;
+}
+
 void qqmark(DeviceBlock *b, int kind, double x, double y, double size) noexcept {
     if (kind < 0 || kind > 23 || !(size >= 0 && size < 1e6)) return;
-    DeviceState &d = b->dev;
+    // A circular clip is the layer's own: a driver's marker would ignore it.
+    if (b->dev.clpcir == 0 && qqhwmark(b, kind, x, y, size)) return;
     qqflsh(b);
-    x += d.nxsh;
-    y += d.nysh;
-    const DriverOps *drv = d.drv;
-    if (drv && drv->marker && direct(b) && drv->marker(b, kind, x, y, size)) return;
-    marker_lines(b, kind, x, y, size / 2);
+    marker_lines(b, kind, x + b->dev.nxsh, y + b->dev.nysh, size / 2);
 }
 
 void qqsector(DeviceBlock *b, double x, double y, double r1, double r2, double a1, double a2,

@@ -271,7 +271,10 @@ void rectan(int nx, int ny, int nw, int nh) noexcept {
     double x1 = nx, x2 = (double)nx + nw - 1;
     double y1 = qqyflp(b, ny), y2 = qqyflp(b, (double)ny + nh - 1);
     double x[4] = {x1, x1, x2, x2}, y[4] = {y1, y2, y2, y1};
+    // as areaf draws it, in the transparency layer of figures when it is on
+    qqtprfig(b, 1);
     qqarea(b, x, y, 4);
+    qqtprfig(b, 0);
 }
 
 void recfll(int nx, int ny, int nw, int nh, int ncol) noexcept {

@@ -11,6 +11,7 @@
 #include "core/warnings.h"
 #include "devices/device.h"
 #include "kolvex.h"
+#include "plots/curves.h"
 #include "plots/fill.h"
 #include "plots/line_styles.h"
 #include "plots/plot_block.h"
@@ -65,6 +66,17 @@ int hatch_polys(DeviceBlock *b, const double *const *x, const double *const *y, 
     return qqsweepn(qqpltblk(b), x, y, n, npoly, d, maxcross, 0, 0, 0, pen);
 }
 
+// The frame of framed strings, in the frame colour of the axis settings.
+void text_frame(TextBlock *tb, int x, int y, int w, int h, int t, double angle) {
+    PlotBlock *b = qqpltblk(tb);
+    qqframe(b, x, y, w, h, t, angle, b->ax.frmcol);
+}
+
+// The background of framed strings: a polygon of the solid pattern.
+void text_solid(TextBlock *tb, const double *x, const double *y, int n) {
+    qqsolidfill(qqpltblk(tb), x, y, n);
+}
+
 // The device layer's fill of a polygon, done with the pattern in force.
 void pattern_fill(DeviceBlock *b, double *x, double *y, int n) {
     qqpfill(qqpltblk(b), x, y, n);
@@ -74,6 +86,8 @@ void styles_first(CoreBlock *blk) {
     PlotBlock *b = qqpltblk(blk);
     b->dev.fillfn = pattern_fill;
     b->dev.hatchfn = hatch_polys;
+    b->txt.frame = text_frame;
+    b->txt.solidfill = text_solid;
     b->sty.shdfct = 1.0;
     b->sty.outline = 1;
     b->sty.logofill = 1;
@@ -85,6 +99,8 @@ void styles_init(CoreBlock *blk) {
     StyleState &s = b->sty;
     b->dev.fillfn = pattern_fill;
     b->dev.hatchfn = hatch_polys;
+    b->txt.frame = text_frame;
+    b->txt.solidfill = text_solid;
     qqlintyp(b, 0);
     s.shdfct = 1.0;
     s.outline = 1;

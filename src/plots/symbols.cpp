@@ -65,14 +65,11 @@ const Figure kFigures[QQ_NSYMB] = {
 // nothing transforms the page.
 bool hardware_symbol(PlotBlock *b, int nsym, double x, double y) {
     const CurveState &c = b->crv;
-    const DriverOps *drv = b->dev.drv;
     int kind = qqdevkind(b);
-    if (!drv || !drv->marker || nsym >= QQ_NSYMB) return false;
-    if (std::fabs(c.symrot) > 0.001 || b->dev.pl3on || b->dev.trfon || b->dev.segtest) return false;
+    if (nsym >= QQ_NSYMB || std::fabs(c.symrot) > 0.001) return false;
     if (c.usrn > 0 && c.usrsym == nsym) return false;
     if (kind != QQ_KIND_SCREEN && kind != QQ_KIND_RASTER) return false;
-    qqflsh(b);
-    return drv->marker(b, nsym, x + b->dev.nxsh, y + b->dev.nysh, c.hsymbl) != 0;
+    return qqhwmark(b, nsym, x, y, c.hsymbl);
 }
 
 void draw_symbol(PlotBlock *b, int nsym, double x, double y) {

@@ -355,7 +355,9 @@ int count_raise(const TextState &t) {
 
 // The box of frames and backgrounds: four page positions without the
 // origin shift, from the upper left corner (ox, oy) of the first character.
-void text_box(TextBlock *b, double ox, double oy, double len, double bx[4], double by[4]) {
+// W and H receive the box's width and height.
+void text_box(TextBlock *b, double ox, double oy, double len, double bx[4], double by[4], double *W,
+              double *H) {
     TextState &t = b->txt;
     double h = t.height;
     double m = (t.linsp - 1.0) * h;
@@ -368,34 +370,43 @@ void text_box(TextBlock *b, double ox, double oy, double len, double bx[4], doub
         nu = qqnint(t.texdep);
     }
     double top = m + (nh - h) + n * E;
-    double H = 2 * m + nh + nu + n * E;
-    double W = (double)(int)(len + 2 * m);
+    *H = 2 * m + nh + nu + n * E;
+    // the string's length as nlmess gives it, with the margins, truncated
+    *W = (double)(int)(qqnint(len) + 2 * m);
     double ux = t.cosa, uy = -t.sina;  // along the text
     double vx = t.sina, vy = t.cosa;   // downward across it
     double x0 = ox - m * ux - top * vx, y0 = oy - m * uy - top * vy;
     bx[0] = x0;
     by[0] = y0;
-    bx[1] = x0 + W * ux;
-    by[1] = y0 + W * uy;
-    bx[2] = bx[1] + H * vx;
-    by[2] = by[1] + H * vy;
-    bx[3] = x0 + H * vx;
-    by[3] = y0 + H * vy;
+    bx[1] = x0 + *W * ux;
+    by[1] = y0 + *W * uy;
+    bx[2] = bx[1] + *H * vx;
+    by[2] = by[1] + *H * vy;
+    bx[3] = x0 + *H * vx;
+    by[3] = y0 + *H * vy;
 }
 
 void fill_box(TextBlock *b, const double bx[4], const double by[4], int colour) {
     int old = b->clr.curclr;
     qqsetc(b, colour);
-    // a device that fills polygons takes the box whole; else it is hatched
-    if (!qqdevsolid(b, bx, by, 4)) {
+    if (b->txt.solidfill) {
+        b->txt.solidfill(b, bx, by, 4);
+    } else if (!qqdevsolid(b, bx, by, 4)) {
+        // a device that fills polygons takes the box whole; else it is hatched
         int four = 4;
         qqhatchpolys(b, &bx, &by, &four, 1, 1.0, 8, qqmove, qqdraw);
     }
     qqsetc(b, old);
 }
 
-void frame_box(TextBlock *b, const double bx[4], const double by[4], int thick) {
+// The frame round the box: the frame primitive of the fill layer when it
+// is there, else |thick| outlines one unit apart.
+void frame_box(TextBlock *b, const double bx[4], const double by[4], double W, double H, int thick) {
     TextState &t = b->txt;
+    if (t.frame) {
+        t.frame(b, qqround(bx[0]), qqround(by[0]), (int)W, qqround(H), thick, (double)t.angle);
+        return;
+    }
     int n = thick < 0 ? (thick == INT_MIN ? INT_MAX : -thick) : thick;
     int dir = thick < 0 ? -1 : 1;
     double ux = t.cosa, uy = -t.sina, vx = t.sina, vy = t.cosa;
@@ -439,10 +450,10 @@ void draw_string(TextBlock *b, const char *text, int x, int y, bool keep) {
     }
     double len = 0.0;
     bool box = t.bgclr != -1 || t.frmthk != 0 || t.shield;
-    double bx[4], by[4];
+    double bx[4], by[4], bw = 0.0, bh = 0.0;
     if (box) {
         len = measure_loaded(b);
-        text_box(b, ox, oy, len, bx, by);
+        text_box(b, ox, oy, len, bx, by, &bw, &bh);
         if (t.bgclr != -1) fill_box(b, bx, by, t.bgclr);
     }
     begin_string(b);
@@ -460,7 +471,7 @@ void draw_string(TextBlock *b, const char *text, int x, int y, bool keep) {
     t.curhgt = t.height;
     t.cachesec = 0;
     if (b->clr.curclr != t.startclr) qqsetc(b, t.startclr);
-    if (t.frmthk != 0) frame_box(b, bx, by, t.frmthk);
+    if (t.frmthk != 0) frame_box(b, bx, by, bw, bh, t.frmthk);
     if (t.shield) t.shield(b, bx, by);
 }
 

@@ -137,3 +137,13 @@ void shdcha() noexcept {
     if (!b) return;
     b->txt.shdon = 1;
 }
+
+int gethgt() noexcept {
+    TextBlock *b = qqtxtblk(KX_ENTRY("gethgt"));
+    return b ? b->txt.height : 0;
+}
+
+int getang() noexcept {
+    TextBlock *b = qqtxtblk(KX_ENTRY("getang"));
+    return b ? b->txt.angle : 0;
+}

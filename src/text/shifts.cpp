@@ -58,14 +58,16 @@ Param parse_param(TextBlock *b, const char *buf, int n) {
     return p;
 }
 
-// An integer parameter within [lo, hi]: false after a warning.
-bool int_param(TextBlock *b, const char *buf, const Param &p, int lo, int hi, int *v) {
+// An integer parameter within [lo, hi]: false after a warning.  Out of
+// range is warning 44 for a tabulator index, 43 for any other value.
+bool int_param(TextBlock *b, const char *buf, const Param &p, int lo, int hi, int *v,
+               bool tab = false) {
     if (!p.isint) {
         qqwarc(b, 45, buf);
         return false;
     }
     if (p.value < lo || p.value > hi) {
-        qqwarc(b, 44, buf);
+        qqwarc(b, tab ? 44 : 43, buf);
         return false;
     }
     *v = (int)p.value;
@@ -90,8 +92,17 @@ void execute(TextBlock *b) {
     char cmd = buf[0];
     if (cmd >= 'a' && cmd <= 'z') cmd = (char)(cmd - 32);
     buf[0] = cmd;
+    if (!std::strchr("ACDEFGHIJKLMNOPRSTUVWYZ", cmd) || cmd == 0) {
+        qqwarc(b, 46, buf);
+        return;
+    }
     Param p = parse_param(b, buf, n);
     if (p.kind < 0) return;
+    // X names a value of the string's start: these commands have none
+    if (p.kind == 2 && std::strchr("ACFGJLPRSTV", cmd)) {
+        qqwarc(b, 43, buf);
+        return;
+    }
     double h = t.curhgt;
     double sh = t.starthgt;
     int iv = 0;
@@ -141,11 +152,7 @@ void execute(TextBlock *b) {
     case 'V':
     case 'P': {
         iv = 1;
-        if (p.kind == 1 && !int_param(b, buf, p, 1, QQ_NTABS, &iv)) return;
-        if (p.kind == 2) {
-            qqwarc(b, 43, buf);
-            return;
-        }
+        if (p.kind == 1 && !int_param(b, buf, p, 1, QQ_NTABS, &iv, true)) return;
         double along = qqtxtalong(b);
         qqtxtsection(b, t.curalf);
         double end = along - t.gapw;
@@ -250,27 +257,34 @@ void execute(TextBlock *b) {
     t.cachesec = 0;
 }
 
+// Adds a character to the instruction buffer; a full buffer takes it in
+// place of its last one.
+void buffer_put(TextState &t, char c) {
+    if (t.ibufn >= 20)
+        t.ibuf[19] = c;
+    else
+        t.ibuf[t.ibufn++] = c;
+}
+
 void collect(TextBlock *b, int code) {
     TextState &t = b->txt;
     if (code == ' ') return;
     bool param = code == 'X' || code == 'x' || code == '.' || code == '-' || (code >= '0' && code <= '9');
     char c = (code > 0 && code < 256) ? (char)code : '?';
     if (param) {
-        if (t.ibufn >= 20)
-            t.ibuf[19] = c;
-        else
-            t.ibuf[t.ibufn++] = c;
+        buffer_put(t, c);
         return;
     }
-    if (t.iletters == 0 && t.ibufn == 0) {
-        t.ibuf[t.ibufn++] = c;
+    // The first command letter joins whatever the buffer holds; the next
+    // one executes it and starts a new buffer.
+    if (t.iletters == 0) {
+        buffer_put(t, c);
         t.iletters = 1;
         return;
     }
     execute(b);
     t.ibufn = 0;
-    t.ibuf[t.ibufn++] = c;
-    t.iletters = 1;
+    buffer_put(t, c);
 }
 
 }  // namespace

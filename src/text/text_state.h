@@ -110,4 +110,11 @@ struct TextState {
     // (four corners in plot coordinates, origin shift not added), after the
     // string, so that the text itself is not cut.
     void (*shield)(TextBlock *b, const double *bx, const double *by);
+    // The frame primitive of the fill layer (null when not linked): t
+    // outlines round the box with upper left corner (x, y), w by h plot
+    // coordinates, turned by angle degrees about that corner.
+    void (*frame)(TextBlock *b, int x, int y, int w, int h, int t, double angle);
+    // A polygon filled in the solid pattern of the fill layer, the pattern
+    // coming back afterwards (null when not linked).
+    void (*solidfill)(TextBlock *b, const double *x, const double *y, int n);
 };
