@@ -212,6 +212,13 @@ void qqframe(PlotBlock *b, int x, int y, int w, int h, int t, double angle, int 
     } else {
         int m = (int)std::trunc(at * b->core.unitf + 0.5);
         if (m < 1) m = 1;
+        // A rectangle farther from the box than the page reaches, turned or
+        // not, has every side off the page, and so have all after it: a
+        // huge thickness costs no more than the page.
+        double reach = std::fabs((double)x) + std::fabs((double)y) + std::fabs((double)w) +
+                       std::fabs((double)h) + std::fabs(d.nxsh) + std::fabs(d.nysh) + b->core.nxp +
+                       b->core.nyp + 2.0;
+        if (m > reach) m = (int)reach;
         bool turn = std::fabs(angle) > 0.001;
         double c = std::cos(angle * kDegree), sn = std::sin(angle * kDegree);
         for (int i = 0; i < m; ++i) {

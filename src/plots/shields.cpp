@@ -551,12 +551,23 @@ int frame_of(PlotBlock *b) {
     return b->shl.kind == 0 ? b->ax.frmthk : 0;
 }
 
+// How many of the |t| frame lines can be seen: a line farther from the
+// region than the page reaches (size: the region's own extent from the
+// page origin) lies off the page, and so do all after it, so that a huge
+// thickness costs no more than the page.
+int frame_lines(PlotBlock *b, int t, double size) {
+    const DeviceState &d = b->dev;
+    double reach = size + std::fabs((double)d.nxsh) + std::fabs((double)d.nysh) + b->core.nxp +
+                   b->core.nyp + 2.0;
+    return (int)std::min(std::fabs((double)t), reach);
+}
+
 // |t| ellipses about (x, y), each semi-axis grown (or, for t below 0,
 // shrunk) by i; a circle has a equal to b.
 void frame_ellipse(PlotBlock *b, double x, double y, double a, double bb, double angle, int t) {
     FrameScope scope(b);
     double c = std::cos(angle), sn = std::sin(angle);
-    int m = t < 0 ? -t : t;
+    int m = frame_lines(b, t, std::fabs(x) + std::fabs(y) + a + bb);
     for (int i = 0; i < m; ++i) {
         double e = t > 0 ? i : -i, ra = a + e, rb = bb + e;
         if (ra <= 0 || rb <= 0) break;
@@ -580,7 +591,7 @@ void frame_ellipse(PlotBlock *b, double x, double y, double a, double bb, double
 void frame_pie(PlotBlock *b, double x, double y, double r, double a0, double a1, int t) {
     FrameScope scope(b);
     if (a1 < a0) a1 += 2 * kPi;
-    int m = t < 0 ? -t : t;
+    int m = frame_lines(b, t, std::fabs(x) + std::fabs(y) + r);
     for (int i = 0; i < m; ++i) {
         double e = t > 0 ? i : -i, R = r + e;
         if (R <= 0) break;
@@ -616,7 +627,9 @@ void frame_polygon(PlotBlock *b, const double *v, int m, int t) {
         area += v[2 * j] * v[2 * k + 1] - v[2 * k] * v[2 * j + 1];
     }
     double turn = area > 0 ? 1.0 : -1.0;
-    int n = t < 0 ? -t : t;
+    double size = 0;
+    for (int j = 0; j < 2 * m; ++j) size = std::max(size, std::fabs(v[j]));
+    int n = frame_lines(b, t, 2 * size);
     for (int i = 0; i < n; ++i) {
         double d = t > 0 ? i : -i;
         for (int j = 0; j <= m; ++j) {
