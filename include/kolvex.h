@@ -530,6 +530,25 @@ KOLVEX_API void zscale(double zmin, double zmax) KOLVEX_NOEXCEPT;
 KOLVEX_API void plyfin(const char *cfile, const char *cobj) KOLVEX_NOEXCEPT;
 KOLVEX_API void plyini(const char *copt) KOLVEX_NOEXCEPT;
 
+/* Map projections */
+KOLVEX_API void curvmp(const double *xray, const double *yray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void grafmp(double xa, double xe, double xor_, double xstp, double ya, double ye, double yor, double ystp) KOLVEX_NOEXCEPT;
+KOLVEX_API void gridmp(int nx, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API void maplab(const char *copt, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API void mapmod(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void mapopt(const char *copt, const char *ckey) KOLVEX_NOEXCEPT;
+KOLVEX_API void mappol(double xpol, double ypol) KOLVEX_NOEXCEPT;
+KOLVEX_API void mapref(double ylower, double yupper) KOLVEX_NOEXCEPT;
+KOLVEX_API void mapsph(double xrad) KOLVEX_NOEXCEPT;
+KOLVEX_API void pos2pt(double x, double y, double *xp, double *yp) KOLVEX_NOEXCEPT;
+KOLVEX_API void projct(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void pt2pos(double xp, double yp, double *x, double *y) KOLVEX_NOEXCEPT;
+KOLVEX_API void setcbk(void (*callbk)(double *x, double *y), const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API double x2dpos(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void xaxmap(double a, double b, double orl, double step, const char *cname, int nt, int ny) KOLVEX_NOEXCEPT;
+KOLVEX_API double y2dpos(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void yaxmap(double a, double b, double orl, double step, const char *cname, int nt, int nx) KOLVEX_NOEXCEPT;
+
 #ifdef __cplusplus
 }
 #endif

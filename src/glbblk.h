@@ -4,9 +4,9 @@
 // layers in between see theirs through the records they derive.
 #pragma once
 
-#include "space/space_block.h"
+#include "maps/map_block.h"
 
-struct glbblk : SpaceBlock {};
+struct glbblk : MapBlock {};
 
 inline glbblk *qqglbblk(CoreBlock *b) noexcept {
     return static_cast<glbblk *>(b);

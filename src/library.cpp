@@ -32,6 +32,7 @@ extern const Subsystem kxsub_postscript;
 extern const Subsystem kxsub_cgm;
 extern const Subsystem kxsub_zscale;
 extern const Subsystem kxsub_space;
+extern const Subsystem kxsub_maps;
 
 namespace {
 
@@ -42,7 +43,7 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_core,    &kxsub_diagnostics, &kxsub_session, &kxsub_devices, &kxsub_vector,
     &kxsub_pdf,     &kxsub_postscript,  &kxsub_cgm,     &kxsub_canvas,  &kxsub_colour,
     &kxsub_text,    &kxsub_numbers,     &kxsub_axes,    &kxsub_styles,  &kxsub_curves,
-    &kxsub_shields, &kxsub_bars, &kxsub_contours, &kxsub_colourplots,    &kxsub_zscale,  &kxsub_space,
+    &kxsub_shields, &kxsub_bars, &kxsub_contours, &kxsub_colourplots,    &kxsub_zscale,  &kxsub_space, &kxsub_maps,
 };
 
 // Hands the list over before any routine can make a block.

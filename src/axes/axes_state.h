@@ -117,6 +117,9 @@ struct AxesState {
     // h, thickness t, angle, colour -1 current), so that an axis system's
     // frame steps by device pixels as every other frame does.
     void (*framefn)(AxesBlock *b, int x, int y, int w, int h, int t, double angle, int colour);
+    // The conversion of a map system (type 2), set by the maps at their
+    // share of the session defaults; without it a map converts linearly.
+    void (*mappos)(AxesBlock *b, double x, double y, double *xp, double *yp);
 };
 
 // The defaults of a session for the axis settings (used by qqinit and by

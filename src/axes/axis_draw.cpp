@@ -72,6 +72,11 @@ void qqticks(AxesBlock *b, const AxisCall &c, int n, int lmaj, int lmin, int cen
     };
     for (long i = i0; i <= i1; ++i) {
         double d = std::trunc(i * f * ds + (c.orl - c.a) * f + 0.5);
+        if (c.where) {
+            d = c.where(b, c, c.orl + i * ds);
+            if (std::isnan(d)) continue;
+            d = std::trunc(d + 0.5);
+        }
         double pos = isx ? c.x0 + d : c.y0 - d;
         tick(pos, i % n == 0 ? lmaj : lmin);
     }
@@ -228,6 +233,10 @@ int draw_labels(AxesBlock *b, const AxisCall &c, double base) {
         // shifted label inside the axis ends.
         double w = power ? w10 : wt;
         double d = (v - c.a) * f;
+        if (c.where) {
+            d = c.where(b, c, v);
+            if (std::isnan(d)) continue;
+        }
         double x, y;
         int rot = 0;
         if (xgeo && !vert) {

@@ -20,6 +20,10 @@ struct AxisCall {
     int crossed;       // 1 in a crossed system: no label at 0
     int measure;       // 1: draw nothing, only give the label extent
     int geo;           // 0 placed as its axis; 1 as an X axis, 2 as a Y axis
+    // Where value v stands along the axis, as the distance from the start
+    // point, for axes whose values do not run linearly (the frame of a
+    // map); NaN leaves the tick and label out.  Null: the linear rule.
+    double (*where)(AxesBlock *b, const AxisCall &c, double v);
 };
 
 // Whether the axis is placed as an X (0) or a Y axis (1).

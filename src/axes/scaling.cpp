@@ -73,6 +73,10 @@ void qqpos2(AxesBlock *b, double x, double y, double *xp, double *yp) noexcept {
         *yp = b->ax.ncy - rad * std::sin(t);
         return;
     }
+    if (r.type == 2 && b->ax.mappos) {
+        b->ax.mappos(b, x, y, xp, yp);
+        return;
+    }
     *xp = qqxpos(b, x);
     *yp = qqypos(b, y);
 }

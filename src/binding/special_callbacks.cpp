@@ -53,7 +53,63 @@ bool store_callable(PyObject **slot, PyObject *fn) {
     return true;
 }
 
+PyObject *pyprjfn = nullptr;  // the function of setcbk (one reference held)
+
+// A number of the user projection's result: a float as it is, an int
+// with 0.5 added; false for anything else.
+bool projection_value(PyObject *o, double *v) {
+    if (PyFloat_Check(o)) {
+        *v = PyFloat_AsDouble(o);
+        return true;
+    }
+    if (PyLong_Check(o)) {
+        double d = PyLong_AsDouble(o);
+        if (d == -1.0 && PyErr_Occurred()) {
+            PyErr_Clear();
+            return false;
+        }
+        *v = d + 0.5;
+        return true;
+    }
+    return false;
+}
+
+// Map drawing may have released the interpreter lock: the trampoline
+// takes it for the call.  A result other than a list of two numbers, or
+// an exception, leaves the coordinates as they are.
+void setcbk_trampoline(double *x, double *y) {
+    PyGILState_STATE st = PyGILState_Ensure();
+    PyObject *fn = pyprjfn;
+    if (fn) {
+        Py_INCREF(fn);
+        PyObject *result = PyObject_CallFunction(fn, "(dd)", *x, *y);
+        Py_DECREF(fn);
+        if (!result) {
+            PyErr_Clear();
+        } else {
+            double a, b;
+            if (PyList_Check(result) && PyList_GET_SIZE(result) == 2 &&
+                projection_value(PyList_GET_ITEM(result, 0), &a) &&
+                projection_value(PyList_GET_ITEM(result, 1), &b)) {
+                *x = a;
+                *y = b;
+            }
+            Py_DECREF(result);
+        }
+    }
+    PyGILState_Release(st);
+}
+
 }  // namespace
+
+PyObject *kxs_setcbk(PyObject *, PyObject *args) {
+    PyObject *fn = nullptr;
+    const char *key = nullptr;
+    if (!PyArg_ParseTuple(args, "Os:setcbk", &fn, &key)) return kxpy_argfail();
+    if (!store_callable(&pyprjfn, fn)) return nullptr;
+    setcbk(setcbk_trampoline, key);
+    Py_RETURN_NONE;
+}
 
 PyObject *kxs_surfcp(PyObject *, PyObject *args) {
     PyObject *fn = nullptr;

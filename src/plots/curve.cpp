@@ -405,6 +405,19 @@ void qqcrvsymbols(PlotBlock *b, const AxisMap &m, const double *x, const double 
     qqdshres(b);
 }
 
+void qqcrvbegin(PlotBlock *b, CurveSave *save) noexcept {
+    CurveState &c = b->crv;
+    qqcrvsave(b, save);
+    b->core.ynoflp = 1;
+    int pos = c.cycpos >= 1 && c.cycpos <= 30 ? c.cycpos : 1;
+    if (c.chncrv == 1 || c.chncrv == 3) qqsetc(b, b->clr.clrcycl[pos - 1]);
+    if (c.chncrv == 2 || c.chncrv == 3) qqsetstyle(b, b->dev.lincycl[pos - 1]);
+    if (c.legpend) {
+        qqlegrecord(b, c.ncrv, -1, c.incmrk >= 0, c.incmrk != 0);
+        c.legpend = 0;
+    }
+}
+
 void curve(const double *xray, const double *yray, int n) noexcept {
     PlotBlock *b = qqpltblk(KX_ENTRY("curve"));
     if (!b) return;
@@ -429,15 +442,7 @@ void qqcurve(PlotBlock *b, const double *xray, const double *yray, int n) noexce
     if (!qqcrvlog(b, m, xray, yray, n)) return;
 
     CurveSave save;
-    qqcrvsave(b, &save);
-    b->core.ynoflp = 1;
-    int pos = c.cycpos >= 1 && c.cycpos <= 30 ? c.cycpos : 1;
-    if (c.chncrv == 1 || c.chncrv == 3) qqsetc(b, b->clr.clrcycl[pos - 1]);
-    if (c.chncrv == 2 || c.chncrv == 3) qqsetstyle(b, b->dev.lincycl[pos - 1]);
-    if (c.legpend) {
-        qqlegrecord(b, c.ncrv, -1, c.incmrk >= 0, c.incmrk != 0);
-        c.legpend = 0;
-    }
+    qqcrvbegin(b, &save);
     int nan0 = b->diag.nnan;
     qqchkd(b, xray, yray, n);
     if ((mode == CRV_SPLI || mode == CRV_PSPL) && b->diag.nnan > nan0)

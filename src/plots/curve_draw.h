@@ -39,6 +39,9 @@ int qqpatcycle(PlotBlock *b, int index) noexcept;
 // Whether shaded areas get an outline.
 bool qqarealine(PlotBlock *b) noexcept;
 
+// The start of a curve: saves what it changes (qqcrvsave), takes the next
+// colour and line style of the cycles and records a pending legend entry.
+void qqcrvbegin(PlotBlock *b, CurveSave *save) noexcept;
 // curve without its guard, for routines that draw a curve of their own.
 void qqcurve(PlotBlock *b, const double *x, const double *y, int n) noexcept;
 bool qqcrvlog(PlotBlock *b, const AxisMap &m, const double *x, const double *y, int n) noexcept;
