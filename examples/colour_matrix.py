@@ -96,7 +96,8 @@ def draw(device="PNG", filename="colour_matrix.png"):
     k.axspos(2010, 880)
     k.ax3len(600, 600, 600)
     k.widbar(50)
-    k.shdmod("SMOO", "SURFACE")
+    # Smooth shading needs pixels; a vector file gets flat triangles.
+    k.shdmod("SMOO" if device.upper() in ("PNG", "PS", "EPS", "PDF") else "FLAT", "SURFACE")
     x, y, z, i1, i2, i3 = disk()
     k.graf3(-1.0, 1.0, -1.0, 0.5, -1.0, 1.0, -1.0, 0.5, -1.5, 1.5, -1.5, 0.5)
     k.crvtri(x, y, z, len(x), i1, i2, i3, len(i1))

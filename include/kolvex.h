@@ -407,6 +407,7 @@ KOLVEX_API void fbars(const double *xray, const double *y1ray, const double *y2r
 
 /* Area fill, polygon clipping and patterns */
 KOLVEX_API void areaf(const int *nxray, const int *nyray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void connpt(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API void mypat(int iang, int itype, int idens, int icross) KOLVEX_NOEXCEPT;
 KOLVEX_API void noarln(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void nofill(void) KOLVEX_NOEXCEPT;
@@ -445,6 +446,7 @@ KOLVEX_API void conmod(double xfac, double xquot) KOLVEX_NOEXCEPT;
 KOLVEX_API void conpts(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev, double *xpts, double *ypts, int maxpts, int *nptray, int maxlin, int *nlins) KOLVEX_NOEXCEPT;
 KOLVEX_API void contur2(const double *xmat, const double *ymat, const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
 KOLVEX_API void contur(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev) KOLVEX_NOEXCEPT;
+KOLVEX_API void strtpt(double x, double y) KOLVEX_NOEXCEPT;
 
 /* Colour matrix plots */
 KOLVEX_API void autres(int ixdim, int iydim) KOLVEX_NOEXCEPT;

@@ -162,14 +162,33 @@ def test_quadrilaterals_and_triangles_flat_and_smooth(capfd):
     assert im.getpixel(left)[0] < 40 and im.getpixel(right)[0] > 215
     row = [im.getpixel((px, left[1]))[0] for px in range(left[0], right[0] + 1)]
     assert all(b >= a for a, b in zip(row, row[1:]))
+    # A vector file cannot hold the colour-number shading: warning 40 and
+    # nothing drawn.
     session("SVG", "c.svg")
     kolvex.unit(6)
     kolvex.shdmod("SMOO", "SURFACE")
+    kolvex.nobar()
+    kolvex.nograf()
     graf3()
     kolvex.crvqdr(x, y, z, 8)
     kolvex.endgrf()
+    kolvex.kolfin()
     assert " <<<< Warning 40: File format and output device are incompatible in crvqdr!" in warnings_of(capfd)
+    svg = open("c.svg").read()
+    assert not any(tag in svg for tag in ("<line", "<path", "<polygon", "<rect"))
     kolvex.shdmod("FLAT", "SURFACE")
+
+
+def test_autres_refuses_the_magnitude(capfd):
+    session()
+    kolvex.unit(6)
+    kolvex.autres(-1, 5)
+    kolvex.autres(20, -10001)
+    kolvex.autres(4, 3)
+    assert warnings_of(capfd) == [
+        " <<<< Warning 2: Incorrect parameter in autres!   ( 1)",
+        " <<<< Warning 2: Incorrect parameter in autres!   ( 10001)",
+    ]
 
 
 def bar_pieces(colour):

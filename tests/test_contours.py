@@ -237,3 +237,26 @@ def test_automatic_digits_and_thick_lines_label_once():
     one, three = read_plog("a.met", text_colour), read_plog("b.met", text_colour)
     assert one and one == three
     assert len(read_plog("b.met", colours[0])) == 3 * len(read_plog("a.met", colours[0]))
+
+
+def test_conmat_runs_from_the_start_of_a_falling_axis():
+    # The matrix's first row belongs to the axis's start, here its right end.
+    x, y, z = grid(f=lambda X, Y: (X + 2) ** 2 + Y)
+    pages = []
+    for name, explicit in (("a.met", True), ("b.met", False)):
+        kolvex.metafl("PLOG")
+        kolvex.setfil(name)
+        kolvex.filmod("DELE")
+        kolvex.kolini()
+        kolvex.unit(0)
+        test_curves.kolvex_page = kolvex.getpag()
+        kolvex.nograf()
+        kolvex.graf(2.0, -2.0, 2.0, -1.0, -1.5, 1.5, -1.5, 0.5)
+        if explicit:
+            kolvex.contur(x[::-1].copy(), len(x), y, len(y), z, 3.0)
+        else:
+            kolvex.conmat(z, len(x), len(y), 3.0)
+        kolvex.endgrf()
+        kolvex.kolfin()
+        pages.append(read_plog(name))
+    assert len(pages[0]) == 1 and np.allclose(pages[0], pages[1], atol=1.0)

@@ -323,3 +323,27 @@ def test_rlarea_fills_in_user_coordinates_cut_to_the_axis_system():
     assert np.minimum(hatch[:, 0], hatch[:, 2]) == pytest.approx(x0, abs=1e-3)
     # Cut at the axis system's right edge.
     assert np.maximum(hatch[:, 0], hatch[:, 2]) == pytest.approx(x1, abs=1.01)
+
+
+def test_strtpt_and_connpt_draw_as_line_does():
+    # The same dashed lines by line and by the pen, with the page origin at
+    # the bottom as well: the two files are the same.
+    pages = []
+    for name in ("a.met", "b.met"):
+        kolvex.metafl("PLOG")
+        kolvex.setfil(name)
+        kolvex.filmod("DELE")
+        kolvex.pagorg("BOTT")
+        kolvex.kolini()
+        kolvex.dash()
+        if name == "a.met":
+            kolvex.line(100, 300, 1900, 900)
+            kolvex.line(1900, 900, 2500, 200)
+        else:
+            kolvex.strtpt(100, 300)
+            kolvex.connpt(1900, 900)
+            kolvex.strtpt(1900, 900)
+            kolvex.connpt(2500, 200)
+        kolvex.kolfin()
+        pages.append(open(name).read())
+    assert pages[0] == pages[1] and pages[0].count("\n") > 20

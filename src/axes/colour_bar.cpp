@@ -68,7 +68,8 @@ AxisCall bar_axis(const AxesBlock *b, int bx, int by) {
     c.axis = 2;
     c.a = e0;
     c.e = e1;
-    c.orl = e0 != r.a[2] ? e0 : r.orl[2];
+    // Whole decades give the axis its start and its first label as well.
+    c.orl = r.log[2] && ax.expzlb != 0 ? e0 : r.orl[2];
     c.step = r.stp[2];
     c.len = ax.nlen[2];
     c.logax = r.log[2];

@@ -505,14 +505,7 @@ void autres(int ixdim, int iydim) noexcept {
     // Sizes by magnitude; the most negative int has none and is refused below.
     auto mag = [](int v) { return v == INT_MIN ? 0 : (v < 0 ? -v : v); };
     int nx = mag(ixdim), ny = mag(iydim);
-    if (nx < 2 || nx > 10000) {
-        qqwarn(b, 2, ixdim);
-        return;
-    }
-    if (ny < 2 || ny > 10000) {
-        qqwarn(b, 2, iydim);
-        return;
-    }
+    if (qqchki(b, nx, 2, 10000) || qqchki(b, ny, 2, 10000)) return;
     ax.resmod = mode;
     ax.autrx = nx;
     ax.autry = ny;

@@ -252,10 +252,10 @@ void paint_polygons(FieldBlock *b, const Polygons &pg) {
     bool smooth = cp.shade == 1 && !only;
     int kind = qqdevkind(b);
     if (smooth && kind != QQ_KIND_SCREEN && kind != QQ_KIND_PAGE && kind != QQ_KIND_RASTER) {
-        // The colour-number shading needs pixels; a vector file gets the
-        // flat colours instead, after the warning.
+        // The colour-number shading needs the pixels of a z-buffer, which a
+        // vector file cannot have: nothing is drawn, as for a surface.
         qqwar0(b, 40);
-        smooth = false;
+        return;
     }
     qqclip(b, 0);
     int saved = b->clr.curclr;

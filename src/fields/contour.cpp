@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "axes/axes.h"
 #include "core/guard.h"
 #include "core/warnings.h"
 #include "devices/device.h"
@@ -190,22 +191,27 @@ void contur2(const double *xmat, const double *ymat, const double *zmat, int n, 
 void conmat(const double *zmat, int n, int m, double zlev) noexcept {
     FieldBlock *b = qqfldblk(KX_ENTRY("conmat"));
     if (!b || !grid_size(b, n, m)) return;
-    AxisMap am;
-    if (!qqaxmap(b, &am)) return;
+    // The matrix runs from the start of each axis to its end, so that on a
+    // falling axis its first row still lies at the axis's start.
+    const ScaleRecord &r = b->ax.rec;
+    double lim[2][2];
+    for (int k = 0; k < 2; ++k) {
+        lim[k][0] = r.log[k] ? std::pow(10.0, r.a[k]) : r.a[k];
+        lim[k][1] = r.log[k] ? std::pow(10.0, r.e[k]) : r.e[k];
+    }
     double *x = (double *)std::malloc(sizeof(double) * ((size_t)n + (size_t)m));
     if (!x) {
         qqwar0(b, 53);
         return;
     }
     double *y = x + n;
-    // The extent of sursze, else the range of the axes.
-    double xa = am.xlow, xe = am.xhigh, ya = am.ylow, ye = am.yhigh;
+    // The extent of sursze, else the axes from start to end.
     if (b->cpl.sszset) {
-        const double *e = b->cpl.ssz;
-        xa = e[0], xe = e[1], ya = e[2], ye = e[3];
+        const double *ext = b->cpl.ssz;
+        lim[0][0] = ext[0], lim[0][1] = ext[1], lim[1][0] = ext[2], lim[1][1] = ext[3];
     }
-    for (int i = 0; i < n; ++i) x[i] = xa + i * (xe - xa) / (n - 1);
-    for (int j = 0; j < m; ++j) y[j] = ya + j * (ye - ya) / (m - 1);
+    for (int i = 0; i < n; ++i) x[i] = lim[0][0] + i * (lim[0][1] - lim[0][0]) / (n - 1);
+    for (int j = 0; j < m; ++j) y[j] = lim[1][0] + j * (lim[1][1] - lim[1][0]) / (m - 1);
     ConGrid g{x, y, zmat, n, m, false};
     draw_level(b, &g, nullptr, nullptr, 0, zlev);
     std::free(x);

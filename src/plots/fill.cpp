@@ -210,14 +210,23 @@ void qqframe(PlotBlock *b, int x, int y, int w, int h, int t, double angle, int 
         }
         qqflsh(b);
     } else {
-        int m = (int)std::trunc(at * b->core.unitf + 0.5);
-        if (m < 1) m = 1;
+        double mm = std::trunc(at * b->core.unitf + 0.5);
+        int m = mm >= INT_MAX ? INT_MAX : mm < 1 ? 1 : (int)mm;
         bool turn = std::fabs(angle) > 0.001;
         double c = std::cos(angle * kDegree), sn = std::sin(angle * kDegree);
-        for (int i = 0; i < m; ++i) {
+        if (!turn) c = 1, sn = 0;
+        // The page in the frame's own axes u, v: where each side can touch it.
+        double page[4], lu, hu, lv, hv;
+        qqpagebox(b, page);
+        qqpagespan(page, x, y, c, -sn, &lu, &hu);
+        qqpagespan(page, x, y, sn, c, &lv, &hv);
+        const double w1 = w - 1.0, h1 = h - 1.0;
+        const double lo[4] = {-hu, lu - w1, -hv, lv - h1};
+        const double hi[4] = {-lu, hu - w1, -lv, hv - h1};
+        qqframesteps(t < 0 ? -m : m, lo, hi, 4, [&](int i) {
             double e = t > 0 ? i : -i;
-            const double px[5] = {-e, w - 1 + e, w - 1 + e, -e, -e};
-            const double py[5] = {-e, -e, h - 1 + e, h - 1 + e, -e};
+            const double px[5] = {-e, w1 + e, w1 + e, -e, -e};
+            const double py[5] = {-e, -e, h1 + e, h1 + e, -e};
             for (int k = 0; k < 5; ++k) {
                 double u = px[k], v = py[k];
                 if (turn) {
@@ -230,11 +239,31 @@ void qqframe(PlotBlock *b, int x, int y, int w, int h, int t, double angle, int 
                 else
                     qqdraw(b, x + u, y + v);
             }
-        }
+        });
         qqflsh(b);
     }
     qqdshback(b, &saved);
     if (b->clr.curclr != old) qqsetc(b, old);
+}
+
+void qqpagebox(const PlotBlock *b, double box[4]) noexcept {
+    const DeviceState &d = b->dev;
+    double mx = std::fabs((double)d.nxsh) + 1, my = std::fabs((double)d.nysh) + 1;
+    box[0] = -mx;
+    box[1] = -my;
+    box[2] = b->core.nxp + mx;
+    box[3] = b->core.nyp + my;
+}
+
+void qqpagespan(const double box[4], double cx, double cy, double nx, double ny, double *lo,
+                double *hi) noexcept {
+    *lo = 1e300;
+    *hi = -1e300;
+    for (int k = 0; k < 4; ++k) {
+        double v = nx * (box[k & 1 ? 2 : 0] - cx) + ny * (box[k & 2 ? 3 : 1] - cy);
+        *lo = v < *lo ? v : *lo;
+        *hi = v > *hi ? v : *hi;
+    }
 }
 
 void areaf(const int *nxray, const int *nyray, int n) noexcept {
@@ -323,6 +352,18 @@ void xmove(double x, double y) noexcept {
 void xdraw(double x, double y) noexcept {
     PlotBlock *b = qqpltblk(KX_ENTRY("xdraw"));
     if (b) plain_pen(b, [&] { qqdraw(b, x, qqyflp(b, y)); });
+}
+
+// The same pen with the current line style: the dash pattern and the
+// offset of thick lines apply.
+void strtpt(double x, double y) noexcept {
+    PlotBlock *b = qqpltblk(KX_ENTRY("strtpt"));
+    if (b) qqmove(b, x, qqyflp(b, y));
+}
+
+void connpt(double x, double y) noexcept {
+    PlotBlock *b = qqpltblk(KX_ENTRY("connpt"));
+    if (b) qqdraw(b, x, qqyflp(b, y));
 }
 
 #if __has_include("axes/axes.h")

@@ -551,15 +551,28 @@ int frame_of(PlotBlock *b) {
     return b->shl.kind == 0 ? b->ax.frmthk : 0;
 }
 
+// The distance of (x, y) from the middle of the page and the page's half
+// diagonal: a circle about (x, y) can touch the page only while its radius
+// lies within the half diagonal of that distance.
+void page_reach(PlotBlock *b, double x, double y, double *dist, double *half) {
+    double page[4];
+    qqpagebox(b, page);
+    double mx = 0.5 * (page[0] + page[2]), my = 0.5 * (page[1] + page[3]);
+    *dist = std::hypot(x - mx, y - my);
+    *half = 0.5 * std::hypot(page[2] - page[0], page[3] - page[1]);
+}
+
 // |t| ellipses about (x, y), each semi-axis grown (or, for t below 0,
 // shrunk) by i; a circle has a equal to b.
 void frame_ellipse(PlotBlock *b, double x, double y, double a, double bb, double angle, int t) {
     FrameScope scope(b);
     double c = std::cos(angle), sn = std::sin(angle);
-    int m = t < 0 ? -t : t;
-    for (int i = 0; i < m; ++i) {
+    double dist, half;
+    page_reach(b, x, y, &dist, &half);
+    const double lo = dist - half - std::max(a, bb), hi = dist + half - std::min(a, bb);
+    qqframesteps(t, &lo, &hi, 1, [&](int i) {
         double e = t > 0 ? i : -i, ra = a + e, rb = bb + e;
-        if (ra <= 0 || rb <= 0) break;
+        if (ra <= 0 || rb <= 0) return;
         int steps = std::max(16, std::min(720, (int)(std::max(ra, rb) * 0.5)));
         for (int k = 0; k <= steps; ++k) {
             double p = 2 * kPi * k / steps, u = ra * std::cos(p), v = -rb * std::sin(p);
@@ -569,7 +582,7 @@ void frame_ellipse(PlotBlock *b, double x, double y, double a, double bb, double
             else
                 qqdraw(b, px, py);
         }
-    }
+    });
 }
 
 // |t| frames round a pie sector of radius r from angle a0 to a1 (radians,
@@ -580,10 +593,16 @@ void frame_ellipse(PlotBlock *b, double x, double y, double a, double bb, double
 void frame_pie(PlotBlock *b, double x, double y, double r, double a0, double a1, int t) {
     FrameScope scope(b);
     if (a1 < a0) a1 += 2 * kPi;
-    int m = t < 0 ? -t : t;
-    for (int i = 0; i < m; ++i) {
+    // The arc, and the two radial lines moved along their normals.
+    double dist, half, page[4], lo[3], hi[3];
+    page_reach(b, x, y, &dist, &half);
+    qqpagebox(b, page);
+    lo[0] = dist - half - r, hi[0] = dist + half - r;
+    qqpagespan(page, x, y, std::sin(a0), std::cos(a0), &lo[1], &hi[1]);
+    qqpagespan(page, x, y, -std::sin(a1), -std::cos(a1), &lo[2], &hi[2]);
+    qqframesteps(t, lo, hi, 3, [&](int i) {
         double e = t > 0 ? i : -i, R = r + e;
-        if (R <= 0) break;
+        if (R <= 0) return;
         double da = e / r, s0 = a0 - da, s1 = a1 + da;
         double uax = std::cos(a0), uay = -std::sin(a0), ubx = std::cos(a1), uby = -std::sin(a1);
         // Outward normals of the two edges.
@@ -603,7 +622,7 @@ void frame_pie(PlotBlock *b, double x, double y, double r, double a0, double a1,
             qqdraw(b, x + R * std::cos(p), y - R * std::sin(p));
         }
         qqdraw(b, ix, iy);
-    }
+    });
 }
 
 // |t| polygons at the distances 0, 1, ... outside the polygon v of m
@@ -616,8 +635,19 @@ void frame_polygon(PlotBlock *b, const double *v, int m, int t) {
         area += v[2 * j] * v[2 * k + 1] - v[2 * k] * v[2 * j + 1];
     }
     double turn = area > 0 ? 1.0 : -1.0;
-    int n = t < 0 ? -t : t;
-    for (int i = 0; i < n; ++i) {
+    // Each edge, moved along its outward normal, meets the page only while
+    // the distance lies within the page's span along that normal.
+    double page[4], lo[2000], hi[2000];
+    qqpagebox(b, page);
+    int ne = 0;
+    for (int j = 0; j < m && ne < 2000; ++j) {
+        int p = (j + m - 1) % m;
+        double ex = v[2 * j] - v[2 * p], ey = v[2 * j + 1] - v[2 * p + 1], l = std::hypot(ex, ey);
+        if (l == 0) continue;
+        qqpagespan(page, v[2 * j], v[2 * j + 1], turn * ey / l, -turn * ex / l, &lo[ne], &hi[ne]);
+        ++ne;
+    }
+    qqframesteps(t, lo, hi, ne, [&](int i) {
         double d = t > 0 ? i : -i;
         for (int j = 0; j <= m; ++j) {
             int c = j % m, p = (c + m - 1) % m, q = (c + 1) % m;
@@ -634,7 +664,7 @@ void frame_polygon(PlotBlock *b, const double *v, int m, int t) {
             else
                 qqdraw(b, x + d * ox, y + d * oy);
         }
-    }
+    });
 }
 
 }  // namespace
