@@ -424,6 +424,32 @@ KOLVEX_API void shlres(int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void shlsur(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void shlvis(int id, const char *cvis) KOLVEX_NOEXCEPT;
 
+/* Geometric figures */
+KOLVEX_API void arcell(int nx, int ny, int na, int nb, double alpha, double beta, double theta) KOLVEX_NOEXCEPT;
+KOLVEX_API void circ3p(double x1, double y1, double x2, double y2, double x3, double y3, double *xm, double *ym, double *r) KOLVEX_NOEXCEPT;
+KOLVEX_API void circle(int nx, int ny, int nr) KOLVEX_NOEXCEPT;
+KOLVEX_API void circsp(int nspc) KOLVEX_NOEXCEPT;
+KOLVEX_API void connpt(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void ellips(int nx, int ny, int na, int nb) KOLVEX_NOEXCEPT;
+KOLVEX_API void pie(int nx, int ny, int nr, double alpha, double beta) KOLVEX_NOEXCEPT;
+KOLVEX_API void point(int nx, int ny, int nb, int nh, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlarc(double x, double y, double a, double bb, double alpha, double beta, double theta) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlcirc(double x, double y, double r) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlconn(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlell(double x, double y, double a, double bb) KOLVEX_NOEXCEPT;
+KOLVEX_API void rline(double x1, double y1, double x2, double y2) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlpie(double x, double y, double r, double alpha, double beta) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlpoin(double x, double y, int nw, int nh, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlrec(double x, double y, double w, double h) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlrnd(double x, double y, double w, double h, int iopt) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlsec(double x, double y, double r1, double r2, double alpha, double beta, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlstrt(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlwind(double xvel, double x, double y, int nw, double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API void rndrec(int nx, int ny, int nw, int nh, int iopt) KOLVEX_NOEXCEPT;
+KOLVEX_API void sector(int nx, int ny, int nr1, int nr2, double alpha, double beta, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void strtpt(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void windbr(double xvel, int nx, int ny, int nw, double angle) KOLVEX_NOEXCEPT;
+
 /* Contour lines */
 KOLVEX_API void conclr(const int *nclray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void concrv(const double *xray, const double *yray, int n, double zlev) KOLVEX_NOEXCEPT;

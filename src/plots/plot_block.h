@@ -10,6 +10,7 @@
 #include "axes/axes_block.h"
 #include "plots/bar_state.h"
 #include "plots/curve_state.h"
+#include "plots/figure_state.h"
 #include "plots/shield_state.h"
 #include "plots/style_state.h"
 #include "plots/zscale_state.h"
@@ -21,6 +22,7 @@ struct PlotBlock : AxesBlock {
     ShieldState shl;  // shield regions
     BarState bar;     // bar graph settings and counters
     ZScaleState zsc;  // the z colour scale
+    FigureState fig;  // the circle step of the arc engine
 };
 
 inline PlotBlock *qqpltblk(CoreBlock *b) noexcept {
