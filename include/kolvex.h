@@ -394,6 +394,20 @@ KOLVEX_API void bars3d(const double *xray, const double *yray, const double *z1r
 KOLVEX_API void chnbar(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void fbars(const double *xray, const double *y1ray, const double *y2ray, const double *y3ray, const double *y4ray, int n) KOLVEX_NOEXCEPT;
 
+/* Pies */
+KOLVEX_API void chnpie(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void piebor(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void piecbk(void (*callback)(int, double, double, int *, int *, double *, int *, int *, int *, int *)) KOLVEX_NOEXCEPT;
+KOLVEX_API void pieclr(const int *nc1ray, const int *nc2ray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void pieexp(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void piegrf(const char *cbuf, int nlin, const double *xray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void pielab(const char *clab, const char *cpos) KOLVEX_NOEXCEPT;
+KOLVEX_API void pieopt(double xf, double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API void pierot(double xrot) KOLVEX_NOEXCEPT;
+KOLVEX_API void pietyp(const char *ctyp) KOLVEX_NOEXCEPT;
+KOLVEX_API void pieval(double x, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void pievec(int ivec, const char *copt) KOLVEX_NOEXCEPT;
+
 /* Area fill, polygon clipping and patterns */
 KOLVEX_API void areaf(const int *nxray, const int *nyray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void mypat(int iang, int itype, int idens, int icross) KOLVEX_NOEXCEPT;

@@ -11,6 +11,7 @@
 #include "plots/bar_state.h"
 #include "plots/curve_state.h"
 #include "plots/figure_state.h"
+#include "plots/pie_state.h"
 #include "plots/shield_state.h"
 #include "plots/style_state.h"
 #include "plots/zscale_state.h"
@@ -23,6 +24,7 @@ struct PlotBlock : AxesBlock {
     BarState bar;     // bar graph settings and counters
     ZScaleState zsc;  // the z colour scale
     FigureState fig;  // the circle step of the arc engine
+    PieState pie;     // pie chart settings
 };
 
 inline PlotBlock *qqpltblk(CoreBlock *b) noexcept {
