@@ -330,12 +330,17 @@ void draw_pie(PlotBlock *b, const char *cbuf, int nlin, const double *xray, int 
                     write_label(b, g, L, bx, by, left);
                     if (g.f != 0) qqframe(b, bx, by, L.tw, L.th, g.f, 0, -1);
                     double ex = left ? bx + L.tw - 1 : bx, ey = by + L.th / 2.0;
-                    // leaders are drawn plain: vector arrows are not built yet
                     if (p.leader == 0) {
-                        qqline(b, Px, Py, Cx, Cy);
+                        if (b->fig.arrow)
+                            b->fig.arrow(b, Px, Py, Cx, Cy, p.arrow);
+                        else
+                            qqline(b, Px, Py, Cx, Cy);
                         qqline(b, ex, ey, Px, Py);
                     } else if (p.leader == 1) {
-                        qqline(b, ex, ey, Cx, Cy);
+                        if (b->fig.arrow)
+                            b->fig.arrow(b, ex, ey, Cx, Cy, p.arrow);
+                        else
+                            qqline(b, ex, ey, Cx, Cy);
                     }
                 }
             }
