@@ -160,7 +160,7 @@ void piecbk_trampoline(int iseg, double xdat, double xper, int *nrad, int *noff,
     PyGILState_STATE gil = PyGILState_Ensure();
     PyObject *fn = pypiefn;
     Py_INCREF(fn);
-    PyObject *r = PyObject_CallFunction(fn, "iddiididiii", iseg, xdat, xper, *nrad, *noff, *angle,
+    PyObject *r = PyObject_CallFunction(fn, "iddiidiiii", iseg, xdat, xper, *nrad, *noff, *angle,
                                         *nvx, *nvy, *idrw, *iann);
     Py_DECREF(fn);
     if (!r) {
