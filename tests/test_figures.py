@@ -62,8 +62,13 @@ def test_ellipse_points_and_user_circle_in_an_axis_system():
         kolvex.axslen(2001, 1001)
         kolvex.graf(0.0, 20.0, 0.0, 5.0, 0.0, 10.0, 0.0, 5.0)
         kolvex.rlcirc(10.0, 5.0, 2.0)   # 200 plot units
+        kolvex.rlstrt(2.0, 1.0)
+        kolvex.rlconn(10.0, 1.0)
+        kolvex.rlconn(18.0, 9.0)
         kolvex.endgrf()
     segs = drawn(user, "u.met")
+    pen = [tuple(np.round(s)) for s in segs]
+    assert (700, 1700, 1500, 1700) in pen and (1500, 1700, 2300, 900) in pen
     circ = segs[np.hypot(segs[:, 0] - 1500, segs[:, 1] - 1300) < 260]
     assert np.allclose(radii(circ, 1500, 1300), 200, atol=0.6)
 

@@ -147,14 +147,8 @@ void ring_sector(PlotBlock *b, double x, double y, int r1, int r2, double alpha,
         qqwar0(b, 7);
         return;
     }
-    DeviceState &d = b->dev;
-    int code = b->core.devcod;
-    if (code >= 501 && code <= 600 && code != 511 && d.drv && d.drv->sector) {
-        // the page description draws the ring itself, whatever its span
-        qqflsh(b);
-        d.drv->sector(b, x + d.nxsh, y + d.nysh, r1, r2, alpha, beta, colour & 255);
-        return;
-    }
+    // a page description draws the ring itself, whatever its span
+    if (qqhwsector(b, x, y, r1, r2, alpha, beta, colour & 255)) return;
     double end = beta - alpha > 360 ? alpha + 360 : beta;
     double px[SECPTS], py[SECPTS];
     int n = 0;
@@ -342,6 +336,16 @@ void user_point(PlotBlock *b, double x, double y, double *px, double *py) {
     qqpos2(b, x, y, px, py);
 }
 
+// The corners (x, y) and (x + w, y - h) of a user rectangle, tested as a
+// curve's points and in plot coordinates.
+void user_box(PlotBlock *b, double x, double y, double w, double h, double *x1, double *y1,
+              double *x2, double *y2) {
+    double ux[2] = {x, x + w}, uy[2] = {y, y - h};
+    qqchkd(b, ux, uy, 2);
+    qqpos2(b, x, y, x1, y1);
+    qqpos2(b, x + w, y - h, x2, y2);
+}
+
 void figures_init(CoreBlock *blk) {
     PlotBlock *b = qqpltblk(blk);
     b->fig.crcstp = 10.0 / (b->core.unitf > 0 ? b->core.unitf : 1.0);
@@ -466,11 +470,8 @@ void rlsec(double x, double y, double r1, double r2, double alpha, double beta, 
 void rlrec(double x, double y, double w, double h) noexcept {
     PlotBlock *b = qqpltblk(KX_ENTRY("rlrec"));
     if (!b) return;
-    double ux[2] = {x, x + w}, uy[2] = {y, y - h};
-    qqchkd(b, ux, uy, 2);
     double x1, y1, x2, y2;
-    qqpos2(b, x, y, &x1, &y1);
-    qqpos2(b, x + w, y - h, &x2, &y2);
+    user_box(b, x, y, w, h, &x1, &y1, &x2, &y2);
     double px[4] = {x1, x1, x2, x2}, py[4] = {y1, y2, y2, y1};
     qqclip(b, 0);
     qqtprfig(b, 1);
@@ -482,11 +483,8 @@ void rlrec(double x, double y, double w, double h) noexcept {
 void rlrnd(double x, double y, double w, double h, int iopt) noexcept {
     PlotBlock *b = qqpltblk(KX_ENTRY("rlrnd"));
     if (!b) return;
-    double ux[2] = {x, x + w}, uy[2] = {y, y - h};
-    qqchkd(b, ux, uy, 2);
     double x1, y1, x2, y2;
-    qqpos2(b, x, y, &x1, &y1);
-    qqpos2(b, x + w, y - h, &x2, &y2);
+    user_box(b, x, y, w, h, &x1, &y1, &x2, &y2);
     // the page form measures from the top edge before the page flip
     int left = (int)std::trunc((x1 < x2 ? x1 : x2) + 0.5);
     int top = (int)std::trunc((y1 < y2 ? y1 : y2) + 0.5);
@@ -536,9 +534,8 @@ void rlwind(double xvel, double x, double y, int nw, double angle) noexcept {
 void rlstrt(double x, double y) noexcept {
     PlotBlock *b = qqpltblk(KX_ENTRY("rlstrt"));
     if (!b) return;
-    double px, py;
-    user_point(b, x, y, &px, &py);
-    qqmove(b, px, py);
+    user_point(b, x, y, &b->fig.penx, &b->fig.peny);
+    qqmove(b, b->fig.penx, b->fig.peny);
 }
 
 void rlconn(double x, double y) noexcept {
@@ -546,8 +543,12 @@ void rlconn(double x, double y) noexcept {
     if (!b) return;
     double px, py;
     user_point(b, x, y, &px, &py);
+    // Narrowing the clip window flushes the pen's polyline: the piece
+    // starts again where the last call left the pen.
     qqclip(b, 0);
+    qqmove(b, b->fig.penx, b->fig.peny);
     qqdraw(b, px, py);
-    qqflsh(b);
     qqclip(b, 1);
+    b->fig.penx = px;
+    b->fig.peny = py;
 }

@@ -395,6 +395,7 @@ void draw_pie(PlotBlock *b, const char *cbuf, int nlin, const double *xray, int 
 void piegrf(const char *cbuf, int nlin, const double *xray, int n) noexcept {
     PlotBlock *b = qqpltblk(KX_ENTRY("piegrf"));
     if (!b) return;
+    b->crv.shdarea = 1;  // the legend shows the segments as areas
     if (n < 1) return qqwarn(b, 2, n);
     double sum = 0;
     for (int i = 0; i < n; ++i) sum += std::fabs(xray[i]);
