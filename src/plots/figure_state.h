@@ -4,7 +4,7 @@
 struct PlotBlock;
 
 struct FigureState {
-    double crcstp;  // circle step of the arc engine, plot coordinates
+    double crcstp;      // circle step of the arc engine, plot coordinates
     double penx, peny;  // where rlstrt or rlconn left the pen, plot coordinates
     // One arrow of a vector code in plot coordinates (after the page flip),
     // set by the layer of the vector fields when it is there; the pie's

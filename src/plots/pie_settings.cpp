@@ -18,7 +18,9 @@ void reset_colours(CoreBlock *blk) {
     p.nclr = 0;
     for (int i = 0; i < 30; ++i) p.top[i] = p.rim[i] = -1;
 }
-void reset_explode(CoreBlock *blk) { qqpltblk(blk)->pie.expl = 0; }
+void reset_explode(CoreBlock *blk) {
+    qqpltblk(blk)->pie.expl = 0;
+}
 void reset_labels(CoreBlock *blk) {
     PieState &p = qqpltblk(blk)->pie;
     p.labl[0] = p.labr[0] = '\0';
@@ -28,7 +30,9 @@ void reset_leader(CoreBlock *blk) {
     p.leader = 0;
     p.arrow = 2301;
 }
-void reset_change(CoreBlock *blk) { qqpltblk(blk)->pie.chn = 2; }
+void reset_change(CoreBlock *blk) {
+    qqpltblk(blk)->pie.chn = 2;
+}
 
 void pies_init(CoreBlock *blk) {
     PieState &p = qqpltblk(blk)->pie;

@@ -45,7 +45,9 @@ struct Label {
     int tw, th;
 };
 
-double deg(PlotBlock *b) { return b->core.xdegr; }
+double deg(PlotBlock *b) {
+    return b->core.xdegr;
+}
 
 // One number line of a label box.
 void number_line(PlotBlock *b, double v, int ndig, bool percent, bool blanks, char *out) {
@@ -62,8 +64,8 @@ void number_line(PlotBlock *b, double v, int ndig, bool percent, bool blanks, ch
 
 // The lines of the box of segment i (1 based): buffer lines that are not
 // empty, then the numbers.
-void make_label(PlotBlock *b, const Pie &g, const char *cbuf, int nlin, int i, double v,
-                double pct, Label &L) {
+void make_label(PlotBlock *b, const Pie &g, const char *cbuf, int nlin, int i, double v, double pct,
+                Label &L) {
     L.n = 0;
     const LegendState &lg = b->leg;
     if (cbuf && nlin > 0 && lg.nmaxln > 0) {
@@ -139,8 +141,8 @@ void wall(PlotBlock *b, const Pie &g, double x, double y, double t) {
 }
 
 // Rim and walls of one 3-D segment from s0 to s1 (s1 may pass 360).
-void rim_and_walls(PlotBlock *b, const Pie &g, double x, double y, double s0, double s1,
-                   bool full, bool exploded) {
+void rim_and_walls(PlotBlock *b, const Pie &g, double x, double y, double s0, double s1, bool full,
+                   bool exploded) {
     if (full) {
         rim_strip(b, g, x, y, 180, 360);
     } else {
@@ -234,8 +236,8 @@ void draw_pie(PlotBlock *b, const char *cbuf, int nlin, const double *xray, int 
     g.widest = 0;
     if (place == 2 && (kind != 0 || nlin > 0))
         for (int i = 0; i < n; ++i) {
-            make_label(b, g, cbuf, nlin, i + 1, std::fabs(xray[i]),
-                       std::fabs(xray[i]) * 100 / sum, L);
+            make_label(b, g, cbuf, nlin, i + 1, std::fabs(xray[i]), std::fabs(xray[i]) * 100 / sum,
+                       L);
             if (L.tw > g.widest) g.widest = L.tw;
         }
 
@@ -317,8 +319,8 @@ void draw_pie(PlotBlock *b, const char *cbuf, int nlin, const double *xray, int 
                         Py += down;
                         Cy += down;
                     }
-                    double near = std::fmin(std::fmin(std::fabs(m), std::fabs(m - 180)),
-                                            std::fabs(m - 360));
+                    double near =
+                        std::fmin(std::fmin(std::fabs(m), std::fabs(m - 180)), std::fabs(m - 360));
                     double hk = near <= 10 ? g.d2 / 2.0 : near <= 30 ? 2.0 * g.d2 / 3 : g.d2;
                     double fx;
                     if (place == 2)
