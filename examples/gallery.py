@@ -9,7 +9,7 @@ import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 EXAMPLES = ["demo", "curve_modes", "symbols", "legends", "errors_and_areas", "fill_patterns",
-            "contours", "shields", "bars", "pies", "colour_matrix", "maps"]
+            "contours", "shields", "bars", "pies", "colour_matrix", "maps", "formulas"]
 
 
 def main():

@@ -219,6 +219,11 @@ KOLVEX_API int intutf(const int *iray, int nray, char *cstr, int nmax) KOLVEX_NO
 KOLVEX_API void smxalf(const char *calph, const char *c1, const char *c2, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API int utfint(const char *cstr, int *iray, int nray) KOLVEX_NOEXCEPT;
 
+/* TeX mode */
+KOLVEX_API void texmod(const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void texopt(const char *copt, const char *ctype) KOLVEX_NOEXCEPT;
+KOLVEX_API void texval(double xval, const char *copt) KOLVEX_NOEXCEPT;
+
 /* Numbers as text */
 KOLVEX_API void fcha(double x, int ndig, char *cstr) KOLVEX_NOEXCEPT;
 KOLVEX_API int flen(double x, int ndig) KOLVEX_NOEXCEPT;

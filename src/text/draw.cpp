@@ -289,8 +289,10 @@ void run_string(TextBlock *b) {
     t.smxon = 0;
     double px = t.penx, py = t.peny;
     t.measure = 1;
+    t.texpass = 1;
     int err = t.tex(b, 1);
     t.measure = m;
+    t.texpass = 2;
     if (!m) {
         t.penx = px;
         t.peny = py;
@@ -476,6 +478,10 @@ void draw_string(TextBlock *b, const char *text, int x, int y, bool keep) {
 }
 
 }  // namespace
+
+void qqtxtcode(TextBlock *b, int code) noexcept {
+    draw_code(b, code);
+}
 
 void qqtxtadvance(TextBlock *b, double along) noexcept {
     b->txt.penx += along * b->txt.cosa;

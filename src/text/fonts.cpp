@@ -149,6 +149,8 @@ void qqtxtdefaults(TextBlock *b) noexcept {
     t.shdon = 0;
     t.italdiv = (double)3.732f;
     t.texon = 0;
+    t.tex = qqtexrun;
+    qqtexdefaults(b);
     t.cntlab = 0;
     t.penx = t.peny = 0.0;
     t.smxon = 0;

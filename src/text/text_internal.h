@@ -34,6 +34,9 @@ void qqtxtadvance(TextBlock *b, double along) noexcept;
 void qqtxtup(TextBlock *b, double up) noexcept;
 // Distance of the pen from the string's start along the writing direction.
 double qqtxtalong(TextBlock *b) noexcept;
+// Draws (or measures) one code at the pen in the string's current
+// alphabet, height and vertical offset, and moves the pen behind it.
+void qqtxtcode(TextBlock *b, int code) noexcept;
 // A line below (below > 0) or above the baseline from distance d0 to d1
 // along the writing direction, measured from the string's start.
 void qqtxtrule(TextBlock *b, double d0, double d1, double below) noexcept;
@@ -45,3 +48,9 @@ enum { QQ_OUTLINE_MAX = 200 };
 // shift: contour k holds the points start[k] to start[k + 1] - 1.
 void qqtxtfilloutline(TextBlock *b, const double *x, const double *y, const int *start,
                       int ncont) noexcept;
+
+// tex.cpp
+// Puts the TeX mode settings back to their defaults.
+void qqtexdefaults(TextBlock *b) noexcept;
+// The formula parser of TeX mode (the tex hook of the text state).
+int qqtexrun(TextBlock *b, int measure) noexcept;

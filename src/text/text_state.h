@@ -12,7 +12,7 @@
 struct TextBlock;
 struct GlyphTable;
 
-enum { QQ_NSECT = 6, QQ_NCODES = 256, QQ_NTABS = 20 };
+enum { QQ_NSECT = 6, QQ_NCODES = 256, QQ_NTABS = 20, QQ_TEXMAX = 20 };
 
 // One alphabet section of the selected font.
 struct TextSection {
@@ -106,6 +106,16 @@ struct TextState {
     // texdep for frames.  Null: strings are read as plain text.
     int (*tex)(TextBlock *b, int measure);
     double texhgt, texdep;
+    int texpass;             // 1 the run that fills the tables, 2 the one that reads them
+    // TeX mode settings
+    int texlim, texital, texbrac;   // limits above and below, math italics, bracket alphabet
+    double texexp, texh1br, texh2br, texvbra, texwbra, texoper;
+    // Geometry that the first run of a formula measures for the second,
+    // kept by the running number of each construct.
+    double texlimw[2][QQ_TEXMAX];    // upper and lower limit widths
+    double texfrac[5][QQ_TEXMAX];    // numerator, denominator width, numerator depth,
+                                     // denominator height, bar
+    double texbrk[2][QQ_TEXMAX];     // top and bottom of bracket contents
     // Set while texts are shielded: receives the box of each string drawn
     // (four corners in plot coordinates, origin shift not added), after the
     // string, so that the text itself is not cut.
