@@ -68,19 +68,29 @@ def test_warnings_off_still_counts_them(capfd):
     assert banner(out)[2].startswith(" <<  Vectors : 0           Warnings: 2  ")
 
 
-def test_out_of_scaling_lines_keep_quiet_with_the_warnings(capfd, tmp_path):
+def test_out_of_scaling_lines_are_protocol_not_warnings(capfd, tmp_path):
+    # The lines are neither counted nor stopped by errmod("WARN", "OFF");
+    # the check's own switch and unit(0) stop them.
+    line = " <<<< (  2.0000e+00 /  5.0000e-01) out of axis scaling in curve!\n"
     kolvex.metafl("PLOG")
     kolvex.setfil(str(tmp_path / "o.met"))
     kolvex.kolini()
     kolvex.nograf()
     kolvex.graf(0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0)
-    kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
-    assert "(  2.0000e+00 /  5.0000e-01) out of axis scaling in curve!" in capfd.readouterr().out
     kolvex.errmod("WARN", "OFF")
     kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
-    kolvex.errmod("PROT", "OFF")
+    assert capfd.readouterr().out == line
+    kolvex.errmod("CHEC", "OFF")
+    kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
+    kolvex.errmod("CHEC", "ON")
+    kolvex.unit(0)
+    kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
+    kolvex.unit(6)
+    kolvex.endgrf()
     kolvex.kolfin()
-    assert "out of axis scaling" not in capfd.readouterr().out
+    out = capfd.readouterr().out
+    assert "out of axis scaling" not in out
+    assert " <<  Vectors : " in out and "Warnings: 0 " in out
 
 def test_errmod_before_kolini_is_lost_at_kolini(capfd):
     kolvex.errmod("ALL", "OFF")  # the soft guard reports the level and stores

@@ -302,3 +302,16 @@ def test_delglb_inside_a_session_does_nothing(capfd):
     kolvex.delglb()
     kolvex.delglb()  # no block: nothing to free
     assert kolvex.getlev() == 0
+
+
+def test_getdsp_names_a_display_only_where_a_screen_session_could_open(monkeypatch, capfd):
+    # A display is configured; whether a screen session opens on it is the
+    # build's answer, and getdsp must give the same one.
+    monkeypatch.setenv("DISPLAY", ":0")
+    kolvex.metafl("XWIN")
+    kolvex.kolini()
+    opened = kolvex.getlev() == 1
+    if opened:
+        kolvex.kolfin()
+    unavailable = "not available in this build" in capfd.readouterr().out
+    assert (kolvex.getdsp() == "NONE") == unavailable

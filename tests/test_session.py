@@ -387,6 +387,13 @@ def test_reset_takes_only_names_that_a_subsystem_answers(capfd):
     assert warnings_of(capfd.readouterr().out) == [" <<<< Warning 2: Incorrect parameter in reset!   (SURVIS)"]
 
 
+def test_reset_answers_the_settings_of_included_files_views_and_z_scale(capfd):
+    kolvex.kolini()
+    for name in ("filbox", "FILCLR", "zscale", "view3d", "flab3d"):
+        kolvex.reset(name)
+    assert warnings_of(capfd.readouterr().out) == []
+
+
 @pytest.mark.parametrize("word", ["", "AL", "ALLE", "TICX", "RESET", " ALL"])
 def test_reset_refuses_unknown_words(word, capfd):
     kolvex.kolini()
@@ -519,3 +526,24 @@ def test_symfil_reads_no_file_name_as_a_command(fake_driver):
     assert not os.path.exists("INJECTED") and not os.path.exists("INJECTED2")
     args = fake_driver.read_text().split("\n")
     assert args[1] == name and args[-2] == "V=" + table
+
+
+def test_parameter_getters_give_the_settings(capfd):
+    kolvex.kolini()
+    kolvex.angle(30)
+    kolvex.height(50)
+    kolvex.hname(44)
+    kolvex.labdis(11, "XZ")
+    kolvex.namdis(22, "Y")
+    kolvex.marker(5)
+    kolvex.hsymbl(33)
+    kolvex.ticlen(40, 20)
+    assert (kolvex.getang(), kolvex.gethgt(), kolvex.gethnm()) == (30, 50, 44)
+    assert kolvex.getsp1()[::2] == (11, 11) and kolvex.getsp2()[1] == 22
+    assert (kolvex.getsym(), kolvex.gettcl()) == ((5, 33), (40, 20))
+    kolvex.color("RED")
+    assert kolvex.getlit(0.0, 0.0, 0.0, 0.0, 0.0, 1.0) == kolvex.getclr()  # lights off
+    kolvex.unit(0)
+    kolvex.kolfin()
+    assert kolvex.getang() == 0  # levels 1 to 3
+    assert "Incorrect level in getang!" in capfd.readouterr().out

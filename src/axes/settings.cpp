@@ -556,3 +556,34 @@ int getwid() noexcept {
     AxesBlock *b = qqaxsblk(KX_ENTRY("getwid"));
     return b ? b->ax.widbar : 0;
 }
+
+int gethnm() noexcept {
+    AxesBlock *b = qqaxsblk(KX_ENTRY("gethnm"));
+    return b ? b->ax.hname : 0;
+}
+
+void getsp1(int *nxdis, int *nydis, int *nzdis) noexcept {
+    *nxdis = *nydis = *nzdis = 0;
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getsp1"));
+    if (!b) return;
+    *nxdis = b->ax.labdis[0];
+    *nydis = b->ax.labdis[1];
+    *nzdis = b->ax.labdis[2];
+}
+
+void getsp2(int *nxdis, int *nydis, int *nzdis) noexcept {
+    *nxdis = *nydis = *nzdis = 0;
+    AxesBlock *b = qqaxsblk(KX_ENTRY("getsp2"));
+    if (!b) return;
+    *nxdis = b->ax.namdis[0];
+    *nydis = b->ax.namdis[1];
+    *nzdis = b->ax.namdis[2];
+}
+
+void gettcl(int *nmaj, int *nmin) noexcept {
+    *nmaj = *nmin = 0;
+    AxesBlock *b = qqaxsblk(KX_ENTRY("gettcl"));
+    if (!b) return;
+    *nmaj = b->ax.ticmaj;
+    *nmin = b->ax.ticmin;
+}

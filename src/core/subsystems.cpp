@@ -50,9 +50,11 @@ void qqrelease(CoreBlock *b) noexcept {
         if (s->release) s->release(b);
 }
 
+// Higher subsystems end first: a depth buffer paints its polygons into an
+// image that image mode, lower down, then sends out.
 void qqend(CoreBlock *b) noexcept {
-    for (const Subsystem *s : kSubsystems)
-        if (s->end) s->end(b);
+    for (int i = g_count - 1; i >= 0; --i)
+        if (g_subsystems[i]->end) g_subsystems[i]->end(b);
 }
 
 int qqresetrow(CoreBlock *b, const char *name) noexcept {

@@ -41,7 +41,7 @@ void qqinit(CoreBlock *b) noexcept;
 // Frees everything the subsystems hang on a block that goes away.
 void qqrelease(CoreBlock *b) noexcept;
 // Ends the subsystems' open work at kolfin (buffers, image and
-// transparency modes, PLY output), in the order of the list.
+// transparency modes, PLY output), in the reverse order of the list.
 void qqend(CoreBlock *b) noexcept;
 // Runs the reset rows of the given name; returns the number of rows run.
 int qqresetrow(CoreBlock *b, const char *name) noexcept;

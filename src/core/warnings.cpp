@@ -250,11 +250,12 @@ void report_out(CoreBlock *b, const double *v, int dims) {
     qqwarm(b, -1, text);
 }
 
-// Points out of the scaling are counted whenever they are checked; the line
-// about each one is a warning to the user and keeps quiet with the warnings.
+// A point out of the scaling is counted and gets its protocol line, which
+// errmod("WARN", "OFF") leaves alone: nochek and errmod("CHEC", "OFF") are
+// the switches that stop these lines.
 void out_point(CoreBlock *b, const double *v, int dims) {
     b->diag.nout++;
-    if (printing(b)) report_out(b, v, dims);
+    report_out(b, v, dims);
 }
 
 }  // namespace

@@ -105,6 +105,9 @@ void reset_clip_window(CoreBlock *b) {
     qqclippage(qqdevblk(b));
 }
 
+void reset_filbox(CoreBlock *b) { qqdevblk(b)->dev.fboxset = 0; }
+void reset_filclr(CoreBlock *b) { qqdevblk(b)->dev.fclrnone = 0; }
+
 void reset_clip_mode(CoreBlock *blk) {
     DeviceBlock *b = qqdevblk(blk);
     DeviceState &d = b->dev;
@@ -120,7 +123,8 @@ void reset_clip_mode(CoreBlock *blk) {
 
 const ResetEntry kResets[] = {
     {"ORIG", reset_origin},    {"CLPB", reset_clip_window}, {"CLPW", reset_clip_window},
-    {"CLPM", reset_clip_mode}, {"NOCL", reset_clip_mode},   {nullptr, nullptr},
+    {"CLPM", reset_clip_mode}, {"NOCL", reset_clip_mode},   {"FILB", reset_filbox},
+    {"FILC", reset_filclr},    {nullptr, nullptr},
 };
 
 }  // namespace

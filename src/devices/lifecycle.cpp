@@ -236,4 +236,10 @@ const char *getmfl() noexcept {
 
 double getver() noexcept { return 11.5; }
 
-const char *getdsp() noexcept { return display_available() ? "XWIN" : "NONE"; }
+// The class of the screen layer that a session could open: none while this
+// build has no screen driver or no display is configured.
+const char *getdsp() noexcept {
+    int code = 0;
+    const DeviceFamily *screen = qqfamilykey("XWIN", &code);
+    return screen && screen->ops && display_available() ? "XWIN" : "NONE";
+}

@@ -218,6 +218,14 @@ void hsymbl(int nhsym) noexcept {
     b->crv.hsymbl = nhsym;
 }
 
+void getsym(int *nsym, int *nhsym) noexcept {
+    *nsym = *nhsym = 0;
+    PlotBlock *b = qqpltblk(KX_ENTRY("getsym"));
+    if (!b) return;
+    *nsym = b->crv.marker;
+    *nhsym = b->crv.hsymbl;
+}
+
 void symrot(double xrot) noexcept {
     PlotBlock *b = qqpltblk(KX_ENTRY("symrot"));
     if (!b) return;

@@ -74,6 +74,12 @@ void zsc_init(CoreBlock *blk) {
     b->zsc.zmax = 1;
     b->zsc.hi = 1;
 }
+
+// reset("ZSCA") forgets the range of zscale; the scale of a plot drawn
+// since stays with it.
+void reset_zscale(CoreBlock *b) { qqpltblk(b)->zsc.uset = 0; }
+
+const ResetEntry kResets[] = {{"ZSCA", reset_zscale}, {nullptr, nullptr}};
 }  // namespace
 
-extern const Subsystem kxsub_zscale = {"zscale", zsc_init, zsc_init, nullptr, nullptr, nullptr};
+extern const Subsystem kxsub_zscale = {"zscale", zsc_init, zsc_init, nullptr, kResets, nullptr};

@@ -480,10 +480,18 @@ void colour_scale(SpaceBlock *b, const double *c, size_t n, bool own) {
     qqzscl(b, b->sp.a[2], b->sp.e[2]);
 }
 
+// view3d's point back to the default viewpoint, flab3d's labels back on.
+void reset_view(CoreBlock *b) {
+    SpaceState &s = qqspcblk(b)->sp;
+    s.eye[0] = s.eye[1] = s.eye[2] = 0;
+    s.eyemode = 0;
+}
+void reset_flab(CoreBlock *b) { qqspcblk(b)->sp.flab = 1; }
+const ResetEntry kResets[] = {{"FLAB", reset_flab}, {"VIEW", reset_view}, {nullptr, nullptr}};
 }  // namespace
 
 extern const Subsystem kxsub_space = {"space",       defaults, space_init,
-                                      space_release, nullptr,  space_end};
+                                      space_release, kResets,  space_end};
 
 void qqlitabs(SpaceBlock *b, int k) noexcept {
     Light3 &l = b->sp.lit[k];
@@ -755,6 +763,26 @@ void light(const char *copt) noexcept {
     if (!b) return;
     int k = qqkey(b, "OFF +ON  ", 2, copt);
     if (k > 0) b->sp.lights = k - 1;
+}
+
+// The colour number that the light model gives a point with a normal, as a
+// polygon gets it on output without pixels; the current colour with the
+// lights off.  The point is a user position of the open 3-D axis system,
+// else an absolute one.
+int getlit(double xp, double yp, double zp, double xn, double yn, double zn) noexcept {
+    SpaceBlock *b = qqspcblk(KX_ENTRY("getlit"));
+    if (!b) return 0;
+    const SpaceState &s = b->sp;
+    if (!s.lights) return b->clr.curclr;
+    double p[3] = {xp, yp, zp}, n[3] = {xn, yn, zn};
+    if (s.open)
+        for (int a = 0; a < 3; ++a) p[a] = qqusr2abs(b, a, p[a]);
+    double len = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+    if (len > 1e-35)
+        for (double &v : n) v /= len;
+    double c[3];
+    qqlight(b, p, n, 0, nullptr, c);
+    return qqnearest(b, (int)(c[0] * 255 + 0.5), (int)(c[1] * 255 + 0.5), (int)(c[2] * 255 + 0.5));
 }
 
 void litmod(int id, const char *copt) noexcept {
