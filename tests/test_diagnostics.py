@@ -68,18 +68,20 @@ def test_warnings_off_still_counts_them(capfd):
     assert banner(out)[2].startswith(" <<  Vectors : 0           Warnings: 2  ")
 
 
-def test_out_of_scaling_lines_are_protocol_not_warnings(capfd, tmp_path):
-    # The lines are neither counted nor stopped by errmod("WARN", "OFF");
-    # the check's own switch and unit(0) stop them.
+def test_out_of_scaling_lines_are_not_counted_as_warnings(capfd, tmp_path):
+    # The lines are not counted as warnings; they keep quiet with the
+    # warnings, and the check's own switch and unit(0) stop them too.
     line = " <<<< (  2.0000e+00 /  5.0000e-01) out of axis scaling in curve!\n"
     kolvex.metafl("PLOG")
     kolvex.setfil(str(tmp_path / "o.met"))
     kolvex.kolini()
     kolvex.nograf()
     kolvex.graf(0.0, 1.0, 0.0, 1.0, 0.0, 1.0, 0.0, 1.0)
-    kolvex.errmod("WARN", "OFF")
     kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
     assert capfd.readouterr().out == line
+    kolvex.errmod("WARN", "OFF")
+    kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
+    kolvex.errmod("WARN", "ON")
     kolvex.errmod("CHEC", "OFF")
     kolvex.curve([0.5, 2.0], [0.5, 0.5], 2)
     kolvex.errmod("CHEC", "ON")

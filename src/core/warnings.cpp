@@ -250,12 +250,12 @@ void report_out(CoreBlock *b, const double *v, int dims) {
     qqwarm(b, -1, text);
 }
 
-// A point out of the scaling is counted and gets its protocol line, which
-// errmod("WARN", "OFF") leaves alone: nochek and errmod("CHEC", "OFF") are
-// the switches that stop these lines.
+// A point out of the scaling is counted whenever it is checked; the line
+// about it goes out only while warnings are on, as the plotting routines
+// promise (nochek and errmod("CHEC", "OFF") stop the check itself).
 void out_point(CoreBlock *b, const double *v, int dims) {
     b->diag.nout++;
-    report_out(b, v, dims);
+    if (printing(b)) report_out(b, v, dims);
 }
 
 }  // namespace
