@@ -125,6 +125,7 @@ KOLVEX_API void pdfmrk(const char *cstr, const char *copt) KOLVEX_NOEXCEPT;
 /* Native metafile and its inclusion */
 KOLVEX_API void filbox(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void filclr(const char *cmode) KOLVEX_NOEXCEPT;
+KOLVEX_API void filwin(int nx, int ny, int nw, int nh) KOLVEX_NOEXCEPT;
 KOLVEX_API void incfil(const char *cfil) KOLVEX_NOEXCEPT;
 
 /* Colours */

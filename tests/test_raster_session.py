@@ -45,6 +45,18 @@ def test_linwid_gives_the_border_its_pixels(width, columns):
     assert (row[:columns] == 255).all() and (row[columns:] == 0).all()
 
 
+def test_penwid_rounds_to_the_width_of_linwid():
+    # round(5.4) = 5 gives round(5 * 0.287) = 1 pixel, not round(1.55) = 2.
+    def border(set_width):
+        kolvex.filmod("DELE")
+        start()
+        set_width()
+        kolvex.pagera()
+        return finish()
+
+    assert (border(lambda: kolvex.penwid(5.4)) == border(lambda: kolvex.linwid(5))).all()
+
+
 def test_emulated_width_with_hwmode_off():
     start()
     kolvex.hwmode("OFF", "LINE")
@@ -54,6 +66,28 @@ def test_emulated_width_with_hwmode_off():
     # The layer draws outlines round the line: the border is thick all the same.
     assert (px[300, :4, 0] == 255).all()
     assert px[300, 40, 0] == 0
+
+
+@pytest.mark.parametrize("page", [None, "PORT"])
+def test_fill_stops_short_of_the_axis_lines(page):
+    # With grace at its default the canvas clips one pixel inside the axis
+    # lines: a solid area larger than the axis system leaves them whole.
+    def axes(fill):
+        kolvex.filmod("DELE")
+        if page:
+            kolvex.pagmod(page)
+        start()
+        kolvex.graf(0, 10, 0, 2, 0, 10, 0, 2)
+        if fill:
+            kolvex.shdpat(16)
+            kolvex.color("RED")
+            kolvex.rlarea([-5, 15, 15, -5], [-5, -5, 15, 15], 4)
+        return finish()
+
+    lines = (axes(False) == 255).all(axis=2)
+    filled = axes(True)
+    assert (filled[lines] == 255).all()
+    assert ((filled[:, :, 0] > 200) & (filled[:, :, 1] < 60)).sum() > 10000
 
 
 def test_smooth_lines_blend_on_an_rgb_canvas():

@@ -143,7 +143,7 @@ void qqaxrect(AxesBlock *b, int x, int y, int w, int h) noexcept {
     // compared with it.
     double circ[3] = {(float)(d.nxsh + x + w / 2), (float)(d.nysh + y - h / 2),
                       (float)((w < h ? w : h) / 2 + g)};
-    qqaxclip(b, rect, circ, 0);
+    qqaxclip(b, rect, circ, 0, g);
 }
 
 void qqaxfill(AxesBlock *b, int x1, int y1, int x2, int y2, int clr) noexcept {

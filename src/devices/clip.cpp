@@ -204,11 +204,16 @@ void qqclip(DeviceBlock *b, int back) noexcept {
     if (d.axclp[1] > d.clpy1) d.clpy1 = d.axclp[1];
     if (d.axclp[2] < d.clpx2) d.clpx2 = d.axclp[2];
     if (d.axclp[3] < d.clpy2) d.clpy2 = d.axclp[3];
+    // A pixel device keeps its clip off the axis lines, which the default
+    // margin leaves one plot coordinate outside the window.
+    d.clpwiden = d.axgrace;
     qqclipdev(b, 1);
+    d.clpwiden = 0;
 }
 
-void qqaxclip(DeviceBlock *b, const int rect[4], const double circ[3], int round) noexcept {
+void qqaxclip(DeviceBlock *b, const int rect[4], const double circ[3], int round, int grace) noexcept {
     DeviceState &d = b->dev;
+    d.axgrace = grace == -1 ? 1 : 0;
     for (int i = 0; i < 4; ++i) d.axclp[i] = rect[i];
     d.axccx = circ[0];
     d.axccy = circ[1];

@@ -125,9 +125,11 @@ void qqclipdev(DeviceBlock *b, int narrowing) noexcept;
 // inclusive, absolute plot coordinates) and a circle (centre x, y and
 // radius).  round 0 clips to the rectangle, 1 to the circle whatever
 // clpmod says (a polar system), 2 to the circle under clpmod AUTO (a map
-// in a round frame).  The axis systems call it; the layer keeps no other
-// trace of them.
-void qqaxclip(DeviceBlock *b, const int rect[4], const double circ[3], int round) noexcept;
+// in a round frame).  grace is the margin the rectangle was made with: at
+// its default of -1 a pixel device gets the rectangle widened by one plot
+// coordinate and narrowed by one pixel.  The axis systems call it; the
+// layer keeps no other trace of them.
+void qqaxclip(DeviceBlock *b, const int rect[4], const double circ[3], int round, int grace) noexcept;
 // What a map projection asks of the clipper: jump 1 drops a segment whose
 // ends lie left and right of the window (it crosses the map's seam);
 // nochord 1 draws nothing of a segment with both ends outside the clip

@@ -27,6 +27,8 @@ struct DeviceState {
     int axclp[4];              // its rectangle: left, top, right, bottom, inclusive
     double axccx, axccy, axccr;  // its circle
     unsigned char axround;     // 0 rectangle, 1 circle always, 2 circle under clpmod AUTO
+    unsigned char axgrace;     // 1 when the rectangle has grace's default margin of -1
+    unsigned char clpwiden;    // 1 while qqclip(0) hands such a rectangle to the device
     unsigned char clpjump;     // a segment across the window in X is a jump: dropped
     unsigned char clpnochord;  // a segment with both ends outside the circle: nothing
     unsigned char softfill;    // fills take the software path, never the driver's
@@ -53,6 +55,8 @@ struct DeviceState {
     int fbox[4];               // filbox: corner (Y down) and size for incfil
     unsigned char fboxset;     // 1 once filbox gave a box
     unsigned char fclrnone;    // filclr NONE: included colours are ignored
+    int fwin[4];               // filwin: the part of an image used, in pixels
+    unsigned char fwinset;     // 1 once filwin gave a window
     // Hooks of later stages: a position mapped into the 3-D plane, and a
     // segment test of hidden lines or shields.  Null when not in use.
     void (*planemap)(DeviceBlock *b, double *x, double *y);
@@ -63,6 +67,10 @@ struct DeviceState {
     // The polygon fill of the plots with the current pattern (qqfillpoly),
     // set when a block is made: the layer hands fills upward through it.
     void (*fillfn)(DeviceBlock *b, double *x, double *y, int n);
+    // The frame of the frame thickness round a box (upper left corner x,
+    // y, w by h, plot coordinates), drawn after an included file; set by the
+    // plots with the fill, null draws nothing.
+    void (*boxframe)(DeviceBlock *b, int x, int y, int w, int h);
     // The hatching of several polygons together (qqhatchpolys).
     int (*hatchfn)(DeviceBlock *b, const double *const *x, const double *const *y, const int *n,
                    int npoly, double d, int maxcross, void (*move)(DeviceBlock *, double, double),

@@ -1,7 +1,9 @@
 // incfil: a finished file drawn into a box of the page, and its settings
-// filbox and filclr.  The native metafile is read here; the image readers
-// and the CGM reader take their formats when they are built, and until
-// then those formats are refused as unknown (warning 56).
+// filbox, filclr and filwin.  The native metafile is read here and the CGM
+// in cgm_read.cpp; the image readers take their formats when they are
+// built, and until then those formats are refused as unknown (warning 56).
+#include "devices/incfil.h"
+
 #include <cstdio>
 #include <cstring>
 
@@ -17,7 +19,7 @@
 
 namespace {
 
-enum { BMP = 1, PNG = 4, METAFILE = 6 };
+enum { BMP = 1, PNG = 4, METAFILE = 6, CGM = 7 };
 
 // Where the pictures of a metafile go: the box, the scale m of its
 // normalised coordinates and the base line yb.
@@ -25,11 +27,16 @@ struct Placement {
     double nx, yb, m;
 };
 
-// One field of ten characters: its integer part and the value.
+// One field of ten characters: its integer part and the value.  A field
+// that begins with two blanks is a coordinate, even with no digits, and so
+// is a negative one (a point on the page's edge, within the clipper's
+// tolerance).
 bool read_field(const char *p, int *whole, double *value) {
     int i = 0, ip = 0;
     long frac = 0;
     while (i < 10 && p[i] == ' ') ++i;
+    bool negative = i < 10 && p[i] == '-';
+    if (negative) ++i;
     bool any = false;
     while (i < 10 && p[i] >= '0' && p[i] <= '9') {
         ip = ip * 10 + (p[i++] - '0');
@@ -43,9 +50,9 @@ bool read_field(const char *p, int *whole, double *value) {
         }
         any = true;
     }
-    *whole = ip;
-    *value = ip + frac / 1e7;
-    return any;
+    *whole = negative ? 0 : ip;
+    *value = (negative ? -1 : 1) * (ip + frac / 1e7);
+    return any || (p[0] == ' ' && p[1] == ' ');
 }
 
 // Draws the metafile; 0, or the warning it ended with (36 or 122).
@@ -138,7 +145,7 @@ void incfil(const char *cfil) noexcept {
             return;
         }
     }
-    if (type != METAFILE) {
+    if (type != METAFILE && type != CGM) {
         qqwar0(b, 56);
         return;
     }
@@ -151,37 +158,62 @@ void incfil(const char *cfil) noexcept {
         return;
     }
     qqflsh(b);
-    int w2 = include_metafile(b, fp, box);
+    // The file's colours end with the file.
+    int colour = b->clr.curclr;
+    int w2 = type == CGM ? qqincgm(b, fp, box) : include_metafile(b, fp, box);
     std::fclose(fp);
+    if (b->clr.curclr != colour) qqsetc(b, colour);
     if (w2 == 122)
         qqwar1(b, 122, "The PLOGFL file is not complete!");
     else if (w2 != 0)
         qqwarc(b, 36, name);
+    // What was drawn gets the frame of the frame thickness round its box.
+    if ((w2 == 0 || w2 == 122) && d.boxframe) {
+        qqflsh(b);
+        d.boxframe(b, box[0], box[1], box[2], box[3]);
+    }
 }
 
-void filbox(int nx, int ny, int nw, int nh) noexcept {
-    DeviceBlock *b = qqdevblk(KX_ENTRY("filbox"));
-    if (!b) return;
+namespace {
+
+// The box of filbox or the window of filwin: y through the page origin,
+// a corner not negative (warning 1) and a size of at least 1 (warning 2);
+// with a page limit, a box that leaves the page gives warning 2 too.
+// Stores the four values and returns true when they pass.
+bool store_box(DeviceBlock *b, int nx, int ny, int nw, int nh, bool on_page, int out[4]) {
     ny = qqyflpi(b, ny);
     if (nx < 0 || ny < 0) {
         qqwarn(b, 1, nx < ny ? nx : ny);
-        return;
+        return false;
     }
     if (nw < 1 || nh < 1) {
         qqwarn(b, 2, nw < nh ? nw : nh);
-        return;
+        return false;
     }
     long long x2 = (long long)nx + nw - 1, y2 = (long long)ny + nh - 1;
-    if (x2 > b->core.nxp || y2 > b->core.nyp) {
+    if (on_page && (x2 > b->core.nxp || y2 > b->core.nyp)) {
         qqwarn(b, 2, (int)(x2 > b->core.nxp ? (x2 > 0x7fffffff ? 0x7fffffff : x2) : y2));
-        return;
+        return false;
     }
-    DeviceState &d = b->dev;
-    d.fbox[0] = nx;
-    d.fbox[1] = ny;
-    d.fbox[2] = nw;
-    d.fbox[3] = nh;
-    d.fboxset = 1;
+    out[0] = nx;
+    out[1] = ny;
+    out[2] = nw;
+    out[3] = nh;
+    return true;
+}
+
+}  // namespace
+
+void filbox(int nx, int ny, int nw, int nh) noexcept {
+    DeviceBlock *b = qqdevblk(KX_ENTRY("filbox"));
+    if (b && store_box(b, nx, ny, nw, nh, true, b->dev.fbox)) b->dev.fboxset = 1;
+}
+
+// The window is in the pixels of an image not yet read: the reader tests
+// it against the image.
+void filwin(int nx, int ny, int nw, int nh) noexcept {
+    DeviceBlock *b = qqdevblk(KX_ENTRY("filwin"));
+    if (b && store_box(b, nx, ny, nw, nh, false, b->dev.fwin)) b->dev.fwinset = 1;
 }
 
 void filclr(const char *cmode) noexcept {

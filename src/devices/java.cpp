@@ -162,8 +162,8 @@ void java_colour(DeviceBlock *b, int, int r, int g, int bl, int) {
     set_colour(b, r, g, bl);
 }
 
-// The rectangle is filled in its own colour; the lines after it keep the
-// current one.
+// The rectangle is filled in its own colour, always set before it; the
+// lines after it keep the current one.
 void java_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     if (!qqvcutrect(b, &x1, &y1, &x2, &y2)) return;
     int ax, ay, bx, by;
@@ -177,7 +177,7 @@ void java_rect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) {
     VectorState &v = b->vec;
     int r0 = v.jr, g0 = v.jg, b0 = v.jb, r, g, bl;
     qqclrrgb(b, colour, &r, &g, &bl);
-    if (r != r0 || g != g0 || bl != b0) set_colour(b, r, g, bl);
+    set_colour(b, r, g, bl);
     qqvput(b, "  g.fillRect ");
     args(b, ax, ay, bx - ax + 1, by - ay + 1);
     if (r != r0 || g != g0 || bl != b0) set_colour(b, r0, g0, b0);

@@ -59,6 +59,7 @@ void devices_init(CoreBlock *blk) {
     DeviceState &d = b->dev;
     d.fboxset = 0;
     d.fclrnone = 0;
+    d.fwinset = 0;
     d.npol = 0;
     d.inflsh = 0;
     d.nxsh = d.nysh = 0;

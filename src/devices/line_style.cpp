@@ -51,9 +51,11 @@ void penwid(double xwidth) noexcept {
 namespace {
 void style_changed(DeviceBlock *b) {
     const DriverOps *drv = b->dev.drv;
-    if (drv && drv->linestyle) drv->linestyle(b);
+    // A device without caps and joins (SVG, IPE, Java) sees nothing.
+    if (!drv || !drv->linestyle) return;
+    drv->linestyle(b);
     // A pen with the new style comes into use at the current width.
-    if (b->dev.lnwid < 0 && drv && drv->width) drv->width(b, -b->dev.lnwid, 0);
+    if (b->dev.lnwid < 0 && drv->width) drv->width(b, -b->dev.lnwid, 0);
 }
 }  // namespace
 
@@ -102,10 +104,11 @@ void hwmode(const char *cmode, const char *ckey) noexcept {
         return;
     }
     b->dev.hwlin = (unsigned char)(k - 1);
-    // The width is set again at once: to the device, or back to the
-    // layer's emulation.
-    if (b->core.level > 0) {
-        int n = b->dev.lnwid < 0 ? -b->dev.lnwid : b->dev.lnwid;
+    // A width that the device draws is set again at once, to the device or
+    // back to the layer's emulation; an emulated width keeps its emulation
+    // until the next linwid.
+    if (b->core.level > 0 && b->dev.lnwid < 0) {
+        int n = -b->dev.lnwid;
         qqflsh(b);
         b->dev.lnwid = apply_width(b, n, n, 0);
     }

@@ -116,13 +116,15 @@ void raster_table(DeviceBlock *b) {
     if (b->cnv.imgtran != -1) qqcoption(cv, 32, b->cnv.imgtran);
 }
 
-int raster_width(DeviceBlock *b, double n, int) {
+int raster_width(DeviceBlock *b, double n, int fractional) {
     qqcanvas *cv = qqcanvasof(b);
     if (!cv) return 0;
     if (n <= 0) {
         qqcoption(cv, 26, 1);
         return 0;
     }
+    // A pen of pixels takes whole widths: penwid's value is rounded first.
+    if (fractional) n = qqnint(n) < 1 ? 1 : qqnint(n);
     int px = qqnint(n * b->sess.devscl);
     qqcoption(cv, 26, px < 1 ? 1 : px);
     return 1;
@@ -137,12 +139,17 @@ void raster_clip(DeviceBlock *b, int x1, int y1, int x2, int y2, int reset) {
     if (!cv) return;
     int ax = 0, ay = 0, bx = cv->cw - 1, by = cv->ch - 1;
     if (!reset) {
+        // An axis system's window with the default margin: back out to the
+        // axis lines, then one pixel in, so that nothing covers the lines.
+        int widen = b->dev.clpwiden ? 1 : 0;
         int px1, py1, px2, py2;
-        if (!to_pixel(b, x1, y1, &px1, &py1) || !to_pixel(b, x2, y2, &px2, &py2)) return;
-        ax = px1 < px2 ? px1 : px2;
-        bx = px1 < px2 ? px2 : px1;
-        ay = py1 < py2 ? py1 : py2;
-        by = py1 < py2 ? py2 : py1;
+        if (!to_pixel(b, x1 - widen, y1 - widen, &px1, &py1) ||
+            !to_pixel(b, x2 + widen, y2 + widen, &px2, &py2))
+            return;
+        ax = (px1 < px2 ? px1 : px2) + widen;
+        bx = (px1 < px2 ? px2 : px1) - widen;
+        ay = (py1 < py2 ? py1 : py2) + widen;
+        by = (py1 < py2 ? py2 : py1) - widen;
     }
     qqcoption(cv, 11, ax);
     qqcoption(cv, 12, ay);

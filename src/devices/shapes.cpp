@@ -164,13 +164,13 @@ void qqfrect(DeviceBlock *b, int x1, int y1, int x2, int y2, int colour) noexcep
         return;
     }
     // A device without filled shapes: lines from the top, 1.4 / unitf
-    // apart, and one at the lower edge.
+    // apart down to the lower edge, and one more at that edge.
     int old = b->clr.curclr;
     qqsetc(b, colour);
     {
         LinePen pen(b, true);
         double step = 1.4 / b->core.unitf;
-        for (double yy = (double)ay; yy < (double)by; yy += step) {
+        for (double yy = (double)ay; yy <= (double)by; yy += step) {
             qqrmov(b, (double)ax, yy);
             qqrdrw(b, (double)bx, yy);
         }

@@ -43,24 +43,6 @@ int font_size(DeviceBlock *b, double height) {
     return v > 0 && v < 2e9 ? (int)v : 0;
 }
 
-// A line wider than the thinnest one shows its ends and corners as the
-// other devices draw them: the cap and join of lncap and lnjoin, and the
-// miter limit for sharp corners.
-void line_ends(DeviceBlock *b) {
-    static const char *const kCap[3] = {"butt", "round", "square"};
-    static const char *const kJoin[3] = {"miter", "round", "bevel"};
-    const DeviceState &d = b->dev;
-    int cap = d.lncp >= 0 && d.lncp <= 2 ? d.lncp : 2, join = d.lnjn >= 0 && d.lnjn <= 2 ? d.lnjn : 2;
-    qqvput(b, "\" stroke-linecap=\"");
-    qqvput(b, kCap[cap]);
-    qqvput(b, "\" stroke-linejoin=\"");
-    qqvput(b, kJoin[join]);
-    if (join == 0) {
-        qqvput(b, "\" stroke-miterlimit=\"");
-        qqvnum(b, d.lnml, 3);
-    }
-}
-
 // Brings the group to the wanted state; c gives the font of a text group.
 void group(DeviceBlock *b, int wanted, const QQHwChar *c = nullptr) {
     VectorState &v = b->vec;
@@ -72,7 +54,6 @@ void group(DeviceBlock *b, int wanted, const QQHwChar *c = nullptr) {
         qqvhex(b, v.r, v.g, v.bl);
         qqvput(b, "\" stroke-width=\"");
         qqvnum(b, v.strokew, 3);
-        if (v.strokew > 1.0) line_ends(b);
         qqvput(b, "\">\n");
     } else if (wanted == TEXT && c) {
         int f = c->font >= 0 && c->font < 35 ? c->font : 0;
@@ -206,13 +187,6 @@ int svg_width(DeviceBlock *b, double n, int) {
     double w = n * b->sess.devscl;
     b->vec.strokew = n > 0 && w > 1.0 ? w : 1.0;
     return n > 0 ? 1 : 0;
-}
-
-// Caps, joins and the miter limit stand in the group: a change opens a
-// new one.
-void svg_style(DeviceBlock *b) {
-    end_path(b);
-    group(b, NO_GROUP);
 }
 
 int svg_fill(DeviceBlock *b, const double *x, const double *y, int n) {
@@ -386,7 +360,6 @@ const DriverOps kOps = {
     .line = svg_line,
     .colour = svg_colour,
     .width = svg_width,
-    .linestyle = svg_style,
     .fill_polygon = svg_fill,
     .fill_rect = svg_rect,
     .close = svg_close,

@@ -82,9 +82,17 @@ void pattern_fill(DeviceBlock *b, double *x, double *y, int n) {
     qqpfill(qqpltblk(b), x, y, n);
 }
 
+// The frame round the box of an included file: the thickness and colour
+// of the axis system's frame.
+void box_frame(DeviceBlock *blk, int x, int y, int w, int h) {
+    PlotBlock *b = qqpltblk(blk);
+    qqframe(b, x, y, w, h, b->ax.frmthk, 0.0, b->ax.frmcol);
+}
+
 void styles_first(CoreBlock *blk) {
     PlotBlock *b = qqpltblk(blk);
     b->dev.fillfn = pattern_fill;
+    b->dev.boxframe = box_frame;
     b->dev.hatchfn = hatch_polys;
     b->txt.frame = text_frame;
     b->txt.solidfill = text_solid;
@@ -98,6 +106,7 @@ void styles_init(CoreBlock *blk) {
     PlotBlock *b = qqpltblk(blk);
     StyleState &s = b->sty;
     b->dev.fillfn = pattern_fill;
+    b->dev.boxframe = box_frame;
     b->dev.hatchfn = hatch_polys;
     b->txt.frame = text_frame;
     b->txt.solidfill = text_solid;

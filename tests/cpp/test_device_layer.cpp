@@ -222,7 +222,7 @@ TEST(axis_region_and_map_rules_handed_to_the_layer) {
     glbblk *b = session(rec);
     const int rect[4] = {100, 100, 900, 900};
     const double circ[3] = {500, 500, 100};
-    qqaxclip(b, rect, circ, 0);
+    qqaxclip(b, rect, circ, 0, 0);
     qqclip(b, 0);
     CHECK_EQ(b->dev.clpx1, 100);
     CHECK_EQ(b->dev.clpcir, 0);
@@ -237,7 +237,7 @@ TEST(axis_region_and_map_rules_handed_to_the_layer) {
     qqclip(b, 1);
     // A round map frame: the circle under clpmod AUTO, the rectangle under
     // RECT; a polar system: the circle under RECT too.
-    qqaxclip(b, rect, circ, 2);
+    qqaxclip(b, rect, circ, 2, 0);
     qqclip(b, 0);
     CHECK_EQ(b->dev.clpcir, 1);
     qqmapclip(b, 0, 1, 0);  // and no chord of a line that passes the frame
@@ -250,7 +250,7 @@ TEST(axis_region_and_map_rules_handed_to_the_layer) {
     qqclip(b, 0);
     CHECK_EQ(b->dev.clpcir, 0);
     qqclip(b, 1);
-    qqaxclip(b, rect, circ, 1);
+    qqaxclip(b, rect, circ, 1, 0);
     qqclip(b, 0);
     CHECK_EQ(b->dev.clpcir, 1);
     CHECK_EQ(b->dev.ccr, 100.0);

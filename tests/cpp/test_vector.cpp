@@ -155,8 +155,7 @@ TEST(svg_bytes_of_a_small_session) {
         "<g fill=\"none\" stroke=\"#ff8000\" stroke-width=\"1.000\">\n"
         "<line x1=\"5.00\" y1=\"0.00\" x2=\"20.00\" y2=\"30.00\"/>\n"
         "</g>\n"
-        "<g fill=\"none\" stroke=\"#ff8000\" stroke-width=\"1.500\" stroke-linecap=\"square\""
-        " stroke-linejoin=\"bevel\">\n"
+        "<g fill=\"none\" stroke=\"#ff8000\" stroke-width=\"1.500\">\n"
         "<line x1=\"50.00\" y1=\"100.00\" x2=\"150.00\" y2=\"200.00\"/>\n"
         "<polygon fill=\"#ff8000\" points=\"\n 50.00, 50.00 100.00, 50.00 100.00, 150.00\"/>\n"
         "<rect x=\"50.00\" y=\"50.00\" width=\"101.00\" height=\"51.00\"\n"
@@ -308,6 +307,7 @@ TEST(java_bytes_of_a_small_session) {
         "  g.setColor (new Color (255,128,0));\n"
         "  g.setColor (new Color (0,0,255));\n"
         "  g.fillRect (50,50,101,51);\n"
+        "  g.setColor (new Color (255,128,0));\n"
         "  g.setColor (new Color (255,128,0));\n"
         "  g.fillRect (0,0,6,6);\n"
         "  g.clearRect (0,0,1001,501);\n";
