@@ -9,7 +9,8 @@ import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 EXAMPLES = ["demo", "curve_modes", "symbols", "legends", "errors_and_areas", "fill_patterns",
-            "contours", "shields", "bars", "colour_matrix", "hidden_surfaces", "maps", "formulas"]
+            "contours", "shields", "bars", "pies", "colour_matrix", "hidden_surfaces", "maps",
+            "formulas"]
 
 
 def main():

@@ -405,9 +405,22 @@ KOLVEX_API void bars3d(const double *xray, const double *yray, const double *z1r
 KOLVEX_API void chnbar(const char *copt) KOLVEX_NOEXCEPT;
 KOLVEX_API void fbars(const double *xray, const double *y1ray, const double *y2ray, const double *y3ray, const double *y4ray, int n) KOLVEX_NOEXCEPT;
 
+/* Pies */
+KOLVEX_API void chnpie(const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void piebor(int nclr) KOLVEX_NOEXCEPT;
+KOLVEX_API void piecbk(void (*callback)(int, double, double, int *, int *, double *, int *, int *, int *, int *)) KOLVEX_NOEXCEPT;
+KOLVEX_API void pieclr(const int *nc1ray, const int *nc2ray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void pieexp(void) KOLVEX_NOEXCEPT;
+KOLVEX_API void piegrf(const char *cbuf, int nlin, const double *xray, int n) KOLVEX_NOEXCEPT;
+KOLVEX_API void pielab(const char *clab, const char *cpos) KOLVEX_NOEXCEPT;
+KOLVEX_API void pieopt(double xf, double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API void pierot(double xrot) KOLVEX_NOEXCEPT;
+KOLVEX_API void pietyp(const char *ctyp) KOLVEX_NOEXCEPT;
+KOLVEX_API void pieval(double x, const char *copt) KOLVEX_NOEXCEPT;
+KOLVEX_API void pievec(int ivec, const char *copt) KOLVEX_NOEXCEPT;
+
 /* Area fill, polygon clipping and patterns */
 KOLVEX_API void areaf(const int *nxray, const int *nyray, int n) KOLVEX_NOEXCEPT;
-KOLVEX_API void connpt(double x, double y) KOLVEX_NOEXCEPT;
 KOLVEX_API void mypat(int iang, int itype, int idens, int icross) KOLVEX_NOEXCEPT;
 KOLVEX_API void noarln(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void nofill(void) KOLVEX_NOEXCEPT;
@@ -436,6 +449,32 @@ KOLVEX_API void shlres(int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void shlsur(void) KOLVEX_NOEXCEPT;
 KOLVEX_API void shlvis(int id, const char *cvis) KOLVEX_NOEXCEPT;
 
+/* Geometric figures */
+KOLVEX_API void arcell(int nx, int ny, int na, int nb, double alpha, double beta, double theta) KOLVEX_NOEXCEPT;
+KOLVEX_API void circ3p(double x1, double y1, double x2, double y2, double x3, double y3, double *xm, double *ym, double *r) KOLVEX_NOEXCEPT;
+KOLVEX_API void circle(int nx, int ny, int nr) KOLVEX_NOEXCEPT;
+KOLVEX_API void circsp(int nspc) KOLVEX_NOEXCEPT;
+KOLVEX_API void connpt(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void ellips(int nx, int ny, int na, int nb) KOLVEX_NOEXCEPT;
+KOLVEX_API void pie(int nx, int ny, int nr, double alpha, double beta) KOLVEX_NOEXCEPT;
+KOLVEX_API void point(int nx, int ny, int nb, int nh, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlarc(double x, double y, double a, double bb, double alpha, double beta, double theta) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlcirc(double x, double y, double r) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlconn(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlell(double x, double y, double a, double bb) KOLVEX_NOEXCEPT;
+KOLVEX_API void rline(double x1, double y1, double x2, double y2) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlpie(double x, double y, double r, double alpha, double beta) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlpoin(double x, double y, int nw, int nh, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlrec(double x, double y, double w, double h) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlrnd(double x, double y, double w, double h, int iopt) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlsec(double x, double y, double r1, double r2, double alpha, double beta, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlstrt(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void rlwind(double xvel, double x, double y, int nw, double angle) KOLVEX_NOEXCEPT;
+KOLVEX_API void rndrec(int nx, int ny, int nw, int nh, int iopt) KOLVEX_NOEXCEPT;
+KOLVEX_API void sector(int nx, int ny, int nr1, int nr2, double alpha, double beta, int ncol) KOLVEX_NOEXCEPT;
+KOLVEX_API void strtpt(double x, double y) KOLVEX_NOEXCEPT;
+KOLVEX_API void windbr(double xvel, int nx, int ny, int nw, double angle) KOLVEX_NOEXCEPT;
+
 /* Contour lines */
 KOLVEX_API void conclr(const int *nclray, int n) KOLVEX_NOEXCEPT;
 KOLVEX_API void concrv(const double *xray, const double *yray, int n, double zlev) KOLVEX_NOEXCEPT;
@@ -446,7 +485,6 @@ KOLVEX_API void conmod(double xfac, double xquot) KOLVEX_NOEXCEPT;
 KOLVEX_API void conpts(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev, double *xpts, double *ypts, int maxpts, int *nptray, int maxlin, int *nlins) KOLVEX_NOEXCEPT;
 KOLVEX_API void contur2(const double *xmat, const double *ymat, const double *zmat, int n, int m, double zlev) KOLVEX_NOEXCEPT;
 KOLVEX_API void contur(const double *xray, int n, const double *yray, int m, const double *zmat, double zlev) KOLVEX_NOEXCEPT;
-KOLVEX_API void strtpt(double x, double y) KOLVEX_NOEXCEPT;
 
 /* Colour matrix plots */
 KOLVEX_API void autres(int ixdim, int iydim) KOLVEX_NOEXCEPT;

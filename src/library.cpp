@@ -26,6 +26,8 @@ extern const Subsystem kxsub_styles;
 extern const Subsystem kxsub_curves;
 extern const Subsystem kxsub_shields;
 extern const Subsystem kxsub_bars;
+extern const Subsystem kxsub_figures;
+extern const Subsystem kxsub_pies;
 extern const Subsystem kxsub_contours;
 extern const Subsystem kxsub_colourplots;
 extern const Subsystem kxsub_postscript;
@@ -44,8 +46,8 @@ const Subsystem *const kSubsystems[] = {
     &kxsub_core,    &kxsub_diagnostics, &kxsub_session, &kxsub_devices, &kxsub_vector,
     &kxsub_pdf,     &kxsub_postscript,  &kxsub_cgm,     &kxsub_canvas,  &kxsub_colour,
     &kxsub_text,    &kxsub_numbers,     &kxsub_axes,    &kxsub_styles,  &kxsub_curves,
-    &kxsub_shields, &kxsub_bars, &kxsub_contours, &kxsub_colourplots,    &kxsub_zscale,  &kxsub_space,
-    &kxsub_surfaces, &kxsub_maps,
+    &kxsub_shields, &kxsub_bars,    &kxsub_figures, &kxsub_pies,    &kxsub_contours,
+    &kxsub_colourplots, &kxsub_zscale, &kxsub_space, &kxsub_surfaces, &kxsub_maps,
 };
 
 // Hands the list over before any routine can make a block.

@@ -116,6 +116,7 @@ SPECIAL = {
     "leglin": "passes the module's legend buffer",
     "nxlegn": "passes the module's legend buffer",
     "nylegn": "passes the module's legend buffer",
+    "piegrf": "passes the module's legend buffer",
     "legsel": "passes its counts 0 and -1, which select no line and all lines",
     "itmcat": "sizes its buffer from the lengths of both texts",
     "itmncat": "sizes its buffer from the lengths of both texts",

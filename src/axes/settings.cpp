@@ -49,6 +49,7 @@ void qqaxdefaults(AxesBlock *b, AxesState *o) noexcept {
     o->spcbar = px(85);
     o->condis = px(500);
     for (int i = 0; i < 5; ++i) o->xdig[i] = 1;
+    o->xlab[1] = 1;  // pies show their percentages unless told otherwise
 }
 
 namespace {

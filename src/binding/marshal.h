@@ -96,6 +96,10 @@ PyObject *kxpy_argfail();
 // with no exception pending (so that Python code it calls sees a clean
 // state); take() moves a pending exception into the stash, replacing an
 // older one, and restore() puts the latest back.
+// Raises the exception that the pie callback of piecbk left during the
+// last piegrf, once; false when there was none.
+bool kxpy_pie_raise();
+
 struct KxErrStash {
     PyObject *type = nullptr, *value = nullptr, *tb = nullptr;
     KxErrStash() = default;

@@ -160,3 +160,73 @@ PyObject *kxs_surfcp(PyObject *, PyObject *args) {
         return kxpy_argfail();
     return run_surface(fn, [&] { surfcp(surfcp_trampoline, pmin, pmax, pstp, qmin, qmax, qstp); });
 }
+
+// ---- piecbk ------------------------------------------------------------------------
+
+namespace {
+
+PyObject *pypiefn = nullptr;  // the function of piecbk (one reference held)
+// The exception of the callable during a pie: the first is kept, the
+// callable is not called again, and piegrf raises it when the library has
+// returned.
+KxErrStash pie_pending;
+
+// An integer of the callable's result, or the value it had.
+void int_item(PyObject *seq, Py_ssize_t i, int *v) {
+    PyObject *o = PySequence_GetItem(seq, i);
+    if (!o) return PyErr_Clear();
+    long x = PyLong_AsLong(o);
+    if (!(x == -1 && PyErr_Occurred()) && x >= INT_MIN && x <= INT_MAX) *v = (int)x;
+    PyErr_Clear();
+    Py_DECREF(o);
+}
+
+// The callable receives (iseg, xdat, xper, nrad, noff, angle, nvx, nvy,
+// idrw, iann) and returns the seven values that may change, in that order
+// (nrad, noff, angle, nvx, nvy, idrw, iann); None keeps them.
+void piecbk_trampoline(int iseg, double xdat, double xper, int *nrad, int *noff, double *angle,
+                       int *nvx, int *nvy, int *idrw, int *iann) {
+    if (!pypiefn || pie_pending.failed()) return;
+    PyGILState_STATE gil = PyGILState_Ensure();
+    PyObject *fn = pypiefn;
+    Py_INCREF(fn);
+    PyObject *r = PyObject_CallFunction(fn, "iddiidiiii", iseg, xdat, xper, *nrad, *noff, *angle,
+                                        *nvx, *nvy, *idrw, *iann);
+    Py_DECREF(fn);
+    if (!r) {
+        pie_pending.take();
+    } else {
+        if (r != Py_None && PySequence_Check(r) && PySequence_Size(r) == 7) {
+            int_item(r, 0, nrad);
+            int_item(r, 1, noff);
+            PyObject *o = PySequence_GetItem(r, 2);
+            if (o) {
+                double d = PyFloat_AsDouble(o);
+                if (!(d == -1.0 && PyErr_Occurred())) *angle = d;
+                Py_DECREF(o);
+            }
+            PyErr_Clear();
+            int_item(r, 3, nvx);
+            int_item(r, 4, nvy);
+            int_item(r, 5, idrw);
+            int_item(r, 6, iann);
+        }
+        PyErr_Clear();
+        Py_DECREF(r);
+    }
+    PyGILState_Release(gil);
+}
+
+}  // namespace
+
+PyObject *kxs_piecbk(PyObject *, PyObject *args) {
+    PyObject *fn = nullptr;
+    if (!PyArg_ParseTuple(args, "O:piecbk", &fn)) return kxpy_argfail();
+    if (!store_callable(&pypiefn, fn)) return nullptr;
+    piecbk(piecbk_trampoline);
+    Py_RETURN_NONE;
+}
+
+// Raises the exception that a pie callback left, once; called by piegrf's
+// wrapper after the library returned.
+bool kxpy_pie_raise() { return pie_pending.restore(); }

@@ -120,3 +120,28 @@ PyObject *kxs_legsel(PyObject *, PyObject *args) {
     if (err.restore()) return nullptr;
     Py_RETURN_NONE;
 }
+
+// The pie's label lines come from the module's legend buffer; without a
+// legini no line is read.
+PyObject *kxs_piegrf(PyObject *, PyObject *args) {
+    const char *cbuf = nullptr;
+    PyObject *o_xray = nullptr;
+    int nlin = 0, n = 0;
+    if (!PyArg_ParseTuple(args, "siOi:piegrf", &cbuf, &nlin, &o_xray, &n)) return kxpy_argfail();
+    if (n < 1) {
+        double none = 0;
+        piegrf(nullptr, 0, &none, n);  // refuses the count with its warning
+        Py_RETURN_NONE;
+    }
+    KxErrStash err;
+    double *x = qqpydb(o_xray, n);
+    err.take();
+    if (!err.failed()) {
+        char *p = qqlegbytes() > 0 ? current_buffer() : nullptr;
+        piegrf(p, p ? nlin : 0, x, n);
+    }
+    std::free(x);
+    bool raised = kxpy_pie_raise();
+    if (err.restore() || raised) return nullptr;
+    Py_RETURN_NONE;
+}

@@ -159,6 +159,11 @@ bool qqhwmark(DeviceBlock *b, int kind, double x, double y, double size) noexcep
 void qqsector(DeviceBlock *b, double x, double y, double r1, double r2, double a1, double a2,
               int colour) noexcept;
 void qqtriangle(DeviceBlock *b, const double *x, const double *y) noexcept;
+// The driver's own ring sector alone, whatever its span (a page description
+// draws it with an operator of its own); false where the caller must fill
+// a polygon.
+bool qqhwsector(DeviceBlock *b, double x, double y, double r1, double r2, double a1, double a2,
+                int colour) noexcept;
 // One character of a hardware font: the driver's, else the stroke hook of
 // DeviceState (set by the text subsystem).
 void qqhwchar(DeviceBlock *b, const QQHwChar *c) noexcept;

@@ -189,6 +189,16 @@ bool qqhwmark(DeviceBlock *b, int kind, double x, double y, double size) noexcep
     return drv->marker(b, kind, x + d.nxsh, y + d.nysh, size) != 0;
 }
 
+bool qqhwsector(DeviceBlock *b, double x, double y, double r1, double r2, double a1, double a2,
+                int colour) noexcept {
+    if (!(r1 >= 0 && r1 <= r2 && r2 < 1e6 && a1 <= a2 && a2 - a1 < 1e6)) return false;
+    const DeviceState &d = b->dev;
+    const DriverOps *drv = d.drv;
+    if (!drv || !drv->sector || !direct(b)) return false;
+    qqflsh(b);
+    return drv->sector(b, x + d.nxsh, y + d.nysh, r1, r2, a1, a2, colour) != 0;
+}
+
 void qqmark(DeviceBlock *b, int kind, double x, double y, double size) noexcept {
     if (kind < 0 || kind > 23 || !(size >= 0 && size < 1e6)) return;
     // A circular clip is the layer's own: a driver's marker would ignore it.

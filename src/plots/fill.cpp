@@ -354,18 +354,6 @@ void xdraw(double x, double y) noexcept {
     if (b) plain_pen(b, [&] { qqdraw(b, x, qqyflp(b, y)); });
 }
 
-// The same pen with the current line style: the dash pattern and the
-// offset of thick lines apply.
-void strtpt(double x, double y) noexcept {
-    PlotBlock *b = qqpltblk(KX_ENTRY("strtpt"));
-    if (b) qqmove(b, x, qqyflp(b, y));
-}
-
-void connpt(double x, double y) noexcept {
-    PlotBlock *b = qqpltblk(KX_ENTRY("connpt"));
-    if (b) qqdraw(b, x, qqyflp(b, y));
-}
-
 #if __has_include("axes/axes.h")
 #include "axes/axes.h"
 #define KX_HAVE_AXES 1

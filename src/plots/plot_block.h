@@ -10,6 +10,8 @@
 #include "axes/axes_block.h"
 #include "plots/bar_state.h"
 #include "plots/curve_state.h"
+#include "plots/figure_state.h"
+#include "plots/pie_state.h"
 #include "plots/shield_state.h"
 #include "plots/style_state.h"
 #include "plots/zscale_state.h"
@@ -21,6 +23,8 @@ struct PlotBlock : AxesBlock {
     ShieldState shl;  // shield regions
     BarState bar;     // bar graph settings and counters
     ZScaleState zsc;  // the z colour scale
+    FigureState fig;  // the circle step of the arc engine
+    PieState pie;     // pie chart settings
 };
 
 inline PlotBlock *qqpltblk(CoreBlock *b) noexcept {
