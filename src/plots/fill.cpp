@@ -2,6 +2,7 @@
 // hatching, the filled rectangle and the frame.
 #include "plots/fill.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
@@ -323,8 +324,12 @@ void recfll(int nx, int ny, int nw, int nh, int ncol) noexcept {
 void pagfll(int ncol) noexcept {
     PlotBlock *b = qqpltblk(KX_ENTRY("pagfll"));
     if (!b) return;
+    // The page before the origin shift, kept within the integers whatever
+    // shift was asked for.
     const DeviceState &d = b->dev;
-    qqrectf(b, -d.nxsh, -d.nysh, b->core.nxp - d.nxsh, b->core.nyp - d.nysh,
+    auto fit = [](long long v) { return (int)std::max<long long>(INT_MIN, std::min<long long>(INT_MAX, v)); };
+    long long sx = d.nxsh, sy = d.nysh;
+    qqrectf(b, fit(-sx), fit(-sy), fit(b->core.nxp - sx), fit(b->core.nyp - sy),
             ncol < 0 ? b->clr.curclr : ncol);
 }
 
